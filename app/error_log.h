@@ -1,0 +1,32 @@
+// error.log: one block per error that a command survived.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+#include "core/file_system.h"
+#include "core/user_act.h"
+
+namespace quorvel {
+
+/// Appends blocks to error.log in the program folder. Failures to write it are ignored. The file is opened by the
+/// first block and stays open, so one ErrorLog should serve one command.
+class ErrorLog {
+ public:
+  ErrorLog(FileSystem& files, const std::filesystem::path& programFolder);
+
+  /// A session record that could not be written: the block with the record dump.
+  void recordNotSaved(const std::filesystem::path& log, const std::filesystem::path& usersFile, const UserAct& record,
+                      std::int32_t recordNumber, const Error& error);
+  /// Any other error of a scan: the four head lines, then the file's name and four empty lines.
+  void errorInScan(const std::filesystem::path& log, const Error& error);
+
+ private:
+  void append(std::string_view block);
+
+  FileSystem& m_files;
+  std::filesystem::path m_path;
+  std::unique_ptr<File> m_file;
+};
+
+}  // namespace quorvel

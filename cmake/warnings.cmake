@@ -1,0 +1,16 @@
+# The compile options every target of ours shares; CI adds -Werror through CMAKE_COMPILE_WARNING_AS_ERROR.
+add_library(quorvel_options INTERFACE)
+target_include_directories(quorvel_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_definitions(quorvel_options INTERFACE _FILE_OFFSET_BITS=64)
+if(MSVC)
+  target_compile_options(quorvel_options INTERFACE /W4 /permissive-)
+else()
+  target_compile_options(quorvel_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual)
+endif()
+
+# quorvel_library(NAME SOURCES... ) declares the library of one folder: static, with our options.
+function(quorvel_library name)
+  add_library(quorvel_${name} STATIC ${ARGN})
+  target_link_libraries(quorvel_${name} PUBLIC quorvel_options)
+endfunction()

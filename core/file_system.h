@@ -1,0 +1,72 @@
+// All access to files goes through this small interface, so that tests can make any single operation fail.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "core/result.h"
+
+namespace quorvel {
+
+enum class OpenMode {
+  Read,       ///< the file must exist; nothing is ever written to it
+  ReadWrite,  ///< created when missing, content kept
+  Append,     ///< created when missing; append() writes at the end
+  Replace,    ///< created, or emptied when it exists
+};
+
+/// What tells one state of a file from another.
+struct FileStamp {
+  std::uint64_t size = 0;
+  std::filesystem::file_time_type changed;
+  friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+
+/// One open file; closed when destroyed. Reading at an offset is safe from several threads at once, nothing else is.
+class File {
+ public:
+  File() = default;
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+  virtual ~File() = default;
+
+  /// Fills buffer from offset (0-based bytes) and returns the count read, which is less than asked for only at the
+  /// end of the file. Offsets beyond the end read nothing.
+  [[nodiscard]] virtual Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const = 0;
+  /// Writes all of data at offset; a gap behind the old end reads as zero bytes.
+  virtual Status writeAt(std::uint64_t offset, std::string_view data) = 0;
+  /// Writes all of data at the end of a file opened with Append or Replace. On failure a part may have been written.
+  virtual Status append(std::string_view data) = 0;
+  /// Cuts the file, or fills it up with zero bytes, to length bytes.
+  virtual Status resize(std::uint64_t length) = 0;
+  [[nodiscard]] virtual Result<std::uint64_t> size() const = 0;
+  /// Makes what was written so far survive a power failure.
+  virtual Status sync() = 0;
+};
+
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+
+  /// Opening a folder, or anything else that is no plain file, for reading fails with PathFileAccess.
+  [[nodiscard]] virtual Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) = 0;
+  virtual Status remove(const std::filesystem::path& path) = 0;
+  /// Gives the file from the name to, replacing a file of that name in one step.
+  virtual Status rename(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
+  /// True when a plain file of that name is there: no folder, no device. Any error means false.
+  [[nodiscard]] virtual bool Exist(const std::filesystem::path& path) = 0;
+  [[nodiscard]] virtual Result<FileStamp> stamp(const std::filesystem::path& path) = 0;
+
+  /// The whole content of a file. For settings and reports, not for logs.
+  [[nodiscard]] Result<std::string> readWhole(const std::filesystem::path& path);
+};
+
+/// The real files of this machine. Lives as long as the program.
+[[nodiscard]] FileSystem& systemFiles();
+
+}  // namespace quorvel

@@ -1,0 +1,94 @@
+#include "core/record_format.h"
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+namespace quorvel {
+namespace {
+
+constexpr std::array kTexts = {&UserAct::Name,        &UserAct::NumberInLog, &UserAct::IP,
+                               &UserAct::ConnectTime, &UserAct::LogonTime,   &UserAct::LogoffTime};
+static_assert(kRecordOverhead == 3 * sizeof(std::int32_t) + kTexts.size() * sizeof(std::uint16_t));
+
+/// Writes little-endian numbers and texts one behind the other.
+class Encoder {
+ public:
+  explicit Encoder(char* to) : m_to(to) {}
+
+  void number(std::uint32_t value, int bytes) {
+    for (int i = 0; i < bytes; ++i)
+      *m_to++ = static_cast<char>((value >> (8 * i)) & 0xFF);
+  }
+  void text(std::string_view value) {
+    number(static_cast<std::uint32_t>(value.size()), 2);
+    std::memcpy(m_to, value.data(), value.size());
+    m_to += value.size();
+  }
+
+ private:
+  char* m_to;
+};
+
+/// The counterpart of Encoder; once a read would pass the end, it and all later ones fail.
+class Decoder {
+ public:
+  explicit Decoder(std::string_view from) : m_from(from) {}
+
+  [[nodiscard]] std::uint32_t number(std::size_t bytes) {
+    if (bytes > m_from.size()) return fail(), 0;
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < bytes; ++i)
+      value |= std::uint32_t{static_cast<unsigned char>(m_from[i])} << (8 * i);
+    m_from.remove_prefix(bytes);
+    return value;
+  }
+  [[nodiscard]] std::string_view text() {
+    const std::size_t length = number(2);
+    if (length > m_from.size()) return fail(), std::string_view();
+    const std::string_view value = m_from.substr(0, length);
+    m_from.remove_prefix(length);
+    return value;
+  }
+  [[nodiscard]] bool failed() const { return m_failed; }
+
+ private:
+  void fail() {
+    m_failed = true;
+    m_from = {};
+  }
+
+  std::string_view m_from;
+  bool m_failed = false;
+};
+
+}  // namespace
+
+std::optional<std::size_t> encodeRecord(const UserAct& record, std::span<char> slot) {
+  std::size_t size = kRecordOverhead;
+  for (const auto text : kTexts)
+    size += (record.*text).size();
+  if (size > slot.size()) return std::nullopt;
+
+  Encoder encoder(slot.data());
+  encoder.number(static_cast<std::uint32_t>(record.Position), 4);
+  for (const auto text : kTexts)
+    encoder.text(record.*text);
+  encoder.number(static_cast<std::uint32_t>(record.LogonNo), 4);
+  encoder.number(static_cast<std::uint32_t>(record.TreeIndex), 4);
+  return size;
+}
+
+std::optional<UserAct> decodeRecord(std::string_view slot) {
+  Decoder decoder(slot);
+  UserAct record;
+  record.Position = static_cast<std::int32_t>(decoder.number(4));
+  for (const auto text : kTexts)
+    record.*text = decoder.text();
+  record.LogonNo = static_cast<std::int32_t>(decoder.number(4));
+  record.TreeIndex = static_cast<std::int32_t>(decoder.number(4));
+  if (decoder.failed()) return std::nullopt;
+  return record;
+}
+
+}  // namespace quorvel

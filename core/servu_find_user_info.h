@@ -1,0 +1,38 @@
+// The session finder: one scan of a log that finds every session and hands out its record.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "core/log_file.h"
+#include "core/result.h"
+#include "core/user_act.h"
+
+namespace quorvel {
+
+struct FindOptions {
+  /// Cuts user names to 12 characters, so that a record cannot grow over its 128 bytes.
+  bool trunkLongUsernames = true;
+};
+
+/// What the finder tells while it scans.
+class FindObserver {
+ public:
+  virtual ~FindObserver() = default;
+  /// A session was found. record.LogonNo counts from 1.
+  virtual void onSession(const UserAct& record) = 0;
+  /// Called after each session, and at least once per few 100 KB of log read. Returns false to stop the scan at once.
+  virtual bool keepGoing(LogPosition position) = 0;
+};
+
+enum class FindEnd {
+  Finished,  ///< the whole log was scanned
+  Stopped,   ///< keepGoing() said so
+  Overflow,  ///< a session lies beyond position 2,147,483,647, which no record can hold
+};
+
+/// Finds every session of the log, in log order. An error means the log could not be read; the sessions found before
+/// were handed out.
+[[nodiscard]] Result<FindEnd> ServuFindUserInfo(const LogFile& log, const FindOptions& options, FindObserver& observer);
+
+}  // namespace quorvel

@@ -1,0 +1,45 @@
+// The log lines of chosen sessions, found in one pass over the log however many sessions are asked for.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string_view>
+
+#include "core/log_file.h"
+#include "core/result.h"
+#include "core/user_act.h"
+
+namespace quorvel {
+
+/// A line of the log that concerns a session: it contains the session number, or the server start mark, or both
+/// (compared without regard to case). text has no line end and is valid only during the call it is handed to.
+struct SessionLine {
+  std::string_view text;
+  bool hasSessionMark = false;
+  bool hasServerStart = false;
+};
+
+/// Takes the lines of one session after the other.
+class SessionLineConsumer {
+ public:
+  virtual ~SessionLineConsumer() = default;
+  /// The lines of this session follow, in log order, from 50 bytes before its Position (so that the first line is
+  /// the end of an earlier one). Returns false when no line of it is wanted; endSession() follows all the same.
+  virtual bool beginSession(const UserAct& session) = 0;
+  /// Returns false when no further line of this session is wanted.
+  virtual bool line(const SessionLine& line) = 0;
+  virtual void endSession(const UserAct& session) = 0;
+  /// Called often, at least once a session and once per few 100 KB of log read. Returns false to end everything:
+  /// the session in progress is still ended with endSession().
+  virtual bool keepGoing(std::uint64_t position) = 0;
+};
+
+/// The sessions wanted, in the order their lines are to be handed out; empty at the end.
+using SessionSource = std::function<std::optional<UserAct>()>;
+
+/// Hands every session of source to consumer. Sessions with Position 0 are begun and ended without lines. A failing
+/// read of the log ends the lines of all sessions still open as the log's end would, and is returned.
+Status readSessionLines(const LogFile& log, const SessionSource& source, SessionLineConsumer& consumer);
+
+}  // namespace quorvel

@@ -1,0 +1,145 @@
+#include "core/text.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace quorvel {
+namespace {
+
+constexpr std::array<unsigned char, 256> makeFoldTable() {
+  std::array<unsigned char, 256> table{};
+  for (unsigned i = 0; i < 256; ++i)
+    table[i] = static_cast<unsigned char>(i);
+  for (unsigned i = 'A'; i <= 'Z'; ++i)
+    table[i] = static_cast<unsigned char>(i + 0x20);
+  for (unsigned i = 0xC0; i <= 0xDE; ++i) {
+    if (i != 0xD7) table[i] = static_cast<unsigned char>(i + 0x20);  // D7 is the multiplication sign
+  }
+  table[0x8A] = 0x9A;
+  table[0x8C] = 0x9C;
+  table[0x8E] = 0x9E;
+  table[0x9F] = 0xFF;
+  return table;
+}
+
+/// Code points of the bytes 80 to 9F.
+constexpr std::array<char16_t, 32> kHighCodePoints = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                                      0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                                      0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                                      0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+char32_t codePointOf(unsigned char byte) {
+  return byte >= 0x80 && byte <= 0x9F ? kHighCodePoints[byte - 0x80] : byte;
+}
+
+char byteOf(char32_t codePoint) {
+  if (codePoint < 0x80 || (codePoint >= 0xA0 && codePoint <= 0xFF)) return static_cast<char>(codePoint);
+  const auto* const hit = std::find(kHighCodePoints.begin(), kHighCodePoints.end(), codePoint);
+  return hit == kHighCodePoints.end() ? '?' : static_cast<char>(0x80 + (hit - kHighCodePoints.begin()));
+}
+
+/// Takes the next code point off text; empty when text does not start with valid UTF-8.
+std::optional<char32_t> takeCodePoint(std::string_view& text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::size_t length = lead < 0x80 ? 1 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+  if (length > text.size() || (lead >= 0x80 && lead < 0xC2) || lead > 0xF4) return std::nullopt;
+  char32_t codePoint = length == 1 ? lead : lead & (0x7Fu >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    const auto next = static_cast<unsigned char>(text[i]);
+    if ((next & 0xC0u) != 0x80) return std::nullopt;
+    codePoint = (codePoint << 6) | (next & 0x3Fu);
+  }
+  constexpr std::array<char32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
+  if (codePoint < kSmallest[length] || codePoint > 0x10FFFF) return std::nullopt;
+  text.remove_prefix(length);
+  return codePoint;
+}
+
+}  // namespace
+
+const std::array<unsigned char, 256> kFoldTable = makeFoldTable();
+
+std::string foldCase(std::string_view text) {
+  std::string folded(text);
+  for (char& c : folded)
+    c = foldCase(c);
+  return folded;
+}
+
+bool equalsFolded(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && startsWithFolded(a, b);
+}
+
+bool startsWithFolded(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), text.begin(),
+                                                    [](char a, char b) { return foldCase(a) == foldCase(b); });
+}
+
+std::size_t findFolded(std::string_view text, std::string_view needle, std::size_t from) {
+  if (from > text.size()) return std::string_view::npos;
+  const auto hit = std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), needle.begin(),
+                               needle.end(), [](char a, char b) { return foldCase(a) == foldCase(b); });
+  if (hit == text.end() && !needle.empty()) return std::string_view::npos;
+  return static_cast<std::size_t>(hit - text.begin());
+}
+
+bool containsFolded(std::string_view text, std::string_view needle) {
+  return findFolded(text, needle) != std::string_view::npos;
+}
+
+std::optional<std::int64_t> parseInteger(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return std::nullopt;
+  text = text.substr(first, text.find_last_not_of(" \t") - first + 1);
+  if (text.size() > 1 && text.front() == '+' && text[1] != '-') text.remove_prefix(1);
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+std::string atColumn(std::string_view label, std::size_t column, std::string_view value) {
+  std::string line(label);
+  if (line.size() + 1 < column) line.append(column - 1 - line.size(), ' ');
+  return line.append(value);
+}
+
+std::string toUtf8(std::string_view windows1252) {
+  std::string utf8;
+  utf8.reserve(windows1252.size());
+  for (const char c : windows1252) {
+    const char32_t codePoint = codePointOf(static_cast<unsigned char>(c));
+    if (codePoint < 0x80) {
+      utf8 += c;
+    } else if (codePoint < 0x800) {
+      utf8 += static_cast<char>(0xC0 | (codePoint >> 6));
+      utf8 += static_cast<char>(0x80 | (codePoint & 0x3F));
+    } else {
+      utf8 += static_cast<char>(0xE0 | (codePoint >> 12));
+      utf8 += static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F));
+      utf8 += static_cast<char>(0x80 | (codePoint & 0x3F));
+    }
+  }
+  return utf8;
+}
+
+std::string toWindows1252(std::string_view utf8) {
+  std::string bytes;
+  bytes.reserve(utf8.size());
+  std::string_view rest = utf8;
+  while (!rest.empty()) {
+    const auto codePoint = takeCodePoint(rest);
+    if (!codePoint) return std::string(utf8);
+    const bool unassigned =
+        *codePoint == 0x81 || *codePoint == 0x8D || *codePoint == 0x8F || *codePoint == 0x90 || *codePoint == 0x9D;
+    bytes += unassigned ? static_cast<char>(*codePoint) : byteOf(*codePoint);
+  }
+  return bytes;
+}
+
+std::string pathText(const std::filesystem::path& path) {
+  const auto utf8 = path.u8string();
+  return toWindows1252(std::string(utf8.begin(), utf8.end()));
+}
+
+}  // namespace quorvel

@@ -1,0 +1,49 @@
+// Bytes of 8-bit text (Windows-1252): comparing without regard to case, converting, reading numbers.
+// The engine never decodes log text; these helpers work on bytes.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quorvel {
+
+inline constexpr std::string_view kLineEnd = "\r\n";
+
+/// Lower case of every Windows-1252 byte; bytes that are no upper-case letter map to themselves.
+extern const std::array<unsigned char, 256> kFoldTable;
+
+[[nodiscard]] inline char foldCase(char c) {
+  return static_cast<char>(kFoldTable[static_cast<unsigned char>(c)]);
+}
+[[nodiscard]] std::string foldCase(std::string_view text);
+
+/// Comparisons without regard to case.
+[[nodiscard]] bool equalsFolded(std::string_view a, std::string_view b);
+[[nodiscard]] bool startsWithFolded(std::string_view text, std::string_view prefix);
+/// Index of the first occurrence of needle at or after from, std::string_view::npos when there is none. An empty
+/// needle is found at from.
+[[nodiscard]] std::size_t findFolded(std::string_view text, std::string_view needle, std::size_t from = 0);
+[[nodiscard]] bool containsFolded(std::string_view text, std::string_view needle);
+
+/// A whole decimal number with optional sign and surrounding blanks; empty for anything else or out of range.
+[[nodiscard]] std::optional<std::int64_t> parseInteger(std::string_view text);
+
+/// label followed by blanks up to column (1-based, where the value starts), then value. A label that reaches the
+/// column is followed by the value on a line of its own width: at least nothing is cut.
+[[nodiscard]] std::string atColumn(std::string_view label, std::size_t column, std::string_view value);
+
+/// Between Windows-1252 and UTF-8. The five unassigned bytes (81, 8D, 8F, 90, 9D) map to the code points of the same
+/// value, so that every byte string survives the way there and back. toWindows1252 leaves a text that is no valid
+/// UTF-8 as it is, and writes "?" for a character the code page lacks.
+[[nodiscard]] std::string toUtf8(std::string_view windows1252);
+[[nodiscard]] std::string toWindows1252(std::string_view utf8);
+
+/// A file name as 8-bit text for messages and reports.
+[[nodiscard]] std::string pathText(const std::filesystem::path& path);
+
+}  // namespace quorvel

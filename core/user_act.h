@@ -1,0 +1,34 @@
+// One user session of a log.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace quorvel {
+
+/// What a scan found out about one session. Members stand in the order of the record on disk.
+struct UserAct {
+  std::int32_t Position = 0;   ///< 1-based byte position in the log of the ")" behind the session number; 0: unknown
+  std::string Name;            ///< user name, or kNoUserFound or kQuit
+  std::string NumberInLog;     ///< the 8 characters of the session number, e.g. "(000012)"
+  std::string IP;              ///< client address
+  std::string ConnectTime;     ///< 20-character stamp of the connect line
+  std::string LogonTime;       ///< stamp of the line that decided the logon; failed logons carry a suffix
+  std::string LogoffTime;      ///< stamp of the closing line, or kNotLoggedOut or kServerRestart
+  std::int32_t LogonNo = 0;    ///< chronological number in the scan, from 1; equals the record number
+  std::int32_t TreeIndex = 0;  ///< index of the session's node in the tree; 0 until a tree is built
+
+  friend bool operator==(const UserAct&, const UserAct&) = default;
+};
+
+// Status words stored in a record instead of, or behind, a name or stamp. On disk, do not change.
+inline constexpr const char* kNoUserFound = "NO_USER_FOUND";
+inline constexpr const char* kQuit = "QUIT";
+inline constexpr const char* kNotLoggedOut = "NOT_LOGGED_OUT";
+inline constexpr const char* kServerRestart = "SERVER_RESTART";
+inline constexpr const char* kHomeDirNotFound = " HOMEDIR_NOT_FOUND";
+inline constexpr const char* kBadPassword = " BAD_PASSWORD";
+inline constexpr const char* kUnauthorizedIp = " UNAUTHORIZED_IP";
+inline constexpr const char* kNotLoggedIn = " NotLoggedIn";
+
+}  // namespace quorvel

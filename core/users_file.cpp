@@ -1,0 +1,113 @@
+#include "core/users_file.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "core/record_format.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::size_t kBatchSize = 2048 * kRecordSize;
+constexpr std::int32_t kSlotsPerBlock = 512;
+
+}  // namespace
+
+UsersFileWriter::UsersFileWriter(FileSystem& files, std::filesystem::path path, FailureReporter onFailure)
+    : m_files(files), m_path(std::move(path)), m_onFailure(std::move(onFailure)) {}
+
+UsersFileWriter::~UsersFileWriter() {
+  flush();
+}
+
+void UsersFileWriter::WriteSessionRecord(const UserAct& record, std::int32_t recordNumber) {
+  std::array<char, kRecordSize> slot{};
+  const auto size = encodeRecord(record, slot);
+  if (!size) {
+    flush();
+    m_onFailure(record, recordNumber, {ErrorCode::BadRecordLength, {}});
+    return;
+  }
+  if (m_batch.empty()) m_firstInBatch = recordNumber;
+  const auto index = static_cast<std::size_t>(recordNumber - m_firstInBatch);
+  m_batch.resize(index * kRecordSize);
+  m_batch.append(slot.data(), *size);
+  if (m_batch.size() >= kBatchSize) flush();
+}
+
+void UsersFileWriter::flush() {
+  if (m_batch.empty()) return;
+  writeBatch();
+  m_batch.clear();
+}
+
+void UsersFileWriter::writeBatch() {
+  if (!m_file) {
+    auto opened = m_files.open(m_path, OpenMode::ReadWrite);
+    if (!opened.isOk()) return retryOneByOne(opened.error());
+    m_file = std::move(opened.value());
+  }
+  const Status written = m_file->writeAt(recordOffset(m_firstInBatch), m_batch);
+  if (!written.isOk()) retryOneByOne(written.error());
+}
+
+void UsersFileWriter::retryOneByOne(const Error& error) {
+  for (std::size_t at = 0; at < m_batch.size(); at += kRecordSize) {
+    const std::string_view slot = std::string_view(m_batch).substr(at, kRecordSize);
+    const std::int32_t recordNumber = m_firstInBatch + static_cast<std::int32_t>(at / kRecordSize);
+    const Status written = m_file ? m_file->writeAt(recordOffset(recordNumber), slot) : Status(error);
+    if (!written.isOk()) m_onFailure(decodeRecord(slot).value_or(UserAct()), recordNumber, written.error());
+  }
+}
+
+UsersFile::UsersFile(std::unique_ptr<File> file, std::int32_t recordCount)
+    : m_file(std::move(file)), m_recordCount(recordCount) {}
+
+Result<UsersFile> UsersFile::open(FileSystem& files, const std::filesystem::path& path, OpenMode mode) {
+  if (!files.Exist(path)) return Error{ErrorCode::FileNotFound, path};
+  auto file = files.open(path, mode);
+  if (!file.isOk()) return file.error();
+  const auto size = file.value()->size();
+  if (!size.isOk()) return size.error();
+  constexpr std::uint64_t kMostRecords = 0x7FFFFFFF;
+  const std::uint64_t count = std::min((size.value() + kRecordSize - 1) / kRecordSize, kMostRecords);
+  return UsersFile(std::move(file.value()), static_cast<std::int32_t>(count));
+}
+
+std::optional<UserAct> UsersFile::read(std::int32_t recordNumber) {
+  if (recordNumber < 1 || recordNumber > m_recordCount) return std::nullopt;
+  const std::string_view bytes = slot(recordNumber);
+  if (bytes.empty()) return std::nullopt;
+  return decodeRecord(bytes).value_or(UserAct());
+}
+
+void UsersFile::setTreeIndex(std::int32_t recordNumber, std::int32_t treeIndex) {
+  const std::string_view bytes = slot(recordNumber);
+  auto record = decodeRecord(bytes);
+  if (!record) return;
+  record->TreeIndex = treeIndex;
+  const auto at = static_cast<std::size_t>(bytes.data() - m_block.data());
+  (void)encodeRecord(*record, std::span(m_block).subspan(at, bytes.size()));  // as long as before: it fits
+  m_isChanged = true;
+}
+
+Status UsersFile::flush() {
+  if (!std::exchange(m_isChanged, false)) return {};
+  return m_file->writeAt(recordOffset(m_firstInBlock), m_block);
+}
+
+std::string_view UsersFile::slot(std::int32_t recordNumber) {
+  const std::int32_t first = (recordNumber - 1) / kSlotsPerBlock * kSlotsPerBlock + 1;
+  if (first != m_firstInBlock) {
+    (void)flush();  // a tree index that cannot be written is ignored, as every failure of a tree build
+    m_block.resize(static_cast<std::size_t>(kSlotsPerBlock) * kRecordSize);
+    const auto count = m_file->readAt(recordOffset(first), m_block);
+    m_block.resize(count.isOk() ? count.value() : 0);
+    m_firstInBlock = first;
+  }
+  const auto at = static_cast<std::size_t>(recordNumber - first) * kRecordSize;
+  return at < m_block.size() ? std::string_view(m_block).substr(at, kRecordSize) : std::string_view();
+}
+
+}  // namespace quorvel

@@ -1,0 +1,74 @@
+// The users file: the session records of the last scan in 128-byte slots, record n at byte (n - 1) x 128.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/file_system.h"
+#include "core/user_act.h"
+
+namespace quorvel {
+
+/// Writes the records of one scan. Records are collected and written in batches; after flush() every record written
+/// so far is complete in the file, so a scan flushes before it lets the interface, or another program, look.
+class UsersFileWriter {
+ public:
+  /// Called for each record that could not be written, in record order, at the latest by flush().
+  using FailureReporter = std::function<void(const UserAct& record, std::int32_t recordNumber, const Error& error)>;
+
+  /// files must outlive the writer. The file is opened, and created where missing, by the first write.
+  UsersFileWriter(FileSystem& files, std::filesystem::path path, FailureReporter onFailure);
+  UsersFileWriter(const UsersFileWriter&) = delete;
+  UsersFileWriter& operator=(const UsersFileWriter&) = delete;
+  ~UsersFileWriter();
+
+  /// Puts the record into slot recordNumber (from 1, ascending). A record that needs more than 128 bytes is reported
+  /// as BadRecordLength and not written; its number stays used up.
+  void WriteSessionRecord(const UserAct& record, std::int32_t recordNumber);
+  void flush();
+
+ private:
+  void writeBatch();
+  void retryOneByOne(const Error& error);
+
+  FileSystem& m_files;
+  std::filesystem::path m_path;
+  FailureReporter m_onFailure;
+  std::unique_ptr<File> m_file;
+  std::string m_batch;              ///< whole slots, the last one cut behind its record
+  std::int32_t m_firstInBatch = 0;  ///< record number of the first slot in m_batch
+};
+
+/// Reads records by number, and sets their tree index.
+class UsersFile {
+ public:
+  /// files must outlive nothing: the open file is all that is kept. Fails where the file is missing.
+  [[nodiscard]] static Result<UsersFile> open(FileSystem& files, const std::filesystem::path& path,
+                                              OpenMode mode = OpenMode::Read);
+
+  /// Number of records, a shorter last slot included. Taken when the file was opened.
+  [[nodiscard]] std::int32_t recordCount() const { return m_recordCount; }
+  /// Record n, from 1. Empty behind the last record and when reading fails. A slot that was never filled, or is
+  /// damaged, reads as an empty record with Position 0. Ascending reads cost one file access for many records.
+  [[nodiscard]] std::optional<UserAct> read(std::int32_t recordNumber);
+  /// Changes the tree index of a record just read; the rest of its slot stays as it is. Needs OpenMode::ReadWrite.
+  /// The change is in the file after flush(). A damaged slot is left alone.
+  void setTreeIndex(std::int32_t recordNumber, std::int32_t treeIndex);
+  Status flush();
+
+ private:
+  UsersFile(std::unique_ptr<File> file, std::int32_t recordCount);
+  [[nodiscard]] std::string_view slot(std::int32_t recordNumber);
+
+  std::unique_ptr<File> m_file;
+  std::int32_t m_recordCount;
+  std::string m_block;              ///< consecutive slots as they stand in the file, changes included
+  std::int32_t m_firstInBlock = 0;  ///< record number of the first slot in m_block; 0: none read yet
+  bool m_isChanged = false;
+};
+
+}  // namespace quorvel

@@ -162,6 +162,9 @@ class DialogView {
   [[nodiscard]] virtual FileChoice askSaveFile(const FileRequest& request) = 0;
   /// Shows the counter result window and blocks until it is closed.
   virtual void showCounterResult(std::string_view caption, std::string_view text) = 0;
+  /// Hands a web or mailto address to the desktop and does not wait. The address is ours and may hold blanks: it is
+  /// handed over as it stands wherever the desktop takes it so. Failure is silent.
+  virtual void openAddress(std::string_view address) = 0;
 };
 
 /// Everything the main window's commands talk to.

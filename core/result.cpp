@@ -18,6 +18,8 @@ std::string Error::description() const {
       return "Bad record length";
     case ErrorCode::DiskFull:
       return "Disk full";
+    case ErrorCode::InputPastEnd:
+      return "Input past end of file";
     case ErrorCode::PermissionDenied:
       return "Permission denied";
     case ErrorCode::PathFileAccess:

@@ -19,6 +19,7 @@ enum class ErrorCode {
   DeviceIoError = 57,
   BadRecordLength = 59,
   DiskFull = 61,
+  InputPastEnd = 62,
   PermissionDenied = 70,
   PathFileAccess = 75,
   PathNotFound = 76,

@@ -1,6 +1,7 @@
 // The session finder: one scan of a log that finds every session and hands out its record.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 
@@ -13,6 +14,8 @@ namespace quorvel {
 struct FindOptions {
   /// Cuts user names to 12 characters, so that a record cannot grow over its 128 bytes.
   bool trunkLongUsernames = true;
+  /// Bytes read at once. Has no influence on the result.
+  std::size_t blockSize = 256 * 1024;
 };
 
 /// What the finder tells while it scans.

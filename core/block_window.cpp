@@ -1,0 +1,73 @@
+#include "core/block_window.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace quorvel {
+namespace {
+
+constexpr std::size_t kBlocksKept = 32;
+
+}  // namespace
+
+BlockWindow::BlockWindow(const LogFile& log, std::size_t blockSize)
+    : m_log(log), m_blockSize(blockSize), m_blocks(kBlocksKept) {}
+
+std::unique_ptr<LogBlock> BlockWindow::put(std::unique_ptr<LogBlock> block) {
+  const std::size_t number = static_cast<std::size_t>(block->first - 1) / m_blockSize;
+  std::swap(m_blocks[number % m_blocks.size()], block);
+  return block;
+}
+
+std::string_view BlockWindow::text(LogPosition from, std::size_t count) {
+  const LogPosition inside = std::clamp<LogPosition>(from, 1, std::max<LogPosition>(1, m_log.length()));
+  {
+    const LogBlock& block = blockAt(inside);
+    const LogPosition readableFrom = block.first - static_cast<LogPosition>(kBlockHead);
+    const LogPosition readableEnd = block.end() + static_cast<LogPosition>(kBlockTail);
+    if (from >= readableFrom && from + static_cast<LogPosition>(count) <= readableEnd) {
+      return {block.data() + (from - block.first), count};
+    }
+  }
+  m_scratch.assign(count, ' ');
+  const LogPosition end = std::min(from + static_cast<LogPosition>(count), m_log.length() + 1);
+  for (LogPosition at = std::max<LogPosition>(1, from); at < end;) {
+    const LogBlock& block = blockAt(at);
+    const LogPosition pieceEnd = std::min(end, block.end());
+    if (pieceEnd <= at) break;
+    std::memcpy(m_scratch.data() + (at - from), block.data() + (at - block.first),
+                static_cast<std::size_t>(pieceEnd - at));
+    at = pieceEnd;
+  }
+  return m_scratch;
+}
+
+LogPosition BlockWindow::find(char c, LogPosition from, LogPosition end) {
+  for (LogPosition at = from; at < end;) {
+    const LogBlock& block = blockAt(at);
+    const LogPosition pieceEnd = std::min(end, block.end());
+    if (pieceEnd <= at) break;
+    const char* const piece = block.data() + (at - block.first);
+    const void* const hit = std::memchr(piece, c, static_cast<std::size_t>(pieceEnd - at));
+    if (hit != nullptr) return at + (static_cast<const char*>(hit) - piece);
+    at = pieceEnd;
+  }
+  return end;
+}
+
+const LogBlock& BlockWindow::blockAt(LogPosition position) {
+  const std::size_t number = static_cast<std::size_t>(position - 1) / m_blockSize;
+  auto& block = m_blocks[number % m_blocks.size()];
+  const auto first = static_cast<LogPosition>(number * m_blockSize) + 1;
+  if (block && block->first == first) return *block;
+  if (!block) block = std::make_unique<LogBlock>();
+  Status read = readBlock(m_log, first, m_blockSize, *block);
+  if (!read.isOk()) {
+    std::fill(block->buffer.begin(), block->buffer.end(), ' ');
+    m_status = std::move(read);
+  }
+  return *block;
+}
+
+}  // namespace quorvel

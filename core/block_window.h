@@ -1,0 +1,45 @@
+// The part of a log that was read last, for looking at text again without reading it twice.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/block_reader.h"
+#include "core/log_file.h"
+
+namespace quorvel {
+
+/// Keeps the blocks that were put in last, and reads an earlier one again when it is asked for.
+class BlockWindow {
+ public:
+  /// The log must outlive the window.
+  BlockWindow(const LogFile& log, std::size_t blockSize);
+
+  /// Puts a block that starts at a multiple of the block size into the window; returns the one it takes the place
+  /// of, which may be null.
+  std::unique_ptr<LogBlock> put(std::unique_ptr<LogBlock> block);
+
+  /// The bytes at [from, from + count), blanks where the log has none. Valid until the next call of anything here.
+  /// After a failing read blanks stand in for what could not be read; see status().
+  [[nodiscard]] std::string_view text(LogPosition from, std::size_t count);
+
+  /// Position of the first byte c at or after from; when there is none before end, end.
+  [[nodiscard]] LogPosition find(char c, LogPosition from, LogPosition end);
+
+  /// What kept a block from being read again.
+  [[nodiscard]] const Status& status() const { return m_status; }
+
+ private:
+  [[nodiscard]] const LogBlock& blockAt(LogPosition position);
+
+  const LogFile& m_log;
+  const std::size_t m_blockSize;
+  std::vector<std::unique_ptr<LogBlock>> m_blocks;  ///< block n in slot n modulo the size
+  std::string m_scratch;
+  Status m_status;
+};
+
+}  // namespace quorvel

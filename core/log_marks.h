@@ -1,0 +1,59 @@
+// The marks of a log that a session record is made from: recognising them, and passing them on in a compact form.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "core/block_reader.h"
+#include "core/log_file.h"
+
+namespace quorvel {
+
+/// What stands behind a session number. "Dash" kinds have "- " in front of the number as well.
+enum class MarkKind : std::uint8_t {
+  Connect,            ///< " Connected to "
+  ConnectDash,        ///< the same behind "- " and the number
+  User,               ///< " USER ", in any case, so that a line "User alice logged in" is one as well
+  Quit,               ///< " QUIT"
+  Close,              ///< " Closing connection" without "- "
+  CloseDash,          ///< the same with "- "
+  PasswordIncorrect,  ///< "- ", number, " 530 Not logged in - password incorrect"
+  IncorrectPassword,  ///< "- ", number, " 530 Incorrect password"
+  UnauthorizedIp,     ///< "- ", number, " 530 Not logged in - unauthorized IP address"
+  NoHomeDirectory,    ///< "- ", number, " 530 Not logged in - cannot find home directory"
+  Other530,           ///< "- ", number, " 530" and anything else
+  Anonymous,          ///< "- ", number, " anonymous logged in"
+  LoggedIn,           ///< "- ", number, " User ", a name, " logged in"; the name's hash comes with it
+  ServerStart,        ///< kServerStartMark; belongs to no session number
+};
+
+/// A session number as a number: its value for six digits in parentheses, else its eight bytes in lower case (which
+/// is a far larger value, since the last of them is ")").
+using SessionId = std::uint64_t;
+inline constexpr SessionId kDigitIds = 1'000'000;
+
+/// The number that ends with the ")" at bracket.
+[[nodiscard]] SessionId sessionIdAt(const char* bracket);
+
+/// Tells the names in "User ... logged in" lines apart, without regard to case. Differs from run to run, so that
+/// nobody can prepare two names that look the same to it.
+[[nodiscard]] std::uint64_t hashName(std::string_view name);
+
+/// One mark. position is that of the ")" behind the session number, or of the "-" of a server start.
+struct LogMark {
+  LogPosition position = 0;
+  MarkKind kind = MarkKind::Connect;
+  SessionId id = 0;
+  std::uint64_t nameHash = 0;  ///< of LoggedIn
+};
+
+/// Finds every mark in a block and leaves it in block.findings. Names longer than longestName are passed over;
+/// longestName is at most kLongestIndexedName.
+void findMarks(LogBlock& block, char lineEnd, std::size_t longestName);
+inline constexpr std::size_t kLongestIndexedName = 128;
+
+/// Takes the next mark off the findings of a block, from index on, which moves behind it.
+[[nodiscard]] LogMark takeMark(const std::vector<std::uint64_t>& findings, std::size_t& index);
+
+}  // namespace quorvel

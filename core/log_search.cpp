@@ -1,0 +1,176 @@
+#include "core/log_search.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+#include "core/text.h"
+
+namespace quorvel {
+namespace {
+
+constexpr LogPosition kSearchBlock = 4000;
+/// From the ")" of a session number back to the first byte of the number, or of the "- " in front of it.
+constexpr LogPosition kBackToNumber = kSessionNumberLength - 1;
+constexpr LogPosition kBackToDash = kBackToNumber + 2;
+
+constexpr unsigned bit(MarkKind kind) {
+  return 1u << static_cast<unsigned>(kind);
+}
+
+struct EventText {
+  unsigned kinds;           ///< the marks that are a hit
+  bool hasDash;             ///< the text starts with "- "
+  std::string_view behind;  ///< the text behind the number
+};
+
+/// In the order of Event.
+constexpr std::array<EventText, 11> kEventTexts = {{
+    {bit(MarkKind::User), false, " USER "},
+    {bit(MarkKind::Quit), false, " QUIT"},
+    {bit(MarkKind::Close) | bit(MarkKind::CloseDash), false, " Closing connection"},
+    {bit(MarkKind::CloseDash), true, " Closing connection"},
+    {bit(MarkKind::ConnectDash), true, " Connected to "},
+    {bit(MarkKind::PasswordIncorrect), true, " 530 Not logged in - password incorrect"},
+    {bit(MarkKind::IncorrectPassword), true, " 530 Incorrect password"},
+    {bit(MarkKind::UnauthorizedIp), true, " 530 Not logged in - unauthorized IP address"},
+    {bit(MarkKind::NoHomeDirectory), true, " 530 Not logged in - cannot find home directory"},
+    {bit(MarkKind::PasswordIncorrect) | bit(MarkKind::IncorrectPassword) | bit(MarkKind::UnauthorizedIp) |
+         bit(MarkKind::NoHomeDirectory) | bit(MarkKind::Other530),
+     true, " 530"},
+    {bit(MarkKind::Anonymous), true, " anonymous logged in"},
+}};
+
+std::size_t lengthOf(const EventText& text) {
+  return static_cast<std::size_t>(kSessionNumberLength) + (text.hasDash ? 2 : 0) + text.behind.size();
+}
+
+}  // namespace
+
+LogSearch::LogSearch(const LogFile& log, Options options)
+    : m_log(log),
+      m_options(std::move(options)),
+      m_reader(log, 1, m_options.blockSize,
+               [lineEnd = log.lineEnd(), longestName = std::min(m_options.longestName, kLongestIndexedName)](
+                   LogBlock& block) { findMarks(block, lineEnd, longestName); }),
+      m_window(log, m_options.blockSize) {}
+
+ConnectMark LogSearch::FindForward(LogPosition start) {
+  while (true) {
+    const MarkNumber next = m_marks.connectAfter(m_current);
+    if (next == 0) {
+      if (!readMore()) return {};
+      continue;
+    }
+    m_current = next;
+    const LogPosition position = m_marks.position(next);
+    if (position < start) continue;
+    m_marks.dropBefore(next);
+    while (!m_serverStarts.empty() && m_serverStarts.front() < position)
+      m_serverStarts.pop_front();
+    return {next, position, m_marks.kind(next) == MarkKind::ConnectDash};
+  }
+}
+
+SessionEnd LogSearch::FindSessionEnd(const ConnectMark& session) {
+  MarkNumber passed = session.number;
+  while (true) {
+    LogPosition close = 0;
+    for (MarkNumber next = m_marks.nextOfSession(passed); next != 0 && close == 0;
+         next = m_marks.nextOfSession(passed)) {
+      passed = next;
+      if (m_marks.kind(next) == MarkKind::CloseDash) close = m_marks.position(next) - kBackToDash;
+    }
+    const LogPosition start = m_serverStarts.empty() ? 0 : m_serverStarts.front();
+    if (start != 0 && (close == 0 || start < close)) return {start, true};
+    if (close != 0 || !readMore()) return {close, false};
+  }
+}
+
+LogPosition LogSearch::FindForwardLimited(Event event, const ConnectMark& session, LogPosition limit,
+                                          LogPosition start) {
+  const EventText& text = kEventTexts[static_cast<std::size_t>(event)];
+  const LogPosition last = lastAccepted(start, limit, lengthOf(text));
+  readTo(last + kBackToDash);
+  for (MarkNumber next = m_marks.nextOfSession(session.number); next != 0; next = m_marks.nextOfSession(next)) {
+    const LogPosition hit = m_marks.position(next) - (text.hasDash ? kBackToDash : kBackToNumber);
+    if (hit > last) return 0;
+    if ((bit(m_marks.kind(next)) & text.kinds) != 0) return hit;
+  }
+  return 0;
+}
+
+LogPosition LogSearch::FindLogonLine(const ConnectMark& session, std::string_view name, LogPosition limit) {
+  constexpr std::string_view kUser = " User ";
+  constexpr std::string_view kLoggedIn = " logged in";
+  const std::size_t length = 2 + kSessionNumberLength + kUser.size() + name.size() + kLoggedIn.size();
+  const LogPosition last = lastAccepted(session.position, limit, length);
+  if (name.size() > std::min(m_options.longestName, kLongestIndexedName)) {
+    std::string text = "- ";
+    text.append(m_window.text(session.position - kBackToNumber, kSessionNumberLength));
+    return findText(text.append(kUser).append(name).append(kLoggedIn), session.position, last);
+  }
+  readTo(last + kBackToDash);
+  const std::uint64_t hash = hashName(name);
+  for (MarkNumber next = m_marks.nextOfSession(session.number); next != 0; next = m_marks.nextOfSession(next)) {
+    const LogPosition hit = m_marks.position(next) - kBackToDash;
+    if (hit > last) return 0;
+    if (m_marks.kind(next) == MarkKind::LoggedIn && m_marks.nameHash(next) == hash) return hit;
+  }
+  return 0;
+}
+
+const Status& LogSearch::status() const {
+  return m_reader.status().isOk() ? m_window.status() : m_reader.status();
+}
+
+bool LogSearch::readMore() {
+  if (m_isAtEnd) return false;
+  auto block = m_reader.next();
+  if (!block) {
+    m_isAtEnd = true;
+    m_readTo = m_log.length();
+    return false;
+  }
+  for (std::size_t index = 0; index < block->findings.size();) {
+    const LogMark mark = takeMark(block->findings, index);
+    if (mark.kind == MarkKind::ServerStart) {
+      m_serverStarts.push_back(mark.position);
+    } else {
+      m_marks.append(mark);
+    }
+  }
+  m_readTo = block->end() - 1;
+  if (auto displaced = m_window.put(std::move(block))) m_reader.recycle(std::move(displaced));
+  if (m_options.keepGoing && !m_options.keepGoing(m_readTo)) m_isAtEnd = m_wasStopped = true;
+  return !m_isAtEnd;
+}
+
+void LogSearch::readTo(LogPosition position) {
+  while (m_readTo < position && readMore()) {
+  }
+}
+
+/// The last position at which a hit is accepted: the last block read ends with a text that starts there.
+LogPosition LogSearch::lastAccepted(LogPosition start, LogPosition limit, std::size_t textLength) const {
+  const LogPosition step = kSearchBlock - static_cast<LogPosition>(textLength);
+  const LogPosition reach = std::min(limit, m_log.length() - 1) - start;
+  const LogPosition moreBlocks = reach > 0 ? reach / step : 0;
+  return start + (moreBlocks + 1) * step;
+}
+
+/// Reads the text itself: for names too long to be kept with the marks.
+LogPosition LogSearch::findText(std::string_view text, LogPosition start, LogPosition last) {
+  constexpr LogPosition kPiece = 64 * 1024;
+  for (LogPosition at = start; at <= std::min(last, m_log.length()); at += kPiece) {
+    const auto hits = static_cast<std::size_t>(std::min(kPiece, last - at + 1));
+    const std::string_view piece = m_window.text(at, hits + text.size() - 1);
+    if (const auto hit = findFolded(piece, text); hit != std::string_view::npos) {
+      return at + static_cast<LogPosition>(hit);
+    }
+  }
+  return 0;
+}
+
+}  // namespace quorvel

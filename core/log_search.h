@@ -1,0 +1,102 @@
+// The searches a session record is made with. Each finds the first mark of a kind at or after a place in the log; the
+// log is read once, however many searches are made.
+//
+// A search works as if it read the log in blocks of 4000 bytes from where it starts, consecutive blocks overlapping by
+// the length of the text, until a block holds the text. That decides which hits a limit accepts: all that lie in the
+// last block read, and a block is read when it starts at or before the limit. Bytes behind the end of the log are
+// blanks.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <string_view>
+
+#include "core/block_reader.h"
+#include "core/block_window.h"
+#include "core/log_file.h"
+#include "core/log_marks.h"
+#include "core/mark_lists.h"
+
+namespace quorvel {
+
+/// A connect line: where the search for everything else of its session starts.
+struct ConnectMark {
+  MarkNumber number = 0;
+  LogPosition position = 0;  ///< of the ")" behind the session number; 0: there is no further session
+  bool hasDash = false;      ///< "- " stands in front of the session number
+};
+
+/// What FindForwardLimited looks for. The text searched starts with the session number, the Dash texts with "- " and
+/// the session number.
+enum class Event {
+  User,
+  Quit,
+  Close,
+  DashClose,
+  DashConnect,
+  DashPasswordIncorrect,
+  DashIncorrectPassword,
+  DashUnauthorizedIp,
+  DashNoHomeDirectory,
+  Dash530,
+  DashAnonymous,
+};
+
+struct SessionEnd {
+  LogPosition position = 0;  ///< of the closing line's "- ", or of the server start; 0: neither was found
+  bool isServerStart = false;
+};
+
+/// Searches one log from front to back. Sessions are taken in log order; the searches of a session are made before
+/// the next one is taken.
+class LogSearch {
+ public:
+  struct Options {
+    std::size_t blockSize = kDefaultBlockSize;
+    std::size_t longestName = kLongestIndexedName;  ///< longest name FindLogonLine is asked for in the usual case
+    /// Asked whenever a block was read; false ends all searches as if the log ended there.
+    std::function<bool(LogPosition readTo)> keepGoing;
+  };
+
+  LogSearch(const LogFile& log, Options options);
+
+  /// The first connect mark at or after start, which must not lie before earlier starts.
+  [[nodiscard]] ConnectMark FindForward(LogPosition start);
+  /// The end of the session: its closing line or the first server start behind its connect line.
+  [[nodiscard]] SessionEnd FindSessionEnd(const ConnectMark& session);
+  /// Position of the text's first byte, or 0. Searches from the session's connect mark, or as if from start.
+  [[nodiscard]] LogPosition FindForwardLimited(Event event, const ConnectMark& session, LogPosition limit) {
+    return FindForwardLimited(event, session, limit, session.position);
+  }
+  [[nodiscard]] LogPosition FindForwardLimited(Event event, const ConnectMark& session, LogPosition limit,
+                                               LogPosition start);
+  /// The same for the line "- ", number, " User ", name, " logged in".
+  [[nodiscard]] LogPosition FindLogonLine(const ConnectMark& session, std::string_view name, LogPosition limit);
+
+  /// The log's text, see BlockWindow.
+  [[nodiscard]] BlockWindow& window() { return m_window; }
+  [[nodiscard]] bool wasStopped() const { return m_wasStopped; }
+  /// What kept the log from being read.
+  [[nodiscard]] const Status& status() const;
+
+ private:
+  /// Reads one more block; false at the end.
+  bool readMore();
+  void readTo(LogPosition position);
+  [[nodiscard]] LogPosition lastAccepted(LogPosition start, LogPosition limit, std::size_t textLength) const;
+  [[nodiscard]] LogPosition findText(std::string_view text, LogPosition start, LogPosition last);
+
+  const LogFile& m_log;
+  const Options m_options;
+  BlockReader m_reader;
+  BlockWindow m_window;
+  MarkLists m_marks;
+  std::deque<LogPosition> m_serverStarts;  ///< from the current session on
+  MarkNumber m_current = 0;                ///< connect mark taken last
+  LogPosition m_readTo = 0;                ///< every mark up to here is known
+  bool m_isAtEnd = false;
+  bool m_wasStopped = false;
+};
+
+}  // namespace quorvel

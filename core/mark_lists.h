@@ -1,0 +1,91 @@
+// The marks of a log ahead of the session being looked at: in log order, and chained for each session number.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <unordered_map>
+
+#include "core/log_marks.h"
+
+namespace quorvel {
+
+/// Number of a mark in the order of the log, from 1; 0 for none.
+using MarkNumber = std::uint32_t;
+
+/// Keeps what a search can still ask for: for every connect mark not yet passed by, the first mark of each other kind
+/// behind it that carries the same session number. Takes about 8 bytes a mark.
+class MarkLists {
+ public:
+  MarkLists();
+  MarkLists(const MarkLists&) = delete;
+  MarkLists& operator=(const MarkLists&) = delete;
+
+  /// Adds the next mark of the log; server starts do not belong here.
+  void append(const LogMark& mark);
+  /// Forgets the marks before number, which must be that of a connect mark.
+  void dropBefore(MarkNumber number);
+
+  /// The first connect mark behind number; 0 when there is none yet.
+  [[nodiscard]] MarkNumber connectAfter(MarkNumber number) const;
+  /// The next kept mark with the same session number; 0 when there is none yet.
+  [[nodiscard]] MarkNumber nextOfSession(MarkNumber number) const;
+
+  [[nodiscard]] LogPosition position(MarkNumber number) const;
+  [[nodiscard]] MarkKind kind(MarkNumber number) const;
+  /// Of a LoggedIn mark.
+  [[nodiscard]] std::uint64_t nameHash(MarkNumber number) const;
+
+ private:
+  static constexpr std::uint32_t kChunkBits = 12;
+  static constexpr std::uint32_t kChunkSize = 1u << kChunkBits;
+  static constexpr int kKindBits = 4;
+  static constexpr std::uint32_t kLargestOffset = (1u << (32 - kKindBits)) - 1;
+
+  /// A LoggedIn mark is followed by its name's hash in place of a mark.
+  struct Mark {
+    std::uint32_t offsetAndKind;  ///< distance to the chunk's base, and the kind
+    MarkNumber next;              ///< of the same session number
+  };
+  static_assert(sizeof(Mark) == sizeof(std::uint64_t));
+
+  struct Chunk {
+    LogPosition base = 0;
+    std::uint32_t count = 0;  ///< marks used; a chunk may end early
+    std::array<Mark, kChunkSize> marks;
+  };
+
+  /// What is known of one session number: only what lies behind its last connect mark.
+  struct Tail {
+    MarkNumber last = 0;          ///< its last mark
+    std::uint16_t kindsSeen = 0;  ///< one bit for each kind behind its last connect mark
+  };
+  static constexpr std::size_t kTailsPerPage = 1000;
+  using TailPage = std::array<Tail, kTailsPerPage>;
+
+  [[nodiscard]] static bool isConnect(MarkKind kind) {
+    return kind == MarkKind::Connect || kind == MarkKind::ConnectDash;
+  }
+  [[nodiscard]] Tail& tailOf(SessionId id);
+  [[nodiscard]] bool isWanted(const Tail& tail, MarkKind kind) const;
+  [[nodiscard]] MarkNumber add(LogPosition position, MarkKind kind);
+  void addHash(std::uint64_t hash);
+  void purgeOddTails();
+
+  [[nodiscard]] std::uint32_t firstChunk() const { return m_firstChunk; }
+  [[nodiscard]] const Chunk& chunkOf(MarkNumber number) const {
+    return *m_chunks[(number >> kChunkBits) - m_firstChunk];
+  }
+  [[nodiscard]] Chunk& chunkOf(MarkNumber number) { return *m_chunks[(number >> kChunkBits) - m_firstChunk]; }
+  [[nodiscard]] const Mark& mark(MarkNumber number) const { return chunkOf(number).marks[number & (kChunkSize - 1)]; }
+
+  std::deque<std::unique_ptr<Chunk>> m_chunks;
+  std::uint32_t m_firstChunk = 0;  ///< number of m_chunks.front()
+  MarkNumber m_keptFrom = 1;
+  std::array<std::unique_ptr<TailPage>, kDigitIds / kTailsPerPage> m_pages;
+  std::unordered_map<SessionId, Tail> m_oddTails;
+  std::size_t m_purgeAt = 4096;
+};
+
+}  // namespace quorvel

@@ -56,6 +56,19 @@ LogPosition BlockWindow::find(char c, LogPosition from, LogPosition end) {
   return end;
 }
 
+LogPosition BlockWindow::findLast(char c, LogPosition from, LogPosition end) {
+  while (end > from) {
+    const LogBlock& block = blockAt(end - 1);
+    const LogPosition pieceFrom = std::max(from, block.first);
+    const std::string_view piece(block.data() + (pieceFrom - block.first), static_cast<std::size_t>(end - pieceFrom));
+    if (const auto hit = piece.rfind(c); hit != std::string_view::npos) {
+      return pieceFrom + static_cast<LogPosition>(hit);
+    }
+    end = pieceFrom;
+  }
+  return from - 1;
+}
+
 const LogBlock& BlockWindow::blockAt(LogPosition position) {
   const std::size_t number = static_cast<std::size_t>(position - 1) / m_blockSize;
   auto& block = m_blocks[number % m_blocks.size()];

@@ -18,6 +18,8 @@ class BlockWindow {
   /// The log must outlive the window.
   BlockWindow(const LogFile& log, std::size_t blockSize);
 
+  [[nodiscard]] std::size_t blockSize() const { return m_blockSize; }
+
   /// Puts a block that starts at a multiple of the block size into the window; returns the one it takes the place
   /// of, which may be null.
   std::unique_ptr<LogBlock> put(std::unique_ptr<LogBlock> block);
@@ -28,6 +30,9 @@ class BlockWindow {
 
   /// Position of the first byte c at or after from; when there is none before end, end.
   [[nodiscard]] LogPosition find(char c, LogPosition from, LogPosition end);
+
+  /// Position of the last byte c in [from, end); when there is none, from - 1.
+  [[nodiscard]] LogPosition findLast(char c, LogPosition from, LogPosition end);
 
   /// What kept a block from being read again.
   [[nodiscard]] const Status& status() const { return m_status; }

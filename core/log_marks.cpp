@@ -42,11 +42,14 @@ class MarkWriter {
   MarkWriter(LogBlock& block, char lineEnd, std::size_t longestName)
       : m_block(block), m_lineEnd(lineEnd), m_longestName(longestName) {}
 
-  void examine(const char* at) {
-    if (*at == '-') {
-      if (standsAt(at, kServerStartMark)) add(at, MarkKind::ServerStart, 0);
-      return;
-    }
+  void examineNumber(const char* at, const SessionIdSet& wanted) {
+    if (*at == '-') return examineServerStart(at);
+    const SessionId id = sessionIdAt(at);
+    if (wanted.contains(id)) add(at, MarkKind::Line, id);
+  }
+
+  void examineEvent(const char* at) {
+    if (*at == '-') return examineServerStart(at);
     const char* const event = at + 1;
     switch (foldCase(event[1])) {
       case 'c':
@@ -70,6 +73,10 @@ class MarkWriter {
   static bool hasDash(const char* bracket) {
     const char* const dash = bracket - (kSessionNumberLength + 1);
     return dash[0] == '-' && dash[1] == ' ';
+  }
+
+  void examineServerStart(const char* at) {
+    if (standsAt(at, kServerStartMark)) add(at, MarkKind::ServerStart, 0);
   }
 
   void examineConnectOrClose(const char* at, const char* event) {
@@ -154,7 +161,25 @@ void findMarks(LogBlock& block, char lineEnd, std::size_t longestName) {
   scanBytes(ScanFor::SessionEvents, block.data(), block.count, offsets);
   MarkWriter writer(block, lineEnd, longestName);
   for (const std::uint32_t offset : offsets)
-    writer.examine(block.data() + offset);
+    writer.examineEvent(block.data() + offset);
+}
+
+SessionIdSet::SessionIdSet() : m_digitIds(kDigitIds) {}
+
+void SessionIdSet::insert(SessionId id) {
+  if (id < kDigitIds) {
+    m_digitIds[static_cast<std::size_t>(id)] = true;
+  } else {
+    m_oddIds.insert(id);
+  }
+}
+
+void findSessionNumbers(LogBlock& block, const SessionIdSet& wanted) {
+  thread_local std::vector<std::uint32_t> offsets;
+  scanBytes(ScanFor::SessionLines, block.data(), block.count, offsets);
+  MarkWriter writer(block, '\r', 0);
+  for (const std::uint32_t offset : offsets)
+    writer.examineNumber(block.data() + offset, wanted);
 }
 
 LogMark takeMark(const std::vector<std::uint64_t>& findings, std::size_t& index) {

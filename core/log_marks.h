@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "core/block_reader.h"
@@ -25,6 +26,7 @@ enum class MarkKind : std::uint8_t {
   Other530,           ///< "- ", number, " 530" and anything else
   Anonymous,          ///< "- ", number, " anonymous logged in"
   LoggedIn,           ///< "- ", number, " User ", a name, " logged in"; the name's hash comes with it
+  Line,               ///< the number itself, anywhere in a line
   ServerStart,        ///< kServerStartMark; belongs to no session number
 };
 
@@ -52,6 +54,24 @@ struct LogMark {
 /// longestName is at most kLongestIndexedName.
 void findMarks(LogBlock& block, char lineEnd, std::size_t longestName);
 inline constexpr std::size_t kLongestIndexedName = 128;
+
+/// Session numbers by which to choose marks.
+class SessionIdSet {
+ public:
+  SessionIdSet();
+  void insert(SessionId id);
+  [[nodiscard]] bool contains(SessionId id) const {
+    return id < kDigitIds ? m_digitIds[static_cast<std::size_t>(id)] : m_oddIds.contains(id);
+  }
+
+ private:
+  std::vector<bool> m_digitIds;
+  std::unordered_set<SessionId> m_oddIds;
+};
+
+/// Finds every place where one of these session numbers stands, and every server start, and leaves it in
+/// block.findings.
+void findSessionNumbers(LogBlock& block, const SessionIdSet& wanted);
 
 /// Takes the next mark off the findings of a block, from index on, which moves behind it.
 [[nodiscard]] LogMark takeMark(const std::vector<std::uint64_t>& findings, std::size_t& index);

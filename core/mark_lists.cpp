@@ -1,5 +1,6 @@
 #include "core/mark_lists.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace quorvel {
@@ -12,8 +13,9 @@ constexpr std::uint16_t bitOf(MarkKind kind) {
 /// The kinds that, once seen, make a later mark of this kind superfluous.
 constexpr std::uint16_t coveredBy(MarkKind kind) {
   switch (kind) {
+    case MarkKind::Line:
     case MarkKind::LoggedIn:
-      return 0;  // one user's line says nothing of another's
+      return 0;  // one line says nothing of another
     case MarkKind::Close:
       return bitOf(MarkKind::Close) | bitOf(MarkKind::CloseDash);
     case MarkKind::Other530:
@@ -31,15 +33,16 @@ MarkLists::MarkLists() {
   m_chunks.back()->count = 1;  // number 0 stands for no mark
 }
 
-void MarkLists::append(const LogMark& mark) {
+MarkNumber MarkLists::append(const LogMark& mark) {
   Tail& tail = tailOf(mark.id);
-  if (!isConnect(mark.kind) && !isWanted(tail, mark.kind)) return;
+  if (!isConnect(mark.kind) && !isWanted(tail, mark.kind)) return 0;
 
   const MarkNumber number = add(mark.position, mark.kind);
   if (mark.kind == MarkKind::LoggedIn) addHash(mark.nameHash);
   if (tail.last >= m_keptFrom) chunkOf(tail.last).marks[tail.last & (kChunkSize - 1)].next = number;
   tail.last = number;
   tail.kindsSeen = isConnect(mark.kind) ? 0 : static_cast<std::uint16_t>(tail.kindsSeen | bitOf(mark.kind));
+  return number;
 }
 
 void MarkLists::dropBefore(MarkNumber number) {

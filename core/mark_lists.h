@@ -22,9 +22,10 @@ class MarkLists {
   MarkLists(const MarkLists&) = delete;
   MarkLists& operator=(const MarkLists&) = delete;
 
-  /// Adds the next mark of the log; server starts do not belong here.
-  void append(const LogMark& mark);
-  /// Forgets the marks before number, which must be that of a connect mark.
+  /// Adds the next mark of the log and returns its number, 0 when nobody can ask for it. Server starts do not belong
+  /// here.
+  MarkNumber append(const LogMark& mark);
+  /// Forgets the marks before number, of which nobody will ask.
   void dropBefore(MarkNumber number);
 
   /// The first connect mark behind number; 0 when there is none yet.

@@ -38,8 +38,11 @@ class SessionLineConsumer {
 /// The sessions wanted, in the order their lines are to be handed out; empty at the end.
 using SessionSource = std::function<std::optional<UserAct>()>;
 
-/// Hands every session of source to consumer. Sessions with Position 0 are begun and ended without lines. A failing
-/// read of the log ends the lines of all sessions still open as the log's end would, and is returned.
-Status readSessionLines(const LogFile& log, const SessionSource& source, SessionLineConsumer& consumer);
+/// Hands every session of source to consumer. Sessions with Position 0 are begun and ended without lines. The log is
+/// read once for sessions in ascending order of Position, once more wherever the order falls back. A failing read of
+/// the log ends the lines of the sessions read together as the log's end would, and is returned.
+/// blockSize is the number of bytes read at once; it has no influence on the lines.
+Status readSessionLines(const LogFile& log, const SessionSource& source, SessionLineConsumer& consumer,
+                        std::size_t blockSize = 256 * 1024);
 
 }  // namespace quorvel

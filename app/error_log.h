@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
+#include <string_view>
 
 #include "core/file_system.h"
 #include "core/user_act.h"
@@ -10,12 +12,14 @@
 namespace quorvel {
 
 /// Appends blocks to error.log in the program folder. Failures to write it are ignored. The file is opened by the
-/// first block and stays open, so one ErrorLog should serve one command.
+/// first block and stays open, so one ErrorLog should serve one command. Texts are written as the bytes they are; of
+/// a field of a record, at most 4096.
 class ErrorLog {
  public:
   ErrorLog(FileSystem& files, const std::filesystem::path& programFolder);
 
-  /// A session record that could not be written: the block with the record dump.
+  /// A session record that could not be written: a line with the log, the record number and the users file (a single
+  /// blank before the latter), the four head lines and the record dump.
   void recordNotSaved(const std::filesystem::path& log, const std::filesystem::path& usersFile, const UserAct& record,
                       std::int32_t recordNumber, const Error& error);
   /// Any other error of a scan: the four head lines, then the file's name and four empty lines.

@@ -2,14 +2,16 @@
 #pragma once
 
 #include <filesystem>
+#include <string_view>
 
 namespace quorvel {
 
-/// The folder for every working file: $QUORVEL_HOME when set, else the folder of the executable when it can be
-/// written, else a folder per user ($XDG_DATA_HOME/quorvel, %LOCALAPPDATA%\quorvel), which is made when missing.
+/// The folder for every working file, as an absolute path: $QUORVEL_HOME when set, else the folder of the executable
+/// when it can be written, else a folder per user ($XDG_DATA_HOME/quorvel, %LOCALAPPDATA%\quorvel). It is made when
+/// missing; a folder that cannot be made is returned all the same.
 [[nodiscard]] std::filesystem::path findProgramFolder();
 
-/// The folder that holds the running executable.
+/// The folder that holds the running executable; the current folder when the system does not tell.
 [[nodiscard]] std::filesystem::path executableFolder();
 
 /// Whether a file name counts as absolute: it contains ":" or starts with a separator.

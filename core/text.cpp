@@ -87,10 +87,14 @@ bool containsFolded(std::string_view text, std::string_view needle) {
   return findFolded(text, needle) != std::string_view::npos;
 }
 
-std::optional<std::int64_t> parseInteger(std::string_view text) {
+std::string_view trimBlanks(std::string_view text) {
   const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return std::nullopt;
-  text = text.substr(first, text.find_last_not_of(" \t") - first + 1);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+std::optional<std::int64_t> parseInteger(std::string_view text) {
+  text = trimBlanks(text);
   if (text.size() > 1 && text.front() == '+' && text[1] != '-') text.remove_prefix(1);
   std::int64_t value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);

@@ -30,6 +30,9 @@ extern const std::array<unsigned char, 256> kFoldTable;
 [[nodiscard]] std::size_t findFolded(std::string_view text, std::string_view needle, std::size_t from = 0);
 [[nodiscard]] bool containsFolded(std::string_view text, std::string_view needle);
 
+/// text without the blanks and tabs around it.
+[[nodiscard]] std::string_view trimBlanks(std::string_view text);
+
 /// A whole decimal number with optional sign and surrounding blanks; empty for anything else or out of range.
 [[nodiscard]] std::optional<std::int64_t> parseInteger(std::string_view text);
 

@@ -51,6 +51,7 @@ class Decoder {
     return value;
   }
   [[nodiscard]] bool failed() const { return m_failed; }
+  [[nodiscard]] std::size_t bytesLeft() const { return m_from.size(); }
 
  private:
   void fail() {
@@ -61,6 +62,16 @@ class Decoder {
   std::string_view m_from;
   bool m_failed = false;
 };
+
+/// The whole record up to its tree index has been read: what the decoder reads next is that index.
+Decoder decoderAtTreeIndex(std::string_view slot) {
+  Decoder decoder(slot);
+  (void)decoder.number(4);
+  for (std::size_t i = 0; i < kTexts.size(); ++i)
+    (void)decoder.text();
+  (void)decoder.number(4);
+  return decoder;
+}
 
 }  // namespace
 
@@ -89,6 +100,20 @@ std::optional<UserAct> decodeRecord(std::string_view slot) {
   record.TreeIndex = static_cast<std::int32_t>(decoder.number(4));
   if (decoder.failed()) return std::nullopt;
   return record;
+}
+
+std::optional<std::int32_t> decodeTreeIndex(std::string_view slot) {
+  Decoder decoder = decoderAtTreeIndex(slot);
+  const auto treeIndex = static_cast<std::int32_t>(decoder.number(4));
+  if (decoder.failed()) return std::nullopt;
+  return treeIndex;
+}
+
+bool encodeTreeIndex(std::int32_t treeIndex, std::span<char> slot) {
+  const std::size_t bytesLeft = decoderAtTreeIndex({slot.data(), slot.size()}).bytesLeft();
+  if (bytesLeft < 4) return false;
+  Encoder(slot.last(bytesLeft).data()).number(static_cast<std::uint32_t>(treeIndex), 4);
+  return true;
 }
 
 }  // namespace quorvel

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -28,5 +29,9 @@ inline constexpr std::size_t kRecordOverhead = 3 * 4 + 6 * 2;
 
 /// Reads a record from the start of slot. Empty when a length word points behind the slot's end.
 [[nodiscard]] std::optional<UserAct> decodeRecord(std::string_view slot);
+
+/// The tree index alone, without decoding the texts. Empty, or false and slot untouched, where decodeRecord() fails.
+[[nodiscard]] std::optional<std::int32_t> decodeTreeIndex(std::string_view slot);
+[[nodiscard]] bool encodeTreeIndex(std::int32_t treeIndex, std::span<char> slot);
 
 }  // namespace quorvel

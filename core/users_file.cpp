@@ -82,14 +82,16 @@ std::optional<UserAct> UsersFile::read(std::int32_t recordNumber) {
   return decodeRecord(bytes).value_or(UserAct());
 }
 
+std::optional<std::int32_t> UsersFile::treeIndex(std::int32_t recordNumber) {
+  if (recordNumber < 1 || recordNumber > m_recordCount) return std::nullopt;
+  return decodeTreeIndex(slot(recordNumber));
+}
+
 void UsersFile::setTreeIndex(std::int32_t recordNumber, std::int32_t treeIndex) {
   const std::string_view bytes = slot(recordNumber);
-  auto record = decodeRecord(bytes);
-  if (!record) return;
-  record->TreeIndex = treeIndex;
+  if (bytes.empty()) return;
   const auto at = static_cast<std::size_t>(bytes.data() - m_block.data());
-  (void)encodeRecord(*record, std::span(m_block).subspan(at, bytes.size()));  // as long as before: it fits
-  m_isChanged = true;
+  if (encodeTreeIndex(treeIndex, std::span(m_block).subspan(at, bytes.size()))) m_isChanged = true;
 }
 
 Status UsersFile::flush() {

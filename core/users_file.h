@@ -55,6 +55,8 @@ class UsersFile {
   /// Record n, from 1. Empty behind the last record and when reading fails. A slot that was never filled, or is
   /// damaged, reads as an empty record with Position 0. Ascending reads cost one file access for many records.
   [[nodiscard]] std::optional<UserAct> read(std::int32_t recordNumber);
+  /// The tree index of record n alone, at a fraction of the cost. Empty where read() is, and for a damaged slot.
+  [[nodiscard]] std::optional<std::int32_t> treeIndex(std::int32_t recordNumber);
   /// Changes the tree index of a record just read; the rest of its slot stays as it is. Needs OpenMode::ReadWrite.
   /// The change is in the file after flush(). A damaged slot is left alone.
   void setTreeIndex(std::int32_t recordNumber, std::int32_t treeIndex);

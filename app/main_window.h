@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string_view>
 
 #include "app/command_context.h"
 
@@ -38,11 +39,16 @@ class frmMain {
   [[nodiscard]] WindowPlacement readPlacement() const;
   /// Shutdown: stops what runs, deletes the users file, saves the window's normal bounds.
   void unload(const WindowBounds& normalBounds, bool isMaximized);
+  /// Shutdown of a run without a window: the same, but the bounds saved earlier stay.
+  void unload();
 
   // File menu
   void mnuOpenLogFile_Click();
   /// Opens a log without the dialog (a file dropped on the window). The log type is the one last chosen.
   void openLogFile(const std::filesystem::path& path);
+  /// Makes a log the open one and changes no setting: state, status panels 1 and 2, the filter and count menus. title
+  /// is the name to show, in Windows-1252. Part of every way to open a log.
+  void useLog(const std::filesystem::path& path, std::string_view title, LogType type);
   void mnuSaveShortInfo_Click();
   void mnuSaveFilterWindow_Click();
 

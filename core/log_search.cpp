@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -11,6 +12,7 @@ namespace quorvel {
 namespace {
 
 constexpr LogPosition kSearchBlock = 4000;
+constexpr LogPosition kAnywhere = std::numeric_limits<LogPosition>::max();
 /// From the ")" of a session number back to the first byte of the number, or of the "- " in front of it.
 constexpr LogPosition kBackToNumber = kSessionNumberLength - 1;
 constexpr LogPosition kBackToDash = kBackToNumber + 2;
@@ -74,14 +76,9 @@ ConnectMark LogSearch::FindForward(LogPosition start) {
 }
 
 SessionEnd LogSearch::FindSessionEnd(const ConnectMark& session) {
-  MarkNumber passed = session.number;
   while (true) {
-    LogPosition close = 0;
-    for (MarkNumber next = m_marks.nextOfSession(passed); next != 0 && close == 0;
-         next = m_marks.nextOfSession(passed)) {
-      passed = next;
-      if (m_marks.kind(next) == MarkKind::CloseDash) close = m_marks.position(next) - kBackToDash;
-    }
+    const MarkNumber mark = firstOf(session, {bit(MarkKind::CloseDash)}, kAnywhere);
+    const LogPosition close = mark != 0 ? m_marks.position(mark) - kBackToDash : 0;
     const LogPosition start = m_serverStarts.empty() ? 0 : m_serverStarts.front();
     if (start != 0 && (close == 0 || start < close)) return {start, true};
     if (close != 0 || !readMore()) return {close, false};
@@ -91,14 +88,11 @@ SessionEnd LogSearch::FindSessionEnd(const ConnectMark& session) {
 LogPosition LogSearch::FindForwardLimited(Event event, const ConnectMark& session, LogPosition limit,
                                           LogPosition start) {
   const EventText& text = kEventTexts[static_cast<std::size_t>(event)];
+  const LogPosition back = text.hasDash ? kBackToDash : kBackToNumber;
   const LogPosition last = lastAccepted(start, limit, lengthOf(text));
-  readTo(last + kBackToDash);
-  for (MarkNumber next = m_marks.nextOfSession(session.number); next != 0; next = m_marks.nextOfSession(next)) {
-    const LogPosition hit = m_marks.position(next) - (text.hasDash ? kBackToDash : kBackToNumber);
-    if (hit > last) return 0;
-    if ((bit(m_marks.kind(next)) & text.kinds) != 0) return hit;
-  }
-  return 0;
+  readTo(last + back);
+  const MarkNumber hit = firstOf(session, {text.kinds}, last + back);
+  return hit != 0 ? m_marks.position(hit) - back : 0;
 }
 
 LogPosition LogSearch::FindLogonLine(const ConnectMark& session, std::string_view name, LogPosition limit) {
@@ -112,13 +106,8 @@ LogPosition LogSearch::FindLogonLine(const ConnectMark& session, std::string_vie
     return findText(text.append(kUser).append(name).append(kLoggedIn), session.position, last);
   }
   readTo(last + kBackToDash);
-  const std::uint64_t hash = hashName(name);
-  for (MarkNumber next = m_marks.nextOfSession(session.number); next != 0; next = m_marks.nextOfSession(next)) {
-    const LogPosition hit = m_marks.position(next) - kBackToDash;
-    if (hit > last) return 0;
-    if (m_marks.kind(next) == MarkKind::LoggedIn && m_marks.nameHash(next) == hash) return hit;
-  }
-  return 0;
+  const MarkNumber hit = firstOf(session, {bit(MarkKind::LoggedIn), hashName(name)}, last + kBackToDash);
+  return hit != 0 ? m_marks.position(hit) - kBackToDash : 0;
 }
 
 const Status& LogSearch::status() const {
@@ -158,6 +147,30 @@ LogPosition LogSearch::lastAccepted(LogPosition start, LogPosition limit, std::s
   const LogPosition reach = std::min(limit, m_log.length() - 1) - start;
   const LogPosition moreBlocks = reach > 0 ? reach / step : 0;
   return start + (moreBlocks + 1) * step;
+}
+
+MarkNumber LogSearch::firstOf(const ConnectMark& session, const Wanted& wanted, LogPosition furthest) {
+  constexpr int kFarWalk = 64;
+  MarkNumber passed = session.number;
+  if (!m_passed.empty()) {
+    const auto known = m_passed.find({idOf(session), wanted});
+    if (known != m_passed.end()) passed = std::max(passed, known->second);
+  }
+  int steps = 0;
+  MarkNumber next = m_marks.nextOfSession(passed);
+  for (; next != 0 && m_marks.position(next) <= furthest; next = m_marks.nextOfSession(next), ++steps) {
+    const MarkKind kind = m_marks.kind(next);
+    if ((bit(kind) & wanted.kinds) != 0 && (kind != MarkKind::LoggedIn || m_marks.nameHash(next) == wanted.nameHash)) {
+      break;
+    }
+    passed = next;
+  }
+  if (steps > kFarWalk) m_passed[{idOf(session), wanted}] = passed;
+  return next != 0 && m_marks.position(next) <= furthest ? next : 0;
+}
+
+SessionId LogSearch::idOf(const ConnectMark& session) {
+  return sessionIdAt(&m_window.text(session.position - kBackToNumber, kSessionNumberLength).back());
 }
 
 /// Reads the text itself: for names too long to be kept with the marks.

@@ -10,7 +10,9 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <map>
 #include <string_view>
+#include <utility>
 
 #include "core/block_reader.h"
 #include "core/block_window.h"
@@ -85,6 +87,15 @@ class LogSearch {
   bool readMore();
   void readTo(LogPosition position);
   [[nodiscard]] LogPosition lastAccepted(LogPosition start, LogPosition limit, std::size_t textLength) const;
+  /// What a walk along the marks of a session number looks for.
+  struct Wanted {
+    unsigned kinds;              ///< one bit for each MarkKind
+    std::uint64_t nameHash = 0;  ///< of a LoggedIn mark
+    friend auto operator<=>(const Wanted&, const Wanted&) = default;
+  };
+  /// The first wanted mark of the session at or before position furthest; 0 when there is none yet.
+  [[nodiscard]] MarkNumber firstOf(const ConnectMark& session, const Wanted& wanted, LogPosition furthest);
+  [[nodiscard]] SessionId idOf(const ConnectMark& session);
   [[nodiscard]] LogPosition findText(std::string_view text, LogPosition start, LogPosition last);
 
   const LogFile& m_log;
@@ -92,6 +103,9 @@ class LogSearch {
   BlockReader m_reader;
   BlockWindow m_window;
   MarkLists m_marks;
+  /// How far the marks of a number were walked without a hit, where that was far: sessions that share a number, or
+  /// blocks still to be read, must not make the program walk it again.
+  std::map<std::pair<SessionId, Wanted>, MarkNumber> m_passed;
   std::deque<LogPosition> m_serverStarts;  ///< from the current session on
   MarkNumber m_current = 0;                ///< connect mark taken last
   LogPosition m_readTo = 0;                ///< every mark up to here is known

@@ -52,7 +52,7 @@ class Finder {
     m_record.Position = static_cast<std::int32_t>(position);
     m_record.ConnectTime = text(position - kConnectStampBack, kStampLength);
     m_record.NumberInLog = text(position - (kSessionNumberLength - 1), kSessionNumberLength);
-    readUpTo(' ', position + kIpForward, m_record.IP);
+    readUpTo(' ', position + kIpForward, kLongestText, m_record.IP);
     findLogoff();
     findName();
     findLogon();
@@ -80,8 +80,8 @@ class Finder {
     if (user == 0 && (quit > 0 || m_end.position >= 1)) m_record.Name = kQuit;
     if (!m_record.Name.empty()) return;
 
-    readUpTo(m_log.lineEnd(), user + kNameForward, m_record.Name);
-    if (m_options.trunkLongUsernames && m_record.Name.size() > kTrunkedName) m_record.Name.resize(kTrunkedName);
+    const LogPosition longest = m_options.trunkLongUsernames ? LogPosition{kTrunkedName} : kLongestText;
+    readUpTo(m_log.lineEnd(), user + kNameForward, longest, m_record.Name);
   }
 
   void findLogon() {
@@ -142,10 +142,10 @@ class Finder {
     return m_search.window().text(from, static_cast<std::size_t>(count));
   }
 
-  /// Reads the text from position from up to the first byte end, or the log's end.
-  void readUpTo(char end, LogPosition from, std::string& text) {
+  /// Reads the text at from up to the first byte end, at most longest bytes or to the log's end.
+  void readUpTo(char end, LogPosition from, LogPosition longest, std::string& text) {
     BlockWindow& window = m_search.window();
-    const LogPosition furthest = std::min(from + kLongestText, m_log.length() + 1);
+    const LogPosition furthest = std::min(from + longest, m_log.length() + 1);
     const LogPosition found = window.find(end, from, std::max(from, furthest));
     text = window.text(from, static_cast<std::size_t>(found - from));
   }

@@ -19,7 +19,7 @@ constexpr LogPosition kLookBack = 50;
 constexpr LogPosition kNever = std::numeric_limits<LogPosition>::max();
 /// So many sessions share one pass over the log: few enough to keep their records, and the places of their lines, in
 /// memory, many enough that a log full of sessions without an end is read only a few times.
-constexpr std::size_t kSessionsPerPass = 32 * 1024;
+constexpr std::size_t kSessionsPerPass = 64 * 1024;
 /// A gap that is not worth reading between two sessions.
 constexpr LogPosition kGap = 4 * 1024 * 1024;
 constexpr int kLinesBetweenQuestions = 1024;

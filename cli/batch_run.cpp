@@ -1,0 +1,163 @@
+#include "cli/batch_run.h"
+
+#include <algorithm>
+#include <optional>
+#include <set>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "core/text.h"
+#include "tools/command_codes.h"
+
+namespace quorvel {
+namespace {
+
+const CommandCode* findCode(std::string_view argument) {
+  const auto number = parseInteger(argument);
+  const auto* const hit = std::find_if(kCommandCodes.begin(), kCommandCodes.end(),
+                                       [number](const CommandCode& c) { return number == c.code; });
+  return hit == kCommandCodes.end() ? nullptr : hit;
+}
+
+/// One code to run, with its value as it stood on the command line.
+struct Step {
+  const CommandCode* code;
+  std::string value;
+};
+
+/// The codes of a sorted table, each once; the values in between are no codes, whatever they look like.
+std::vector<Step> stepsOf(const classCommandLineArgument& arguments) {
+  const auto& sorted = arguments.sortedArguments();
+  std::vector<Step> steps;
+  std::set<int> seen;
+  for (std::size_t i = 2; i <= arguments.argumentCount() && i < sorted.size(); ++i) {
+    const CommandCode* const code = findCode(sorted[i]);
+    if (code == nullptr || !seen.insert(code->code).second) continue;
+    const bool takesNext = code->takesValue() && i + 1 < sorted.size();
+    steps.push_back({code, takesNext ? sorted[i + 1] : std::string()});
+    if (takesNext) ++i;
+  }
+  return steps;
+}
+
+bool writesResults(const Step& step) {
+  return step.code->code != kFindUsersCode;
+}
+
+bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
+  std::error_code error;
+  return std::filesystem::equivalent(a, b, error) && !error;
+}
+
+class BatchRun {
+ public:
+  BatchRun(frmMain& window, const InterruptTest& isInterrupted)
+      : m_window(window),
+        m_context(window.context()),
+        m_arguments(m_context.settings, window.state().programFolder),
+        m_isInterrupted(isInterrupted) {}
+
+  BatchOutcome run(std::string_view text) {
+    const Status parsed = m_arguments.GetCommandLine(text);
+    if (m_arguments.sortedArguments()[1].empty()) return {};
+    openLog();
+    const auto steps = stepsOf(m_arguments);
+    if (const auto problem = findProblem(parsed, steps)) {
+      fail(*problem);
+    } else {
+      runSteps(steps);
+    }
+    const bool autoExit = m_context.settings.readNumber("COMMAND-LINE-ARGUMENTS", "AutoExit") == 1;
+    return {m_window.state().batchFailed, autoExit};
+  }
+
+ private:
+  /// The state the Open command leaves, always with the first log type; no setting is changed.
+  void openLog() {
+    m_arguments.fix_filenames_from_command_array(m_arguments.sortedArguments()[1]);
+    m_window.useLog(m_arguments.FullPath(), toWindows1252(m_arguments.FileName()), LogType::ServU);
+  }
+
+  /// What keeps the whole run from starting, in one sentence; empty: nothing.
+  [[nodiscard]] std::optional<std::string> findProblem(const Status& parsed, const std::vector<Step>& steps) const {
+    if (!parsed.isOk()) {
+      const auto& last = m_arguments.rawArguments().back();
+      return parsed.error().description() + ": code " + last + " needs a value (" + std::string(findCode(last)->value) +
+             ").";
+    }
+    const auto log = m_context.files.open(m_window.state().logPath, OpenMode::Read);
+    if (!log.isOk()) return log.error().sentence();
+    const auto writer = std::find_if(steps.begin(), steps.end(), writesResults);
+    if (writer == steps.end()) return std::nullopt;
+    if (!m_arguments.endsWithOutputFile()) {
+      return "Code " + std::to_string(writer->code->code) +
+             " needs a file for its results as the last argument; it is missing.";
+    }
+    if (isSameFile(outputFile(), m_window.state().logPath)) {
+      return pathText(outputFile()) + ": this is the log; results cannot be written into it.";
+    }
+    return std::nullopt;
+  }
+
+  void runSteps(const std::vector<Step>& steps) {
+    for (const Step& step : steps) {
+      if (isInterrupted()) break;
+      m_window.state().batchFlag = true;
+      runStep(step);
+      m_window.state().batchFlag = false;
+    }
+    if (isInterrupted()) fail("Interrupted; the results are not complete.");
+  }
+
+  void runStep(const Step& step) {
+    auto& state = m_window.state();
+    if (writesResults(step)) state.batchOutputFile = outputFile();
+    switch (step.code->code) {
+      case kFindUsersCode:
+        return m_window.mnuFindUsers_Click();
+      case kFilterAllCode:
+        return m_window.mnuFilterAll_Click();
+      case kFilterIPCode:
+        state.BatchFilterIP = step.value;
+        return m_window.mnuFilterIP_Click();
+      case kFilterUserCode:
+        state.BatchFilterUser = toWindows1252(step.value);
+        return m_window.mnuFilterUser_Click();
+      case kCountAllCode:
+        state.batchDescription = "All transfers";
+        return m_window.mnuCountAllTransfers_Click();
+      case kCountIPCode:
+        state.BatchCountIP = step.value;
+        state.batchDescription = "IP: " + state.BatchCountIP;
+        return m_window.mnuCountIPTransfers_Click();
+      case kCountUserCode:
+        state.BatchCountUser = toWindows1252(step.value);
+        state.batchDescription = "username: " + state.BatchCountUser;
+        return m_window.mnuCountUsersTransfers_Click();
+      default:
+        return;
+    }
+  }
+
+  [[nodiscard]] std::filesystem::path outputFile() const { return m_arguments.rawArguments().back(); }
+  [[nodiscard]] bool isInterrupted() const { return m_isInterrupted && m_isInterrupted(); }
+
+  void fail(std::string text) {
+    m_window.state().batchFailed = true;
+    m_context.view.showMessage({std::move(text), Buttons::Ok, {}});
+  }
+
+  frmMain& m_window;
+  CommandContext& m_context;
+  classCommandLineArgument m_arguments;
+  const InterruptTest& m_isInterrupted;
+};
+
+}  // namespace
+
+BatchOutcome runBatch(frmMain& window, std::string_view text, const InterruptTest& isInterrupted) {
+  return BatchRun(window, isInterrupted).run(text);
+}
+
+}  // namespace quorvel

@@ -1,0 +1,176 @@
+#define NOMINMAX
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "core/file_system.h"
+
+namespace quorvel {
+namespace {
+
+ErrorCode codeOf(DWORD systemError) {
+  switch (systemError) {
+    case ERROR_FILE_NOT_FOUND:
+      return ErrorCode::FileNotFound;
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_BAD_NETPATH:
+    case ERROR_INVALID_DRIVE:
+      return ErrorCode::PathNotFound;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT:
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+      return ErrorCode::PermissionDenied;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return ErrorCode::DiskFull;
+    case ERROR_INVALID_NAME:
+    case ERROR_FILENAME_EXCED_RANGE:
+    case ERROR_TOO_MANY_OPEN_FILES:
+      return ErrorCode::PathFileAccess;
+    default:
+      return ErrorCode::DeviceIoError;
+  }
+}
+
+DWORD dispositionOf(OpenMode mode) {
+  switch (mode) {
+    case OpenMode::Read:
+      return OPEN_EXISTING;
+    case OpenMode::ReadWrite:
+    case OpenMode::Append:
+      return OPEN_ALWAYS;
+    case OpenMode::Replace:
+      break;
+  }
+  return CREATE_ALWAYS;
+}
+
+OVERLAPPED at(std::uint64_t offset) {
+  OVERLAPPED position{};
+  position.Offset = static_cast<DWORD>(offset);
+  position.OffsetHigh = static_cast<DWORD>(offset >> 32);
+  return position;
+}
+
+constexpr std::size_t kMostAtOnce = 1u << 30;
+
+class WindowsFile final : public File {
+ public:
+  WindowsFile(HANDLE handle, std::filesystem::path path) : m_handle(handle), m_path(std::move(path)) {}
+  ~WindowsFile() override { ::CloseHandle(m_handle); }
+
+  Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const override {
+    std::size_t done = 0;
+    while (done < buffer.size()) {
+      OVERLAPPED position = at(offset + done);
+      DWORD count = 0;
+      const auto wanted = static_cast<DWORD>(std::min(buffer.size() - done, kMostAtOnce));
+      if (!::ReadFile(m_handle, buffer.data() + done, wanted, &count, &position)) {
+        if (::GetLastError() == ERROR_HANDLE_EOF) break;
+        return failure();
+      }
+      if (count == 0) break;
+      done += count;
+    }
+    return done;
+  }
+
+  Status writeAt(std::uint64_t offset, std::string_view data) override {
+    while (!data.empty()) {
+      OVERLAPPED position = at(offset);
+      DWORD count = 0;
+      const auto wanted = static_cast<DWORD>(std::min(data.size(), kMostAtOnce));
+      if (!::WriteFile(m_handle, data.data(), wanted, &count, &position)) return failure();
+      offset += count;
+      data.remove_prefix(count);
+    }
+    return {};
+  }
+
+  Status append(std::string_view data) override {
+    const auto end = size();
+    return end.isOk() ? writeAt(end.value(), data) : Status(end.error());
+  }
+
+  Status resize(std::uint64_t length) override {
+    LARGE_INTEGER end;
+    end.QuadPart = static_cast<LONGLONG>(length);
+    if (!::SetFilePointerEx(m_handle, end, nullptr, FILE_BEGIN) || !::SetEndOfFile(m_handle)) return failure();
+    return {};
+  }
+
+  Result<std::uint64_t> size() const override {
+    LARGE_INTEGER length;
+    if (!::GetFileSizeEx(m_handle, &length)) return failure();
+    return static_cast<std::uint64_t>(length.QuadPart);
+  }
+
+  Status sync() override {
+    if (!::FlushFileBuffers(m_handle)) return failure();
+    return {};
+  }
+
+ private:
+  [[nodiscard]] Error failure() const { return {codeOf(::GetLastError()), m_path}; }
+
+  HANDLE m_handle;
+  std::filesystem::path m_path;
+};
+
+class WindowsFileSystem final : public FileSystem {
+ public:
+  Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) override {
+    const DWORD access = mode == OpenMode::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
+    // the server goes on writing its log, and may rename or delete it, while it is open here
+    const DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE handle =
+        ::CreateFileW(path.c_str(), access, sharing, nullptr, dispositionOf(mode), FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+      const DWORD error = ::GetLastError();
+      std::error_code ignored;
+      return Error{std::filesystem::is_directory(path, ignored) ? ErrorCode::PathFileAccess : codeOf(error), path};
+    }
+    auto file = std::make_unique<WindowsFile>(handle, path);
+    if (::GetFileType(handle) != FILE_TYPE_DISK) return Error{ErrorCode::PathFileAccess, path};
+    return Result<std::unique_ptr<File>>(std::move(file));
+  }
+
+  Status remove(const std::filesystem::path& path) override {
+    if (!::DeleteFileW(path.c_str())) return Error{codeOf(::GetLastError()), path};
+    return {};
+  }
+
+  Status rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
+    constexpr DWORD kHow = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+    if (!::MoveFileExW(from.c_str(), to.c_str(), kHow)) return Error{codeOf(::GetLastError()), to};
+    return {};
+  }
+
+  bool Exist(const std::filesystem::path& path) override {
+    constexpr DWORD kNotOrdinary = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kNotOrdinary) == 0;
+  }
+
+  Result<FileStamp> stamp(const std::filesystem::path& path) override {
+    std::error_code error;
+    FileStamp result;
+    result.size = std::filesystem::file_size(path, error);
+    if (!error) result.changed = std::filesystem::last_write_time(path, error);
+    if (error) return Error{codeOf(static_cast<DWORD>(error.value())), path};
+    return result;
+  }
+};
+
+}  // namespace
+
+FileSystem& systemFiles() {
+  static WindowsFileSystem files;
+  return files;
+}
+
+}  // namespace quorvel

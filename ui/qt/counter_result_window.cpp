@@ -1,0 +1,49 @@
+#include "ui/qt/counter_result_window.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "ui/qt/plain_text_box.h"
+#include "ui/qt/text.h"
+
+namespace quorvel {
+
+frmCounterResult::frmCounterResult(std::string_view caption, std::string_view text, std::function<void()> paste,
+                                   QWidget* parent)
+    : QDialog(parent),
+      m_paste(std::move(paste)),
+      m_result(new PlainTextBox(this)),
+      m_pasteButton(new QPushButton(QStringLiteral("Paste into filter window"), this)),
+      m_closeButton(new QPushButton(QStringLiteral("Close"), this)) {
+  setWindowTitle(toTitle(caption));
+  m_result->setObjectName(QStringLiteral("rtbCounterResult"));
+  m_pasteButton->setObjectName(QStringLiteral("cmdPasteResultTortbFilter"));
+  m_closeButton->setObjectName(QStringLiteral("cmdClose"));
+  m_result->setAccessibleName(QStringLiteral("Counter result"));
+  m_result->setBytes(text);
+  m_pasteButton->setAutoDefault(false);
+  m_closeButton->setDefault(true);
+  connect(m_pasteButton, &QPushButton::clicked, this, &frmCounterResult::cmdPasteResultTortbFilter_Click);
+  connect(m_closeButton, &QPushButton::clicked, this, &QDialog::accept);
+
+  auto* const buttons = new QHBoxLayout;
+  buttons->addWidget(m_pasteButton);
+  buttons->addStretch();
+  buttons->addWidget(m_closeButton);
+  auto* const rows = new QVBoxLayout(this);
+  rows->addWidget(m_result);
+  rows->addLayout(buttons);
+  constexpr int kColumns = 64;
+  constexpr int kLines = 14;
+  resize(m_result->fontMetrics().averageCharWidth() * kColumns, m_result->heightForLines(kLines) + 60);
+  m_closeButton->setFocus();
+}
+
+void frmCounterResult::cmdPasteResultTortbFilter_Click() {
+  m_paste();
+  m_closeButton->setFocus();
+}
+
+}  // namespace quorvel

@@ -1,0 +1,122 @@
+#include "ui/qt/main_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QShortcut>
+#include <QStatusBar>
+
+#include "app/program.h"
+#include "ui/qt/main_panes.h"
+#include "ui/qt/menu_commands.h"
+#include "ui/qt/menus.h"
+#include "ui/qt/one_line_label.h"
+#include "ui/qt/session_tree_box.h"
+#include "ui/qt/session_tree_model.h"
+#include "ui/qt/text.h"
+#include "ui/qt/tool_dialogs.h"
+#include "ui/qt/window_icon.h"
+#include "ui/qt/window_placement.h"
+
+namespace quorvel {
+
+MainWindow::MainWindow(FileDialogs& dialogs)
+    : m_dialogs(dialogs),
+      m_menus(new Menus(*menuBar())),
+      m_panes(new MainPanes),
+      m_stopShortcut(new QShortcut(Qt::Key_Escape, this)) {
+  setObjectName(QStringLiteral("frmMain"));
+  setWindowTitle(toTitle(kProgramName));
+  setWindowIcon(windowIcon());
+  setAcceptDrops(true);
+  setCentralWidget(m_panes);
+  addStatusPanels();
+  m_stopShortcut->setEnabled(false);
+  connect(m_stopShortcut, &QShortcut::activated, this, [this] { onChosen(MenuItem::mnuStop); });
+  connect(m_menus, &Menus::chosen, this, &MainWindow::onChosen);
+  connectTree();
+  for (const MenuItem item : {MenuItem::mnuGotoPosition, MenuItem::mnuGetComputersIP, MenuItem::mnuOptions,
+                              MenuItem::mnuHelpCommandLineReference, MenuItem::mnuWebVisitWebsite,
+                              MenuItem::mnuWebSendEmail, MenuItem::mnuWebReportBug, MenuItem::mnuAbout})
+    m_menus->enable(item, toolFor(item) != nullptr);
+}
+
+MainWindow::~MainWindow() {
+  disconnectCommands();
+}
+
+void MainWindow::addStatusPanels() {
+  constexpr std::array kWidths = {5, 2, 2, 3};
+  for (std::size_t i = 0; i < m_panels.size(); ++i) {
+    m_panels[i] = new OneLineLabel;
+    m_panels[i]->setObjectName(QStringLiteral("StatusBar1_%1").arg(i + 1));
+    statusBar()->addWidget(m_panels[i], kWidths[i]);
+  }
+}
+
+void MainWindow::connectTree() {
+  connect(&m_panes->tree(), &SessionTreeBox::nodeClicked, this, [this](std::int32_t node) {
+    if (m_commands != nullptr && !commandRuns()) m_commands->TreeView1_NodeClick(node);
+  });
+  connect(&m_panes->tree(), &SessionTreeBox::menuRequested, this, &MainWindow::onTreeMenuRequested);
+}
+
+void MainWindow::connectCommands(frmMain& commands) {
+  m_commands = &commands;
+  m_treeModel = std::make_unique<SessionTreeModel>(commands.state().tree);
+  connect(m_treeModel.get(), &SessionTreeModel::checkRequested, this,
+          [this](std::int32_t node, bool checked) { m_commands->setNodeChecked(node, checked); });
+  m_panes->tree().showModel(m_treeModel.get());
+}
+
+void MainWindow::disconnectCommands() {
+  m_panes->tree().showModel(nullptr);
+  m_treeModel.reset();
+  m_commands = nullptr;
+}
+
+void MainWindow::applyStoredPlacement() {
+  applyPlacement(*this, m_commands->readPlacement());
+}
+
+QString MainWindow::statusText(StatusPanel panel) const {
+  return m_panels[static_cast<std::size_t>(panel) - 1]->text();
+}
+
+void MainWindow::onChosen(MenuItem item) {
+  if (m_commands == nullptr) return;
+  if (item == MenuItem::mnuExit) return closeWindow();
+  if (const Tool tool = toolFor(item)) return tool(*this, *m_commands);
+  runMenuCommand(item, *this, *m_commands);
+}
+
+void MainWindow::onTreeMenuRequested(const QPoint& position) {
+  if (m_commands == nullptr || commandRuns()) return;
+  m_treeMenuPosition = position;
+  m_commands->TreeView1_RightButton();
+}
+
+bool MainWindow::commandRuns() const {
+  return m_commands != nullptr && m_commands->state().commandRunning;
+}
+
+void MainWindow::stopCommand() {
+  if (commandRuns()) m_commands->mnuStop_Click();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  if (commandRuns()) {
+    m_isClosing = true;
+    stopCommand();
+    return event->ignore();
+  }
+  for (QWidget* const other : QApplication::topLevelWidgets()) {
+    if (other != this && other->isVisible()) other->close();
+  }
+  if (m_commands != nullptr) m_commands->unload(normalBounds(*this), isMaximized());
+  disconnectCommands();
+  event->accept();
+  emit closed();
+}
+
+}  // namespace quorvel

@@ -1,0 +1,59 @@
+#include "ui/qt/print_command.h"
+
+#include <QPrintDialog>
+#include <QPrinter>
+
+#include "app/main_window.h"
+#include "app/program.h"
+#include "core/clock.h"
+#include "core/text.h"
+#include "ui/qt/plain_message.h"
+#include "ui/qt/print_pages.h"
+#include "ui/qt/text.h"
+
+namespace quorvel {
+namespace {
+
+PrintedDocument makeDocument(CommandContext& context) {
+  const DateTime now = localNow();
+  PrintedDocument document;
+  document.title = context.state.logTitle.empty() ? std::string(kProgramName) : context.state.logTitle;
+  document.date = now.date + " " + now.time;
+  document.text = context.view.userInfo();
+  if (!document.text.empty()) document.text.append(kLineEnd).append(kLineEnd);
+  document.text += context.view.filterText();
+  return document;
+}
+
+bool keepGoing(CommandContext& context) {
+  if (context.pacer.isDue()) context.view.yield();
+  return !context.state.stopFlag;
+}
+
+}  // namespace
+
+void mnuPrint_Click(QWidget& window, frmMain& commands) {
+  CommandContext& context = commands.context();
+  const CommandGuard guard(context);
+  if (!guard) return;
+  QPrinter printer;
+  if (!printer.isValid()) {
+    showPlainMessage(&window, QStringLiteral("No printer is available."));
+    return;
+  }
+  const PrintedDocument document = makeDocument(context);
+  printer.setDocName(toOneLine(toQString(document.title)));
+  QPrintDialog dialog(&printer, &window);
+  dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
+                    QAbstractPrintDialog::PrintShowPageSize | QAbstractPrintDialog::PrintCollateCopies);
+  if (dialog.exec() != QDialog::Accepted) return;
+  context.state.stopFlag = false;
+  context.view.showBusyPointer(true);
+  const PrintOutcome outcome = printPages(printer, document, [&context] { return keepGoing(context); });
+  context.view.showBusyPointer(false);
+  context.state.stopFlag = false;
+  if (outcome == PrintOutcome::Failed)
+    showPlainMessage(&window, QStringLiteral("The printer does not take the pages. Nothing more is printed."));
+}
+
+}  // namespace quorvel

@@ -1,0 +1,79 @@
+#include "ui/qt/progress_row.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <algorithm>
+
+#include "ui/qt/text.h"
+
+namespace quorvel {
+namespace {
+
+constexpr int kSteps = 1000;  // of the bar, whatever the range: one step is about a pixel
+
+QLabel* makeLabel(const QString& name) {
+  auto* const label = new QLabel;
+  label->setObjectName(name);
+  label->setTextFormat(Qt::PlainText);
+  return label;
+}
+
+void keepPlace(QWidget* widget) {
+  QSizePolicy policy = widget->sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  widget->setSizePolicy(policy);
+}
+
+}  // namespace
+
+ProgressRow::ProgressRow(QWidget* parent)
+    : QWidget(parent),
+      m_caption(makeLabel(QStringLiteral("lblCurrentPosCaption"))),
+      m_position(makeLabel(QStringLiteral("lblCurrentPos"))),
+      m_bar(new QProgressBar) {
+  m_caption->setText(QStringLiteral("Current position:"));
+  m_position->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("2147483647")));
+  m_bar->setObjectName(QStringLiteral("ProgressBar1"));
+  m_bar->setAccessibleName(QStringLiteral("Progress"));
+  m_bar->setRange(0, kSteps);
+  auto* const row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->addWidget(m_caption);
+  row->addWidget(m_position);
+  row->addWidget(m_bar, 1);
+  for (QWidget* const widget :
+       {static_cast<QWidget*>(m_caption), static_cast<QWidget*>(m_position), static_cast<QWidget*>(m_bar)}) {
+    keepPlace(widget);
+    widget->hide();
+  }
+}
+
+void ProgressRow::showBar(bool visible) {
+  m_bar->setVisible(visible);
+}
+
+void ProgressRow::setRange(std::int64_t minimum, std::int64_t maximum) {
+  m_minimum = minimum;
+  m_maximum = std::max(minimum, maximum);
+  m_bar->setValue(0);
+}
+
+void ProgressRow::setValue(std::int64_t value) {
+  if (m_maximum == m_minimum) return m_bar->setValue(0);
+  const double share = static_cast<double>(std::clamp(value, m_minimum, m_maximum) - m_minimum) /
+                       static_cast<double>(m_maximum - m_minimum);
+  m_bar->setValue(static_cast<int>(share * kSteps));
+}
+
+void ProgressRow::showLabels(bool visible) {
+  m_caption->setVisible(visible);
+  m_position->setVisible(visible);
+}
+
+void ProgressRow::setLabels(std::string_view caption, std::string_view position) {
+  m_caption->setText(toOneLine(toQString(caption)));
+  m_position->setText(toOneLine(toQString(position)));
+}
+
+}  // namespace quorvel

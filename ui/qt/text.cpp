@@ -1,0 +1,49 @@
+#include "ui/qt/text.h"
+
+#include <QFile>
+
+#include "core/text.h"
+
+namespace quorvel {
+
+QString toQString(std::string_view bytes) {
+  return QString::fromStdString(toUtf8(bytes));
+}
+
+std::string toBytes(const QString& text) {
+  const QByteArray utf8 = text.toUtf8();
+  return toWindows1252({utf8.constData(), static_cast<std::size_t>(utf8.size())});
+}
+
+QString toOneLine(QString text) {
+  constexpr char16_t kControlPictures = 0x2400;
+  constexpr char16_t kDelete = 0x7F;
+  constexpr char16_t kDeletePicture = 0x2421;
+  for (QChar& c : text) {
+    if (c.unicode() < u' ') c = QChar(static_cast<char16_t>(kControlPictures + c.unicode()));
+    if (c.unicode() == kDelete) c = QChar(kDeletePicture);
+  }
+  return text;
+}
+
+QString toTitle(std::string_view bytes) {
+  return toOneLine(toQString(bytes)).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+}
+
+QString toFileName(const std::filesystem::path& path) {
+#ifdef _WIN32
+  return QString::fromStdWString(path.native());
+#else
+  return QFile::decodeName(QByteArray::fromStdString(path.native()));
+#endif
+}
+
+std::filesystem::path toPath(const QString& fileName) {
+#ifdef _WIN32
+  return fileName.toStdWString();
+#else
+  return QFile::encodeName(fileName).toStdString();
+#endif
+}
+
+}  // namespace quorvel

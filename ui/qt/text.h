@@ -1,0 +1,24 @@
+// The one place where bytes (Windows-1252) become characters and characters become bytes.
+#pragma once
+
+#include <QString>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace quorvel {
+
+/// Every byte becomes exactly one character, the five unassigned ones too, and toBytes() turns it back.
+[[nodiscard]] QString toQString(std::string_view bytes);
+/// Characters that Windows-1252 lacks become "?".
+[[nodiscard]] std::string toBytes(const QString& text);
+
+/// For a place with room for one line: control characters, line ends among them, become visible symbols.
+[[nodiscard]] QString toOneLine(QString text);
+/// For a window title: one line, and "[*]" stays as it is instead of standing for "modified".
+[[nodiscard]] QString toTitle(std::string_view bytes);
+
+[[nodiscard]] QString toFileName(const std::filesystem::path& path);
+[[nodiscard]] std::filesystem::path toPath(const QString& fileName);
+
+}  // namespace quorvel

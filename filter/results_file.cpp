@@ -1,0 +1,102 @@
+#include "filter/results_file.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "core/text.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::size_t kBatchSize = 1024 * 1024;
+constexpr std::string_view kBlockEnd = "\r\n\r\n\r\n\r\n";
+
+}  // namespace
+
+std::string sessionBlockHeader(const UserAct& session) {
+  constexpr std::size_t kRuleLength = 50;
+  constexpr std::size_t kValueColumn = 20;
+  std::string header = std::string(kRuleLength, '-').append(kLineEnd);
+  const auto add = [&header](std::string_view label, std::string_view value) {
+    header.append(atColumn(label, kValueColumn, value)).append(kLineEnd);
+  };
+  add("Username:", session.Name);
+  add("IP:", session.IP);
+  add("Connect time:", session.ConnectTime);
+  add("Logon time:", session.LogonTime);
+  add("Logoff time:", session.LogoffTime);
+  add("Number in log:", session.NumberInLog);
+  add("Position:", std::to_string(session.Position));
+  return header.append(kLineEnd);
+}
+
+ResultsFile::ResultsFile(FileSystem& files, std::filesystem::path path) : m_files(files), m_path(std::move(path)) {}
+
+ResultsFile::~ResultsFile() {
+  flush();
+}
+
+void ResultsFile::beginSession(const UserAct& session) {
+  if (!m_hasBlock) open();
+  m_hasBlock = true;
+  write(sessionBlockHeader(session));
+  m_linesBegin = m_linesEnd = m_length;
+}
+
+void ResultsFile::writeLine(std::string_view line) {
+  if (line.size() >= kBatchSize) {  // a huge line goes out without being copied
+    flush();
+    if (m_status.isOk()) m_status = m_file->append(line);
+    m_length += line.size();
+    line = {};
+  }
+  m_batch.append(line);
+  m_length += line.size();
+  write(kLineEnd);
+}
+
+void ResultsFile::endSession() {
+  m_linesEnd = m_length;
+  write(kBlockEnd);
+}
+
+void ResultsFile::flush() {
+  if (m_status.isOk() && !m_batch.empty()) m_status = m_file->append(m_batch);
+  m_batch.clear();
+}
+
+void ResultsFile::open() {
+  auto file = m_files.open(m_path, OpenMode::Append);
+  if (file.isOk()) {
+    m_file = std::move(file.value());
+    const auto length = m_file->size();
+    m_length = length.isOk() ? length.value() : 0;
+  } else {
+    m_status = file.error();
+  }
+}
+
+void ResultsFile::write(std::string_view text) {
+  m_batch.append(text);
+  m_length += text.size();
+  if (m_batch.size() >= kBatchSize) flush();
+}
+
+Status ResultsFile::copyLastLines(const std::filesystem::path& target) {
+  flush();
+  if (!m_status.isOk()) return m_status;
+  auto copy = m_files.open(target, OpenMode::Replace);
+  if (!copy.isOk()) return copy.error();
+  std::string piece;
+  for (std::uint64_t at = m_linesBegin; at < m_linesEnd; at += piece.size()) {
+    piece.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kBatchSize, m_linesEnd - at)));
+    const auto count = m_file->readAt(at, piece);
+    if (!count.isOk()) return count.error();
+    if (count.value() < piece.size()) return Error{ErrorCode::DeviceIoError, m_path};
+    const Status written = copy.value()->append(piece);
+    if (!written.isOk()) return written;
+  }
+  return {};
+}
+
+}  // namespace quorvel

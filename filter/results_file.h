@@ -1,0 +1,57 @@
+// The results file: one block per filtered session, appended to what the file holds.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "core/file_system.h"
+#include "filter/session_filter.h"
+
+namespace quorvel {
+
+/// The lines that stand above a session's filtered lines, an empty line at the end included.
+[[nodiscard]] std::string sessionBlockHeader(const UserAct& session);
+
+/// Writes session blocks in large batches. The file is opened, and created where missing, by the first block. After
+/// the first failure nothing more is written.
+class ResultsFile final : public FilterTarget {
+ public:
+  /// files must outlive the results file.
+  ResultsFile(FileSystem& files, std::filesystem::path path);
+  ResultsFile(const ResultsFile&) = delete;
+  ResultsFile& operator=(const ResultsFile&) = delete;
+  ~ResultsFile() override;
+
+  void beginSession(const UserAct& session) override;
+  void writeLine(std::string_view line) override;
+  void endSession() override;
+  void flush() override;
+  [[nodiscard]] bool isOk() const override { return m_status.isOk(); }
+
+  /// The first failure.
+  [[nodiscard]] const Status& status() const { return m_status; }
+  /// True once a block was begun.
+  [[nodiscard]] bool hasBlock() const { return m_hasBlock; }
+  /// Writes the filtered lines of the last block, without its header and the empty lines behind it, to a file of
+  /// their own. A file of that name is replaced. Call it after endSession().
+  Status copyLastLines(const std::filesystem::path& target);
+
+ private:
+  void open();
+  void write(std::string_view text);  ///< whole lines, or the end of one
+
+  FileSystem& m_files;
+  std::filesystem::path m_path;
+  std::unique_ptr<File> m_file;
+  Status m_status;
+  std::string m_batch;
+  std::uint64_t m_length = 0;  ///< of the file, m_batch included
+  std::uint64_t m_linesBegin = 0;
+  std::uint64_t m_linesEnd = 0;
+  bool m_hasBlock = false;
+};
+
+}  // namespace quorvel

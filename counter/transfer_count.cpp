@@ -1,0 +1,129 @@
+#include "counter/transfer_count.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+namespace quorvel {
+namespace {
+
+constexpr std::int64_t kScale = 10'000;
+constexpr int kDecimals = 4;
+constexpr std::size_t kLongestNumber = 1024;
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+/// A number as it stands in a text: digits x 10 ^ (pointAt - number of digits).
+struct Decimal {
+  bool isNegative = false;
+  std::string digits;
+  int pointAt = 0;
+};
+
+void takeDigits(std::string_view& text, std::string& digits) {
+  while (!text.empty() && isDigit(text.front())) {
+    digits += text.front();
+    text.remove_prefix(1);
+  }
+}
+
+/// Takes "e+12" off text, if it starts so; false when the exponent is malformed or out of any reason.
+bool takeExponent(std::string_view& text, int& exponent) {
+  if (text.empty() || (text.front() != 'e' && text.front() != 'E')) return true;
+  text.remove_prefix(1);
+  if (text.size() > 1 && text.front() == '+' && isDigit(text[1])) text.remove_prefix(1);
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), exponent);
+  constexpr int kLargestExponent = 9999;
+  if (error != std::errc() || exponent > kLargestExponent || exponent < -kLargestExponent) return false;
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  return true;
+}
+
+std::optional<Decimal> parseDecimal(std::string_view text) {
+  Decimal number;
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
+    number.isNegative = text.front() == '-';
+    text.remove_prefix(1);
+  }
+  takeDigits(text, number.digits);
+  number.pointAt = static_cast<int>(number.digits.size());
+  if (!text.empty() && text.front() == '.') {
+    text.remove_prefix(1);
+    takeDigits(text, number.digits);
+  }
+  if (number.digits.empty()) return std::nullopt;
+  int exponent = 0;
+  if (!takeExponent(text, exponent) || !text.empty()) return std::nullopt;
+  number.pointAt += exponent;
+  return number;
+}
+
+/// Whether the digits from cut on round the number before them, which ends in lastDigit, up.
+bool roundsUp(std::string_view digits, int cut, bool lastDigitIsOdd) {
+  if (cut < 0 || cut >= static_cast<int>(digits.size())) return false;
+  const std::string_view rest = digits.substr(static_cast<std::size_t>(cut));
+  if (rest.front() != '5') return rest.front() > '5';
+  return lastDigitIsOdd || rest.find_first_not_of('0', 1) != std::string_view::npos;
+}
+
+std::optional<std::int64_t> scaled(const Decimal& number) {
+  const int wanted = number.pointAt + kDecimals;
+  std::uint64_t value = 0;
+  for (int i = 0; i < wanted; ++i) {
+    const bool isGiven = i < static_cast<int>(number.digits.size());
+    const auto digit = static_cast<std::uint64_t>(isGiven ? number.digits[static_cast<std::size_t>(i)] - '0' : 0);
+    constexpr std::uint64_t kLargest = std::numeric_limits<std::int64_t>::max();
+    if (value > (kLargest - digit) / 10) return std::nullopt;
+    value = value * 10 + digit;
+  }
+  auto result = static_cast<std::int64_t>(value);
+  if (roundsUp(number.digits, wanted, result % 2 != 0)) addBytes(result, 1);
+  return number.isNegative ? -result : result;
+}
+
+}  // namespace
+
+void ResetTransferCount(TransferCount& totals) {
+  totals = TransferCount();
+}
+
+void countOne(std::int32_t& count) {
+  if (count < std::numeric_limits<std::int32_t>::max()) ++count;
+}
+
+void addBytes(std::int64_t& sum, std::int64_t bytes) {
+  using Limits = std::numeric_limits<std::int64_t>;
+  const bool fits = bytes >= 0 ? sum <= Limits::max() - bytes : sum >= Limits::min() - bytes;
+  if (fits) sum += bytes;
+}
+
+std::optional<std::int64_t> parseFixedPoint(std::string_view text) {
+  if (text.size() > kLongestNumber) return std::nullopt;
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return std::nullopt;
+  const auto number = parseDecimal(text.substr(first, text.find_last_not_of(" \t") - first + 1));
+  return number ? scaled(*number) : std::nullopt;
+}
+
+std::string fixedPointSumText(std::int64_t a, std::int64_t b) {
+  std::int64_t whole = a / kScale + b / kScale;
+  std::int64_t rest = a % kScale + b % kScale;
+  whole += rest / kScale;
+  rest %= kScale;
+  if (whole > 0 && rest < 0) {
+    --whole;
+    rest += kScale;
+  } else if (whole < 0 && rest > 0) {
+    ++whole;
+    rest -= kScale;
+  }
+  std::string text = whole < 0 || rest < 0 ? "-" : "";
+  text += std::to_string(whole < 0 ? -whole : whole);
+  if (rest == 0) return text;
+  const std::string decimals = std::to_string(kScale + (rest < 0 ? -rest : rest)).substr(1);
+  return text + '.' + decimals.substr(0, decimals.find_last_not_of('0') + 1);
+}
+
+}  // namespace quorvel

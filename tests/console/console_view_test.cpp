@@ -1,0 +1,79 @@
+#include "ui/console/console_view.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "ui/console/plain_line.h"
+
+namespace quorvel::test {
+namespace {
+
+TEST(PlainLine, HoldsNothingATerminalObeys) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"a.log: File not found.", "a.log: File not found."},
+      {" Error 5\r\n\r\n  again \n", "Error 5 again"},
+      {"\x1B]0;title\x07\x7F\t!",
+       "?]0;title??"
+       "?!"},
+      {"a\x9B\x90\x9D"
+       "b",
+       "a\xE2\x80\xBA??b"},
+      {"\xE5ngstr\xF6m", "\xC3\xA5ngstr\xC3\xB6m"},
+      {"\r\n", ""},
+  };
+  for (const auto& [text, expected] : cases) {
+    EXPECT_EQ(plainLine(text), expected);
+  }
+}
+
+TEST(ConsoleView, WritesOneLineForAMessageAndNothingElseWhereThereIsNoTerminal) {
+  std::ostringstream out;
+  ConsoleView view(out, ConsoleView::Progress::Hidden);
+  view.setStatusPanel(StatusPanel::Text, "Searching a.log");
+  view.showProgress(true);
+  view.setProgressRange(1, 100);
+  view.yield();
+  view.showCounterResult("All transfers", "1");
+  EXPECT_TRUE(view.showMessage({"One.\r\nTwo.", Buttons::OkCancel, "Title"}));
+  EXPECT_EQ(view.askSaveFile({}).outcome, FileChoice::Outcome::Cancelled);
+  view.showProgress(false);
+  EXPECT_EQ(out.str(), "quorvel: One. Two.\n");
+}
+
+TEST(ConsoleView, RewritesItsProgressLineAndClearsIt) {
+  std::ostringstream out;
+  ConsoleView view(out, ConsoleView::Progress::Shown);
+  view.yield();
+  EXPECT_EQ(out.str(), "");
+  view.setStatusPanel(StatusPanel::Text, "Searching \x1B.log");
+  view.showProgress(true);
+  view.setProgressRange(0, 200);
+  view.setProgress(100);
+  view.setPositionLabels("Current position:", "100");
+  view.yield();
+  view.yield();  // too soon to draw again
+  const std::string line = "50 %  Current position: 100  Searching ?.log";
+  EXPECT_EQ(out.str(), line);
+  view.showMessage({"Text", Buttons::Ok, {}});
+  EXPECT_EQ(out.str(), line + '\r' + std::string(line.size(), ' ') + "\rquorvel: Text\n");
+}
+
+TEST(ConsoleView, ShowsAnyRangeAsAPercentage) {
+  const struct {
+    std::int64_t minimum, maximum, value;
+    std::string_view shown;
+  } cases[] = {{0, 0, 0, "0 %"}, {5, 1, 3, "0 %"}, {0, 10, 99, "100 %"}, {INT64_MIN, INT64_MAX, INT64_MAX, "100 %"}};
+  for (const auto& c : cases) {
+    std::ostringstream out;
+    ConsoleView view(out, ConsoleView::Progress::Shown);
+    view.showProgress(true);
+    view.setProgressRange(c.minimum, c.maximum);
+    view.setProgress(c.value);
+    view.yield();
+    EXPECT_EQ(out.str(), c.shown);
+  }
+}
+
+}  // namespace
+}  // namespace quorvel::test

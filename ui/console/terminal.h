@@ -1,0 +1,14 @@
+// The process's standard streams; one source per system.
+#pragma once
+
+namespace quorvel {
+
+/// Whether standard error is a terminal.
+[[nodiscard]] bool isErrorOutputTerminal();
+
+/// First thing in main(): gives the standard streams that the caller closed to the null device, so that no file opened
+/// later takes their place, and lets a reader that has gone, or a file-size limit, be a failed write instead of the end
+/// of the program.
+void prepareStandardStreams();
+
+}  // namespace quorvel

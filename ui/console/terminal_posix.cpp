@@ -1,0 +1,24 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "ui/console/terminal.h"
+
+namespace quorvel {
+
+bool isErrorOutputTerminal() {
+  return ::isatty(STDERR_FILENO) == 1;
+}
+
+void prepareStandardStreams() {
+  int descriptor = 0;
+  do {
+    descriptor = ::open("/dev/null", O_RDWR);  // takes the lowest number that is free
+  } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+  if (descriptor > STDERR_FILENO) ::close(descriptor);
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+}  // namespace quorvel

@@ -1,0 +1,14 @@
+#include <io.h>
+#include <stdio.h>
+
+#include "ui/console/terminal.h"
+
+namespace quorvel {
+
+bool isErrorOutputTerminal() {
+  return ::_isatty(::_fileno(stderr)) != 0;
+}
+
+void prepareStandardStreams() {}  // files are opened by handle here: they cannot take a standard stream's place
+
+}  // namespace quorvel

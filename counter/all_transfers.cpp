@@ -1,33 +1,44 @@
 #include <algorithm>
-#include <cstring>
-#include <optional>
-#include <span>
+#include <deque>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "core/block_reader.h"
+#include "core/block_window.h"
+#include "core/byte_scan.h"
 #include "counter/counted_line.h"
 #include "counter/transfer_counter.h"
 
 namespace quorvel {
 namespace {
 
-constexpr std::size_t kBlock = 1024 * 1024;
-/// A line whose beginning is longer than this is no longer kept, only looked through.
-constexpr std::size_t kLongestKept = 256 * 1024;
+/// A longer line is looked through in pieces, never taken whole.
+constexpr LogPosition kLongestWhole = 256 * 1024;
 /// What is shown of both ends of such a line.
-constexpr std::size_t kShownEnd = 64 * 1024;
-/// Bytes looked at again with the next block, so that nothing that lies across two blocks is missed.
-constexpr std::size_t kOverlap = 32;
+constexpr LogPosition kShownEnd = 64 * 1024;
+/// Bytes of a piece looked at again with the next one, so that nothing that lies across two is missed.
+constexpr LogPosition kOverlap = 32;
 static_assert(kOverlap >= kLongestToken && kOverlap >= kBeforeByteCount.size() && kOverlap >= kAfterByteCount.size());
+static_assert(kBlockTail >= kLongestToken);
 
-/// What is noted of a line too long to keep. Positions are 0 until something was found there.
+/// Leaves the positions of all tokens that start in the block in its findings.
+void findTokens(LogBlock& block) {
+  thread_local std::vector<std::uint32_t> offsets;
+  scanBytes(ScanFor::Transfers, block.data(), block.count, offsets);
+  for (const std::uint32_t offset : offsets) {
+    TransferTokens tokens;
+    tokens.addStartOf({block.data() + offset, kLongestToken});
+    if (tokens.any()) block.findings.push_back(static_cast<std::uint64_t>(block.first) + offset);
+  }
+}
+
+/// What is noted of a line too long to take whole. Positions are 0 until something was found there.
 struct LongLine {
-  LogPosition begin = 0;
+  TransferTokens tokens;
   LogPosition byteCount = 0;
   LogPosition byteCountEnd = 0;
-  TransferTokens tokens;
 
-  /// Looks through the next part of the line, which may start with bytes seen before.
   void lookThrough(std::string_view part, LogPosition position) {
     const TransferTokens found = transferTokensIn(part);
     tokens.sent |= found.sent;
@@ -49,106 +60,87 @@ struct LongLine {
 
 class WholeLogCounter {
  public:
-  WholeLogCounter(const LogFile& log, CountRun run) : m_log(log), m_run(run), m_buffer(kLongestKept + kBlock) {}
+  WholeLogCounter(const LogFile& log, CountRun run)
+      : m_run(run), m_reader(log, 1, kDefaultBlockSize, findTokens), m_window(log, kDefaultBlockSize) {}
 
   Status run() {
-    while (true) {
-      const auto count = m_log.readAt(m_position + static_cast<LogPosition>(m_kept), free());
-      if (!count.isOk()) return count.error();
-      const bool atEnd = count.value() == 0;
-      const std::string_view text(m_buffer.data(), m_kept + count.value());
-      const std::size_t used = countBlock(text, atEnd);
-      if (atEnd || !m_error.isOk()) return m_error;
-      keep(text, used);
-      if (!m_run.observer.keepGoing(m_position + static_cast<LogPosition>(m_kept))) return {};
+    while (m_goOn) {
+      if (m_tokens.empty()) {
+        if (!readMore()) break;
+      } else if (m_tokens.front() < m_countedTo) {
+        m_tokens.pop_front();
+      } else {
+        countLineAt(m_tokens.front());
+      }
     }
+    return m_reader.status().isOk() ? m_window.status() : m_reader.status();
   }
 
  private:
-  [[nodiscard]] std::span<char> free() { return std::span(m_buffer).subspan(m_kept, kBlock); }
-  [[nodiscard]] LogPosition positionOf(std::string_view text) const {
-    return m_position + (text.data() - m_buffer.data());
+  /// Reads one more block; false at the end of the log.
+  bool readMore() {
+    auto block = m_goOn ? m_reader.next() : nullptr;
+    if (!block) return false;
+    for (const std::uint64_t position : block->findings)
+      m_tokens.push_back(static_cast<LogPosition>(position));
+    m_readTo = block->end() - 1;
+    if (auto displaced = m_window.put(std::move(block))) m_reader.recycle(std::move(displaced));
+    m_goOn = m_run.observer.keepGoing(m_readTo);
+    return true;
   }
 
-  /// Counts all lines that are complete; returns the number of bytes done with.
-  std::size_t countBlock(std::string_view text, bool atEnd) {
-    std::size_t used = 0;
-    if (m_longLine) {
-      const auto lineEnd = text.find('\n', m_kept);
-      if (lineEnd == std::string_view::npos && !atEnd) return 0;
-      used = std::min(lineEnd, text.size());
-      countLongLine(text.substr(0, used));
-    }
-    const auto lastEnd = text.rfind('\n');
-    const std::size_t end = atEnd ? text.size() : lastEnd == std::string_view::npos ? used : lastEnd + 1;
-    countLines(text.substr(used, end - used));
-    return end;
-  }
-
-  void countLines(std::string_view text) {
-    for (auto at = findTransferToken(text); at != std::string_view::npos; at = findTransferToken(text, at)) {
-      const std::size_t begin = text.rfind('\n', at) + 1;  // npos + 1 is 0: the first line
-      const std::size_t end = std::min(text.find('\n', at), text.size());
-      countWholeLine(text.substr(begin, end - begin));
-      at = end;
-    }
-  }
-
-  void countWholeLine(std::string_view line) {
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  void countLineAt(LogPosition token) {
+    const LogPosition end = endOfLine(token);
+    const LogPosition begin = m_window.findLast('\n', m_countedTo, token) + 1;
+    m_countedTo = end + 1;
+    if (!m_goOn) return;
+    if (end - begin > kLongestWhole) return countLongLine(begin, end);
+    std::string_view line = m_window.text(begin, static_cast<std::size_t>(end - begin));
+    if (line.ends_with('\r')) line.remove_suffix(1);
     countLine(transferTokensIn(line), line, byteCountText(line), m_run);
   }
 
-  /// Moves what is not done with to the front of the buffer, or gives the line up for keeping.
-  void keep(std::string_view text, std::size_t used) {
-    std::string_view rest = text.substr(used);
-    if (!m_longLine && rest.size() > kLongestKept) m_longLine.emplace().begin = positionOf(rest);
-    if (m_longLine) {
-      m_longLine->lookThrough(rest, positionOf(rest));
-      rest = rest.substr(rest.size() - std::min(rest.size(), kOverlap));
+  /// Reads on to the end of the line that holds position.
+  LogPosition endOfLine(LogPosition position) {
+    while (true) {
+      const LogPosition known = m_readTo + 1;
+      const LogPosition end = m_window.find('\n', position, known);
+      if (end < known || !readMore()) return end;
+      position = known;
     }
-    m_position = positionOf(rest);
-    std::memmove(m_buffer.data(), rest.data(), rest.size());
-    m_kept = rest.size();
   }
 
-  /// The line ends behind lastPart, the part of it that is in the buffer.
-  void countLongLine(std::string_view lastPart) {
-    LongLine line = *m_longLine;
-    m_longLine.reset();
-    line.lookThrough(lastPart, m_position);
-    LogPosition end = m_position + static_cast<LogPosition>(lastPart.size());
-    if (lastPart.ends_with('\r')) --end;
-    if (!line.tokens.any()) return;
+  void countLongLine(LogPosition begin, LogPosition end) {
+    if (m_window.text(end - 1, 1) == "\r") --end;
+    LongLine line;
+    for (LogPosition at = begin; at < end && m_goOn; at += kLongestWhole) {
+      line.lookThrough(textOf(at, std::min(end, at + kLongestWhole + kOverlap)), at);
+      m_goOn = m_run.observer.keepGoing(at);
+    }
     std::string byteCount;
-    if (line.byteCount != 0 && line.byteCountEnd - line.byteCount <= static_cast<LogPosition>(kShownEnd)) {
+    if (line.byteCount != 0 && line.byteCountEnd - line.byteCount <= kShownEnd) {
       byteCount = textOf(line.byteCount, line.byteCountEnd);
     }
-    const std::string shown = line.tokens.isFailure() ? shownText(line.begin, end) : std::string();
+    std::string shown;
+    if (line.tokens.isFailure()) {
+      shown = textOf(begin, begin + kShownEnd);
+      shown += textOf(end - kShownEnd, end);
+    }
     countLine(line.tokens, shown, byteCount, m_run);
   }
 
-  [[nodiscard]] std::string shownText(LogPosition begin, LogPosition end) {
-    constexpr auto kEnd = static_cast<LogPosition>(kShownEnd);
-    return textOf(begin, begin + kEnd) + textOf(std::max(begin + kEnd, end - kEnd), end);
-  }
-
   /// The log from begin to end, not included; empty when end lies before begin.
-  [[nodiscard]] std::string textOf(LogPosition begin, LogPosition end) {
-    std::string text(static_cast<std::size_t>(std::max<LogPosition>(0, end - begin)), '\0');
-    const auto count = m_log.readAt(begin, text);
-    if (!count.isOk()) m_error = count.error();
-    text.resize(count.isOk() ? count.value() : 0);
-    return text;
+  [[nodiscard]] std::string_view textOf(LogPosition begin, LogPosition end) {
+    return m_window.text(begin, static_cast<std::size_t>(std::max<LogPosition>(0, end - begin)));
   }
 
-  const LogFile& m_log;
   CountRun m_run;
-  std::vector<char> m_buffer;
-  LogPosition m_position = 1;  ///< of the first byte in m_buffer
-  std::size_t m_kept = 0;      ///< bytes at the front of m_buffer that are to be looked at with the next block
-  std::optional<LongLine> m_longLine;
-  Status m_error;
+  BlockReader m_reader;
+  BlockWindow m_window;
+  std::deque<LogPosition> m_tokens;  ///< of lines not counted yet
+  LogPosition m_countedTo = 1;       ///< where the first line starts that is not counted yet
+  LogPosition m_readTo = 0;
+  bool m_goOn = true;
 };
 
 }  // namespace

@@ -144,6 +144,7 @@ void LogSearch::readTo(LogPosition position) {
 /// The last position at which a hit is accepted: the last block read ends with a text that starts there.
 LogPosition LogSearch::lastAccepted(LogPosition start, LogPosition limit, std::size_t textLength) const {
   const LogPosition step = kSearchBlock - static_cast<LogPosition>(textLength);
+  if (step <= 0) return start + step;  // the text fits the first block at its start, or no block at all
   const LogPosition reach = std::min(limit, m_log.length() - 1) - start;
   const LogPosition moreBlocks = reach > 0 ? reach / step : 0;
   return start + (moreBlocks + 1) * step;

@@ -1,0 +1,202 @@
+#include "tests/reference/session_text.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "tests/reference/block_search.h"
+
+namespace quorvel::test {
+namespace {
+
+std::vector<std::string> splitLines(std::string_view text) {
+  std::vector<std::string> lines;
+  while (!text.empty()) {
+    const std::size_t lf = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, lf);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    lines.emplace_back(line);
+    text.remove_prefix(std::min(lf + 1, text.size()));
+  }
+  return lines;
+}
+
+bool holds(std::string_view line, std::string_view text) {
+  return line.find(text) != std::string_view::npos;
+}
+
+/// Questions about one line that ignore letter case; marks are texts behind the session number.
+class FoldedLine {
+ public:
+  FoldedLine(std::string_view line, std::string_view number) : m_line(lowerCase(line)), m_number(lowerCase(number)) {}
+
+  [[nodiscard]] bool contains(std::string_view text) const { return holds(m_line, lowerCase(text)); }
+  [[nodiscard]] bool isOfSession() const { return holds(m_line, m_number); }
+  [[nodiscard]] bool hasMark(std::string_view text) const { return holds(m_line, m_number + lowerCase(text)); }
+  [[nodiscard]] bool hasAnyMark(std::initializer_list<std::string_view> texts) const {
+    return std::any_of(texts.begin(), texts.end(), [this](std::string_view text) { return hasMark(text); });
+  }
+  [[nodiscard]] bool isClose() const { return holds(m_line, "- " + m_number + " closing connection"); }
+  [[nodiscard]] bool isServerStart() const { return holds(m_line, "- starting ftp server..."); }
+
+ private:
+  std::string m_line;
+  std::string m_number;
+};
+
+std::string connectMark(const UserAct& session) {
+  return session.ConnectTime + " - " + session.NumberInLog + " Connected to " + session.IP;
+}
+
+/// The command filter's flags and output.
+struct CommandFilter {
+  CommandSwitches switches;
+  std::vector<std::string> written;
+  bool inTransfer = false;
+  bool inDelete = false;
+  bool deleteFirstLine = false;
+  bool inSite = false;
+  bool inMdtm = false;
+
+  void detect(const FoldedLine& line) {
+    if (!inTransfer && switches.transfers) inTransfer = line.hasAnyMark({" STOR", " RETR"});
+    if (!inDelete && switches.deletes) {
+      inDelete = line.hasMark(" DELE");
+      if (inDelete) deleteFirstLine = true;
+    }
+    if (!inSite && switches.site) inSite = line.hasMark(" SITE");
+    if (!inMdtm && switches.mdtm) inMdtm = line.hasMark(" MDTM");
+  }
+
+  void block(const std::string& text, bool isLast, bool& flag) {
+    written.push_back(text);
+    if (!isLast) return;
+    written.emplace_back();
+    flag = false;
+  }
+
+  void deleteReply(const std::string& text, const FoldedLine& line) {
+    const bool isReply = line.hasAnyMark({" 550 ", " 250 "});
+    if (line.hasMark(" DELE") && !isReply) {
+      written.insert(written.end(), {"", text, ""});
+    } else if (isReply) {
+      written.insert(written.end(), {text, ""});
+    } else {
+      written.emplace_back();
+    }
+    inDelete = false;
+  }
+
+  void take(const std::string& text, const FoldedLine& line) {
+    detect(line);
+    if (inTransfer) {
+      block(text,
+            line.hasAnyMark(
+                {" Received file", " Sent file", " Error ", " 550 Access denied", " 550 ", " 501 Syntax error"}),
+            inTransfer);
+    } else if (inDelete && deleteFirstLine) {
+      written.push_back(text);
+      deleteFirstLine = false;
+    } else if (inDelete) {
+      deleteReply(text, line);
+    } else if (inSite) {
+      block(text, line.hasAnyMark({" 200 ", " 501"}), inSite);
+    } else if (inMdtm) {
+      block(text, line.hasAnyMark({" 213", " 253", " 501", " 550", " 553"}), inMdtm);
+    }
+  }
+};
+
+std::int64_t byteCount(std::string_view line) {
+  const std::size_t speed = line.find("Kb/sec - ");
+  const std::size_t end = line.find(" bytes)");
+  if (speed == std::string_view::npos || end == std::string_view::npos || end < speed + 9) return 0;
+  const std::string_view digits = line.substr(speed + 9, end - speed - 9);
+  const bool isNumber =
+      !digits.empty() && digits.size() <= 15 && digits.find_first_not_of("0123456789") == std::string_view::npos;
+  return isNumber ? std::stoll(std::string(digits)) : 0;
+}
+
+/// Counts a line by its tokens, each behind prefix; letter case matters.
+void countLine(const std::string& line, const std::string& prefix, CountedTransfers& totals) {
+  const bool isSendError = holds(line, prefix + " Error sending ");
+  const bool isReceiveError = holds(line, prefix + " Error receiving ");
+  if (isSendError || isReceiveError) totals.badLines.push_back(line.size() > 27 ? line.substr(27) : "");
+  const bool isSent = holds(line, prefix + " Sent file ");
+  const bool isReceived = holds(line, prefix + " Received file ");
+  if (isSent) {
+    ++totals.sentFiles;
+    totals.bytesSent += byteCount(line);
+  } else if (isReceived) {
+    ++totals.receivedFiles;
+    totals.bytesReceived += byteCount(line);
+  } else if (isSendError) {
+    ++totals.sendErrors;
+  } else if (isReceiveError) {
+    ++totals.receiveErrors;
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> linesFrom(std::string_view log, const UserAct& session) {
+  const std::int64_t from = std::max<std::int64_t>(1, std::int64_t{session.Position} - 50);
+  const auto index = std::min(static_cast<std::size_t>(from - 1), log.size());
+  return splitLines(log.substr(index));
+}
+
+std::vector<std::string> linesAbout(std::string_view log, const UserAct& session) {
+  std::vector<std::string> lines = linesFrom(log, session);
+  std::erase_if(lines, [&](const std::string& text) {
+    const FoldedLine line(text, session.NumberInLog);
+    return !line.isOfSession() && !line.isServerStart();
+  });
+  return lines;
+}
+
+std::vector<std::string> entireSession(std::string_view log, const UserAct& session) {
+  std::vector<std::string> written;
+  if (session.Position == 0) return written;
+  bool isConnected = false;
+  for (const std::string& text : linesFrom(log, session)) {
+    const FoldedLine line(text, session.NumberInLog);
+    isConnected = isConnected || line.contains(connectMark(session));
+    if (!isConnected) continue;
+    if (line.isOfSession()) written.push_back(text);
+    if ((line.isOfSession() && line.isClose()) || line.isServerStart()) break;
+  }
+  return written;
+}
+
+std::vector<std::string> sessionCommands(std::string_view log, const UserAct& session, CommandSwitches switches) {
+  CommandFilter filter{switches, {}};
+  if (session.Position == 0) return {};
+  for (const std::string& text : linesFrom(log, session)) {
+    const FoldedLine line(text, session.NumberInLog);
+    if (line.isServerStart() || line.isClose()) break;
+    if (line.isOfSession()) filter.take(text, line);
+  }
+  return filter.written;
+}
+
+CountedTransfers sessionTransfers(std::string_view log, const UserAct& session) {
+  CountedTransfers totals;
+  if (session.Position == 0) return totals;
+  const std::string prefix = "- " + session.NumberInLog;
+  bool isConnected = false;
+  for (const std::string& line : linesFrom(log, session)) {
+    isConnected = isConnected || holds(line, connectMark(session));
+    if (!isConnected) continue;
+    countLine(line, prefix, totals);
+    if (holds(line, prefix + " Closing connection")) break;
+  }
+  return totals;
+}
+
+CountedTransfers allTransfers(std::string_view log) {
+  CountedTransfers totals;
+  for (const std::string& line : splitLines(log))
+    countLine(line, "", totals);
+  return totals;
+}
+
+}  // namespace quorvel::test

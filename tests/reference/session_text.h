@@ -1,0 +1,43 @@
+// What the filters and the counter take from a log for one session, as plain loops over its lines.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/user_act.h"
+
+namespace quorvel::test {
+
+/// Lines of the log from 50 bytes before the session's position on, without their line ends.
+[[nodiscard]] std::vector<std::string> linesFrom(std::string_view log, const UserAct& session);
+
+/// Those of them that contain the session number or the server start mark.
+[[nodiscard]] std::vector<std::string> linesAbout(std::string_view log, const UserAct& session);
+
+[[nodiscard]] std::vector<std::string> entireSession(std::string_view log, const UserAct& session);
+
+struct CommandSwitches {
+  bool transfers = false;
+  bool deletes = false;
+  bool site = false;
+  bool mdtm = false;
+};
+/// The lines the command filter writes, its empty lines included.
+[[nodiscard]] std::vector<std::string> sessionCommands(std::string_view log, const UserAct& session,
+                                                       CommandSwitches switches);
+
+struct CountedTransfers {
+  std::int32_t sentFiles = 0;
+  std::int32_t receivedFiles = 0;
+  std::int32_t sendErrors = 0;
+  std::int32_t receiveErrors = 0;
+  std::int64_t bytesSent = 0;  ///< whole bytes: a count that is no plain number of up to 15 digits adds nothing
+  std::int64_t bytesReceived = 0;
+  std::vector<std::string> badLines;  ///< failed transfers, from their 28th character on
+};
+[[nodiscard]] CountedTransfers sessionTransfers(std::string_view log, const UserAct& session);
+[[nodiscard]] CountedTransfers allTransfers(std::string_view log);
+
+}  // namespace quorvel::test

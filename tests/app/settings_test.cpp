@@ -80,8 +80,8 @@ TEST_F(SettingsTest, PreparingDeletesTheOlderFileAndKeepsOurs) {
 
 TEST_F(SettingsTest, AFileOfAnotherVersionIsReplaced) {
   const std::string fresh = defaultSettingsText();
-  for (const std::string other : {"[MAIN]\r\nVersion=1.0.300\r\n", "[MAIN]\r\nVersion=1.1.4000\r\n", "",
-                                  "\xFF garbage", "Version=1.1.400\r\n"}) {
+  for (const std::string other :
+       {"[MAIN]\r\nVersion=1.0.300\r\n", "[MAIN]\r\nVersion=1.1.4000\r\n", "", "\xFF garbage", "Version=1.1.400\r\n"}) {
     give(other);
     settings.resetOtherVersion();
     EXPECT_EQ(text(), fresh) << other;

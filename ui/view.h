@@ -126,7 +126,7 @@ enum class Buttons {
 struct Message {
   std::string text;
   Buttons buttons = Buttons::Ok;
-  std::string title;
+  std::string title{};
 };
 
 /// What a file dialog offers. filter is one entry "description|pattern", the description in the program's own words.

@@ -1,0 +1,48 @@
+#include "app/file_choice.h"
+
+#include <system_error>
+
+#include "core/text.h"
+
+namespace quorvel {
+namespace {
+
+bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
+  std::error_code ignored;
+  return a == b || std::filesystem::equivalent(a, b, ignored);
+}
+
+}  // namespace
+
+std::string fileDialogErrorText(const FileChoice& choice) {
+  const std::string sign = choice.errorNumber < 0 ? "" : " ";
+  return "Error" + sign + std::to_string(choice.errorNumber) + " selecting file." + std::string(kLineEnd) +
+         choice.error;
+}
+
+std::optional<std::filesystem::path> chooseSavePath(CommandContext& context, const FileRequest& request) {
+  const FileChoice choice = context.view.askSaveFile(request);
+  if (choice.outcome == FileChoice::Outcome::Failed) {
+    context.view.showMessage({.text = fileDialogErrorText(choice)});
+    return std::nullopt;
+  }
+  if (choice.outcome == FileChoice::Outcome::Cancelled || choice.path.empty()) return std::nullopt;
+  if (isSameFile(choice.path, context.state.logPath)) {
+    context.view.showMessage({.text = pathText(choice.path) + " is the log that is open. Please choose another name."});
+    return std::nullopt;
+  }
+  return choice.path;
+}
+
+std::optional<std::filesystem::path> chooseSavePathInLastFolder(CommandContext& context, std::string_view filter) {
+  FileRequest request;
+  request.filter = filter;
+  request.folder = context.settings.ReadSetting("Main", "LastSavePath");
+  if (request.folder.empty()) request.folder = context.state.programFolder;
+  request.asksBeforeOverwriting = true;
+  auto path = chooseSavePath(context, request);
+  if (path) context.settings.WriteSetting("Main", "LastSavePath", path->parent_path().string());
+  return path;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,67 @@
+#include "app/short_info_command.h"
+
+#include <tuple>
+#include <utility>
+
+#include "app/file_choice.h"
+#include "core/text.h"
+#include "core/users_file.h"
+#include "tools/short_info.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::string_view kFilter = "Short info on users             (*.txt)|*.txt";
+
+ShortInfoChoice readChoice(const Settings& settings) {
+  ShortInfoChoice choice;
+  for (std::size_t i = 0; i < kShortInfoColumns.size(); ++i)
+    choice.set(i, settings.readFlag(kShortInfoSection, kShortInfoColumns[i].key));
+  return choice;
+}
+
+/// True when the user wants no more lines.
+bool yieldAndAskForStop(CommandContext& context) {
+  context.view.yield();
+  return std::exchange(context.state.stopFlag, false);
+}
+
+Status writeLines(CommandContext& context, UsersFile& users, ShortInfoTable& table) {
+  for (std::int32_t number = 1; number <= users.recordCount(); ++number) {
+    const auto record = users.read(number);
+    if (!record) {
+      std::ignore = table.flush();
+      return Error{ErrorCode::DeviceIoError, context.state.usersFilePath()};
+    }
+    table.WriteShortInfoLine(*record);
+    if (!context.pacer.isDue()) continue;
+    if (const Status status = table.flush(); !status.isOk()) return status;
+    if (yieldAndAskForStop(context)) break;
+  }
+  return table.flush();
+}
+
+Status writeTable(CommandContext& context, const std::filesystem::path& path) {
+  auto users = UsersFile::open(context.files, context.state.usersFilePath());
+  if (!users.isOk()) return users.error();
+  auto table = ShortInfoTable::create(context.files, path, readChoice(context.settings));
+  if (!table.isOk()) return table.error();
+  table.value().WriteShortInfoHeader(context.state.logPath, localNow());
+  return writeLines(context, users.value(), table.value());
+}
+
+}  // namespace
+
+void SaveShortInfoCommand(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard) return;
+  context.state.stopFlag = false;
+  const auto path = chooseSavePathInLastFolder(context, kFilter);
+  if (!path) return;
+  context.view.setStatusPanel(StatusPanel::Text, "Saving " + pathText(*path));
+  const Status status = writeTable(context, *path);
+  if (!status.isOk()) context.view.showMessage({.text = status.error().sentence()});
+  context.view.setStatusPanel(StatusPanel::Text, "Using " + context.state.logTitle);
+}
+
+}  // namespace quorvel

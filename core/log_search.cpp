@@ -99,6 +99,7 @@ LogPosition LogSearch::FindLogonLine(const ConnectMark& session, std::string_vie
   constexpr std::string_view kUser = " User ";
   constexpr std::string_view kLoggedIn = " logged in";
   const std::size_t length = 2 + kSessionNumberLength + kUser.size() + name.size() + kLoggedIn.size();
+  if (length >= static_cast<std::size_t>(kSearchBlock)) return 0;  // fits into no block
   const LogPosition last = lastAccepted(session.position, limit, length);
   if (name.size() > std::min(m_options.longestName, kLongestIndexedName)) {
     std::string text = "- ";

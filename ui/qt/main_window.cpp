@@ -30,6 +30,7 @@ MainWindow::MainWindow(FileDialogs& dialogs)
   setWindowIcon(windowIcon());
   setAcceptDrops(true);
   setCentralWidget(m_panes);
+  m_panes->tree().setFocus();
   addStatusPanels();
   m_stopShortcut->setEnabled(false);
   connect(m_stopShortcut, &QShortcut::activated, this, [this] { onChosen(MenuItem::mnuStop); });

@@ -2,8 +2,10 @@
 
 #include <QFontDatabase>
 #include <QResizeEvent>
+#include <QScrollBar>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <algorithm>
 #include <cmath>
 
 namespace quorvel {
@@ -23,14 +25,20 @@ void PlainTextBox::setBytes(std::string_view text) {
   m_bytes.clear();
   m_lines.restart();
   clear();
-  QTextCursor caret = textCursor();
-  caret.setKeepPositionOnInsert(true);  // else text added at the caret would push it to the end
-  setTextCursor(caret);
   appendBytes(kept);
 }
 
 void PlainTextBox::appendBytes(std::string_view text) {
   m_bytes += text;
+  const QTextCursor caret = textCursor();
+  const bool caretIsAtEnd = std::max(caret.position(), caret.anchor()) == document()->characterCount() - 1;
+  const int anchor = caret.anchor();
+  const int position = caret.position();
+  insertAtEnd(text);
+  if (caretIsAtEnd) placeCaret(anchor, position);
+}
+
+void PlainTextBox::insertAtEnd(std::string_view text) {
   QTextCursor end(document());
   constexpr std::size_t kPiece = 64 * 1024;
   while (!text.empty()) {
@@ -40,9 +48,21 @@ void PlainTextBox::appendBytes(std::string_view text) {
   }
 }
 
+void PlainTextBox::placeCaret(int anchor, int position) {
+  const int row = verticalScrollBar()->value();
+  const int column = horizontalScrollBar()->value();
+  QTextCursor caret = textCursor();
+  caret.setPosition(anchor);
+  caret.setPosition(position, QTextCursor::KeepAnchor);
+  setTextCursor(caret);  // scrolls to the caret
+  verticalScrollBar()->setValue(row);
+  horizontalScrollBar()->setValue(column);
+}
+
 int PlainTextBox::heightForLines(int lines) const {
-  const double margins = 2 * (document()->documentMargin() + frameWidth());
-  return static_cast<int>(std::ceil(lines * fontMetrics().lineSpacing() + margins));
+  const double margins = 4 * document()->documentMargin() + 2 * frameWidth();
+  const int scrollBar = horizontalScrollBar()->sizeHint().height();
+  return static_cast<int>(std::ceil(lines * fontMetrics().lineSpacing() + margins)) + scrollBar;
 }
 
 void PlainTextBox::resizeEvent(QResizeEvent* event) {

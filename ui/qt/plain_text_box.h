@@ -23,13 +23,17 @@ class PlainTextBox : public QPlainTextEdit {
   void appendBytes(std::string_view text);
   [[nodiscard]] const std::string& bytes() const { return m_bytes; }
 
-  /// The box's height in pixels when it has to show so many lines.
+  /// The box's height in pixels when it has to show so many lines and a scroll bar below them.
   [[nodiscard]] int heightForLines(int lines) const;
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void insertAtEnd(std::string_view text);
+  /// Without scrolling. The text inserted at the caret has pushed it to the end.
+  void placeCaret(int anchor, int position);
+
   std::string m_bytes;
   ShownLines m_lines;
 };

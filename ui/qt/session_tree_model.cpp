@@ -55,20 +55,19 @@ std::int32_t SessionTreeModel::findText(const QString& prefix, std::int32_t from
 }
 
 std::int32_t SessionTreeModel::nodeBelow(std::int32_t node, const std::unordered_set<std::int32_t>& openParents) const {
-  std::int32_t parent = m_tree.parentOf(node);
-  if (parent == 0) {
-    if (openParents.contains(node) && m_tree.childCount(node) > 0) return m_tree.childNode(node, 0);
-    parent = node;
-  } else if (const std::int32_t next = m_tree.rowOf(node) + 1; next < m_tree.childCount(parent)) {
-    return m_tree.childNode(parent, next);
+  if (openParents.contains(node) && m_tree.childCount(node) > 0) return m_tree.childNode(node, 0);
+  while (node != 0) {
+    const std::int32_t parent = m_tree.parentOf(node);
+    const std::int32_t nextRow = m_tree.rowOf(node) + 1;
+    if (nextRow < m_tree.childCount(parent)) return m_tree.childNode(parent, nextRow);
+    node = parent;
   }
-  return m_tree.parentNode((m_tree.rowOf(parent) + 1) % m_tree.parentCount());
+  return m_tree.parentNode(0);
 }
 
 QModelIndex SessionTreeModel::index(int row, int column, const QModelIndex& parent) const {
   if (column != 0 || row < 0 || row >= rowCount(parent)) return {};
-  const std::int32_t node = parent.isValid() ? m_tree.childNode(nodeOf(parent), row) : m_tree.parentNode(row);
-  return createIndex(row, 0, static_cast<quintptr>(node));
+  return createIndex(row, 0, static_cast<quintptr>(m_tree.childNode(nodeOf(parent), row)));
 }
 
 QModelIndex SessionTreeModel::parent(const QModelIndex& child) const {
@@ -78,7 +77,7 @@ QModelIndex SessionTreeModel::parent(const QModelIndex& child) const {
 
 int SessionTreeModel::rowCount(const QModelIndex& parent) const {
   if (!isReadable() || parent.column() > 0) return 0;
-  return parent.isValid() ? m_tree.childCount(nodeOf(parent)) : m_tree.parentCount();
+  return m_tree.childCount(nodeOf(parent));
 }
 
 int SessionTreeModel::columnCount(const QModelIndex&) const {

@@ -9,7 +9,7 @@
 
 namespace quorvel {
 
-/// Two levels, one column. An index carries its node's number.
+/// One column. An index carries its node's number; the invalid index stands for node 0, whose children are the parents.
 class SessionTreeModel : public QAbstractItemModel {
   Q_OBJECT
 

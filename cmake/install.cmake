@@ -1,0 +1,33 @@
+# What is installed where, and the Debian package made of it by: cpack -G DEB
+include(GNUInstallDirs)
+
+install(TARGETS quorvel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES packaging/quorvel.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES README.md docs/architecture.md docs/file_formats.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
+if(QUORVEL_GUI)
+  install(FILES packaging/quorvel.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+  install(FILES packaging/quorvel.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+endif()
+
+# The reference text stands beside the program in the build folder, and with the program's data once installed.
+if(NOT CMAKE_CROSSCOMPILING)
+  add_custom_command(TARGET quorvel POST_BUILD
+    COMMAND quorvel --help > ${CMAKE_BINARY_DIR}/CLA_ref.txt
+    COMMENT "Writing the command line reference" VERBATIM)
+  install(FILES ${CMAKE_BINARY_DIR}/CLA_ref.txt DESTINATION ${CMAKE_INSTALL_DATADIR}/quorvel)
+endif()
+
+set(CPACK_PACKAGE_NAME quorvel)
+set(CPACK_PACKAGE_VENDOR "Quorvel developers")
+set(CPACK_PACKAGE_CONTACT "Quorvel developers <support@quorvel.example.org>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGE_DESCRIPTION
+  "Reads the text log of an FTP server, lists its user sessions in a tree,\ncuts out their log lines and counts their transfers. It runs in a window\nor unattended from its command line.")
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION net)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+include(CPack)

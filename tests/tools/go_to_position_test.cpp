@@ -1,0 +1,59 @@
+#include "tools/go_to_position.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/temp_folder.h"
+
+namespace quorvel::test {
+namespace {
+
+/// Five digits per five bytes, so that every place in the text tells where it is from.
+std::string numberedText(std::size_t length) {
+  std::string text;
+  for (std::size_t at = 1; text.size() < length; at += 5) {
+    const std::string number = std::to_string(at);
+    text += std::string(5 - number.size(), '0') + number;
+  }
+  text.resize(length);
+  return text;
+}
+
+class GoToPosition : public ::testing::Test {
+ protected:
+  std::optional<std::string> at(std::string_view position) { return textAroundPosition(systemFiles(), log, position); }
+  /// Bytes [from, to] counted from 1, as they stand in the log.
+  std::string bytes(std::size_t from, std::size_t to) const { return text.substr(from - 1, to - from + 1); }
+
+  TempFolder folder;
+  std::string text = numberedText(12000);
+  std::filesystem::path log = folder.write("a.log", text);
+};
+
+TEST_F(GoToPosition, ShowsTheBytesBeforeAndFromThePosition) {
+  EXPECT_EQ(at("5000"), bytes(4500, 4999) + "\r\n\r\n" + bytes(5000, 9499));
+  EXPECT_EQ(at(" 5000 "), at("5000"));
+}
+
+TEST_F(GoToPosition, RaisesLowPositionsTo1001) {
+  const std::string expected = bytes(501, 1000) + "\r\n\r\n" + bytes(1001, 5500);
+  for (const char* position : {"1", "0", "500", "1000", "1001", "-2147483648"})
+    EXPECT_EQ(at(position), expected) << position;
+  EXPECT_NE(at("1002"), expected);
+}
+
+TEST_F(GoToPosition, StopsAtTheEndOfTheLog) {
+  EXPECT_EQ(at("12000"), bytes(11500, 11999) + "\r\n\r\n" + bytes(12000, 12000));
+  EXPECT_EQ(at("12300"), bytes(11800, 12000) + "\r\n\r\n");
+  EXPECT_EQ(at("2147483647"), "\r\n\r\n");
+}
+
+TEST_F(GoToPosition, StaysSilentWhenNothingCanBeShown) {
+  for (const char* position : {"", "abc", "12x", "5000.5", "2147483648", "-2147483649", "99999999999999999999"})
+    EXPECT_EQ(at(position), std::nullopt) << position;
+  EXPECT_EQ(textAroundPosition(systemFiles(), "", "5000"), std::nullopt);
+  EXPECT_EQ(textAroundPosition(systemFiles(), folder / "missing.log", "5000"), std::nullopt);
+  EXPECT_EQ(textAroundPosition(systemFiles(), folder.path(), "5000"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace quorvel::test

@@ -1,0 +1,183 @@
+#include "tools/ping.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <thread>
+
+#include "tools/lookup.h"
+
+namespace quorvel::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Kind = PingEvent::Kind;
+
+std::string reply(IpFamily family, const Echo& echo) {
+  std::string message = echoRequest(family, echo);
+  if (family == IpFamily::V6) {
+    message[0] = static_cast<char>(129);
+    return message;
+  }
+  // The reply's type is 8 less than the request's, so its checksum is 8 * 256 more.
+  message[0] = 0;
+  unsigned sum = static_cast<unsigned char>(message[2]) * 256U + static_cast<unsigned char>(message[3]) + 8 * 256U;
+  sum = (sum & 0xFFFF) + (sum >> 16);
+  message[2] = static_cast<char>(sum >> 8);
+  message[3] = static_cast<char>(sum & 0xFF);
+  return message;
+}
+
+/// The other end of a network that the test controls.
+struct Network {
+  IpFamily family = IpFamily::V4;
+  std::vector<std::string> sent;
+  std::deque<std::string> waiting;
+  bool isUp = true;
+
+  Ping::Opener opener();
+  /// Answers the request sent last.
+  void answer(std::uint16_t sequence) { waiting.push_back(reply(family, {sequence, sent.back().substr(8)})); }
+};
+
+class FakeSocket : public IcmpSocket {
+ public:
+  explicit FakeSocket(Network& network) : m_network(network) {}
+  [[nodiscard]] IpFamily family() const override { return m_network.family; }
+  [[nodiscard]] int descriptor() const override { return 7; }
+  [[nodiscard]] bool send(std::string_view message) override {
+    m_network.sent.emplace_back(message);
+    return m_network.isUp;
+  }
+  [[nodiscard]] std::optional<std::string> receive() override {
+    if (m_network.waiting.empty()) return std::nullopt;
+    std::string message = m_network.waiting.front();
+    m_network.waiting.pop_front();
+    return message;
+  }
+
+ private:
+  Network& m_network;
+};
+
+Ping::Opener Network::opener() {
+  return [this](const std::string&) { return IcmpOpening{std::make_unique<FakeSocket>(*this), {}}; };
+}
+
+class PingTest : public ::testing::Test {
+ protected:
+  std::vector<Kind> kindsAfter(std::chrono::milliseconds wait) {
+    now += wait;
+    std::vector<Kind> kinds;
+    for (const PingEvent& event : ping.poll(now))
+      kinds.push_back(event.kind);
+    return kinds;
+  }
+
+  Network network;
+  Ping ping{network.opener()};
+  Ping::Clock::time_point now{};
+};
+
+TEST_F(PingTest, SendsFourRequestsAndTimesTheReplies) {
+  for (const IpFamily family : {IpFamily::V4, IpFamily::V6}) {
+    network.family = family;
+    network.sent.clear();
+    EXPECT_TRUE(ping.start("10.0.0.5", now).empty());
+    for (std::uint16_t sequence = 1; sequence <= 4; ++sequence) {
+      ASSERT_EQ(network.sent.size(), sequence);
+      network.answer(sequence);
+      now += 3ms;
+      const auto events = ping.poll(now);
+      ASSERT_EQ(events.size(), 1U);
+      EXPECT_EQ(pingLine("10.0.0.5", events[0]), "Reply from 10.0.0.5: 3.0 ms");
+      EXPECT_TRUE(kindsAfter(Ping::kInterval - 4ms).empty());
+      EXPECT_EQ(network.sent.size(), sequence);
+      kindsAfter(1ms);
+    }
+    EXPECT_FALSE(ping.isRunning());
+    EXPECT_EQ(ping.descriptor(), -1);
+  }
+}
+
+TEST_F(PingTest, GivesUpAfterTheTimeOutAndGoesOn) {
+  EXPECT_TRUE(ping.start("10.0.0.5", now).empty());
+  for (int i = 1; i <= 4; ++i) {
+    EXPECT_TRUE(kindsAfter(Ping::kTimeOut - 1ms).empty());
+    EXPECT_EQ(kindsAfter(1ms), std::vector{Kind::TimedOut});
+  }
+  EXPECT_FALSE(ping.isRunning());
+  EXPECT_EQ(network.sent.size(), 4U);
+}
+
+TEST_F(PingTest, PassesOverWhatIsNotTheAwaitedReply) {
+  EXPECT_TRUE(ping.start("10.0.0.5", now).empty());
+  network.answer(2);
+  network.waiting.push_back(network.sent.back());                          // a request, not a reply
+  network.waiting.push_back(reply(IpFamily::V4, {1, "another's token"}));  // somebody else's ping
+  network.answer(1);
+  network.waiting.back()[20] ^= 1;  // damaged on the way
+  network.waiting.push_back("");
+  network.waiting.push_back(std::string(3, '\x45'));
+  network.waiting.push_back(std::string(7, '\0'));
+  EXPECT_TRUE(kindsAfter(5ms).empty());
+  network.answer(1);
+  network.waiting.back().insert(0, std::string("\x45") + std::string(19, '\0'));  // with its IP header
+  EXPECT_EQ(kindsAfter(5ms), std::vector{Kind::Reply});
+}
+
+TEST_F(PingTest, SaysSoWhenNothingCanBeSent) {
+  network.isUp = false;
+  const auto events = ping.start("10.0.0.5", now);
+  ASSERT_EQ(events.size(), 1U);
+  EXPECT_EQ(pingLine("10.0.0.5", events[0]), "No way to reach 10.0.0.5");
+  for (int i = 2; i <= 4; ++i)
+    EXPECT_EQ(kindsAfter(Ping::kInterval), std::vector{Kind::NotSent});
+  EXPECT_FALSE(ping.isRunning());
+}
+
+TEST(PingSystem, LoopbackAnswersOrTheRefusalIsOneLine) {
+  for (const char* address : {"127.0.0.1", "::1"}) {
+    Ping ping;
+    std::vector<PingEvent> events = ping.start(address, Ping::Clock::now());
+    for (int i = 0; i < 200 && events.empty(); ++i) {
+      std::this_thread::sleep_for(10ms);
+      events = ping.poll(Ping::Clock::now());
+    }
+    ASSERT_FALSE(events.empty()) << address;
+    const std::string line = pingLine(address, events[0]);
+    EXPECT_TRUE(events[0].kind == Kind::Reply || events[0].kind == Kind::Refused) << line;
+    EXPECT_FALSE(line.empty());
+    EXPECT_EQ(line.find('\n'), std::string::npos);
+  }
+}
+
+TEST(PingSystem, OnlyNumericAddressesAreOpened) {
+  for (const char* address : {"", "localhost", "1.2.3.4.5", "fe80::1%no-such-interface"}) {
+    const IcmpOpening opening = openIcmpSocket(address);
+    EXPECT_EQ(opening.socket, nullptr) << address;
+    EXPECT_FALSE(opening.refusal.empty());
+  }
+}
+
+TEST(EchoRequest, HasTheLayoutOfTheProtocol) {
+  EXPECT_EQ(echoRequest(IpFamily::V4, {0x0102, "abc"}), std::string("\x08\0\x32\x9b\0\0\x01\x02"
+                                                                    "abc",
+                                                                    11));
+  EXPECT_EQ(echoRequest(IpFamily::V6, {0xFFFE, "abc"}), std::string("\x80\0\0\0\0\0\xff\xfe"
+                                                                    "abc",
+                                                                    11));
+}
+
+TEST(HostOrAddress, AcceptsNamesAndAddressesOnly) {
+  for (const std::string& text : {std::string("ftp.example.org"), std::string("10.0.0.5"), std::string("fe80::1%eth0"),
+                                  std::string("x-1"), std::string(253, 'a')})
+    EXPECT_TRUE(isHostOrAddress(text)) << text;
+  for (const std::string& text :
+       {std::string(), std::string("a b"), std::string("-x"), std::string("a;b"), std::string("a/b"),
+        std::string("\xE5.example.org"), std::string("a\n"), std::string("a\0b", 3), std::string(254, 'a')})
+    EXPECT_FALSE(isHostOrAddress(text)) << text;
+}
+
+}  // namespace
+}  // namespace quorvel::test

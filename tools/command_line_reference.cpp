@@ -1,0 +1,112 @@
+#include "tools/command_line_reference.h"
+
+#include <string_view>
+
+#include "tools/command_codes.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::string_view kUsage = R"(Quorvel analyzer - command line reference
+
+  quorvel                                 open the window
+  quorvel LOG CODE [VALUE] ... OUTPUT     run unattended
+  quorvel --help                          print this text
+  quorvel --version                       print the version
+
+LOG      the server's log file. It is only ever read.
+CODE     what to do, one or more of the numbers below.
+VALUE    what the code in front of it asks for.
+OUTPUT   the text file that takes the results. The last argument is always
+         taken as its name, whatever it is, so do not leave it out.
+
+Codes, in the order in which they run
+
+)";
+
+constexpr std::string_view kRules = R"(
+However the codes are ordered on the command line, they run in the order of
+this table, and each runs once: a code that is repeated counts the first time
+only. Codes are compared as numbers, so 0100 is 100. Other arguments are passed
+over. A value that is itself the number of a code counts as that code too.
+
+Every code but 100 works on the sessions that 100 finds, so name 100 as well;
+only 300 can do without it, as it reads the log itself. User names and
+addresses must match exactly, upper and lower case included.
+
+Examples
+
+  quorvel serv-u.log 100 210 out.txt
+      Finds all sessions and writes the log lines of each to out.txt.
+
+  quorvel /var/log/serv-u.log 100 250 10.0.0.5 /home/me/from-ip.txt
+      The log lines of the sessions from the address 10.0.0.5.
+
+  quorvel /var/log/serv-u.log 100 260 alice 360 alice /home/me/alice.txt
+      The log lines of the user alice, then a count of that user's transfers.
+
+  quorvel /var/log/serv-u.log 300 /home/me/totals.txt
+      Counts the transfers in the whole log.
+
+File names
+
+Arguments are separated by blanks and tabs, and quotation marks do not keep
+them together: file names, user names and addresses with blanks in them cannot
+be given. Link or copy such a log to a name without blanks first.
+
+A log or output file given without a folder lies in the program folder. That
+is the folder of the program itself, or, where that one cannot be written, the
+folder quorvel in your data folder ($XDG_DATA_HOME or ~/.local/share, on
+Windows %LOCALAPPDATA%). Set the environment variable QUORVEL_HOME to use
+another folder. A name counts as complete when it contains ":" or starts with
+a separator.
+
+Settings
+
+The settings file quorvel.ini in the program folder decides the rest. It is
+written with its defaults by the first run.
+
+  [OPTION-SAVE] AppendWhenFilter
+      1 (default): results are added to what the output file holds.
+      0: each filter code first deletes the output file, so that only the
+      results of the last one are left. Keep it at 1 for unattended runs.
+  [OPTION-FILTER] FilterTransfers, FilterDeletes, FilterSITE, FilterMDTM
+      If one of them is 1, codes 210, 250 and 260 write only those lines of a
+      session; otherwise they write all its lines.
+  [COMMAND-LINE-ARGUMENTS] AutoExit
+      1 (default): the program ends when all codes have run. It opens no
+      window and needs no display. Messages become one line each on standard
+      error.
+      0: the window opens, runs the codes and stays open.
+  [COMMAND-LINE-ARGUMENTS] MaxArguments
+      The number of arguments taken, 50 by default. Further ones are dropped.
+
+Exit status
+
+  0  every code has run
+  1  the log cannot be read, the output file cannot be written, or a code has
+     no value behind it; one line on standard error says which
+
+Further files in the program folder: users.qva holds the sessions found and
+is deleted at the end, bad_trans.txt lists failed transfers, error.log tells
+what went wrong while a log was searched.
+)";
+
+std::string codeLine(const CommandCode& code) {
+  constexpr std::size_t kValueWidth = 12;
+  std::string value(code.value);
+  value.resize(kValueWidth, ' ');
+  return "  " + std::to_string(code.code) + "  " + value + std::string(code.action) + "\n";
+}
+
+}  // namespace
+
+std::string commandLineReference() {
+  std::string text(kUsage);
+  for (const CommandCode& code : kCommandCodes)
+    text += codeLine(code);
+  text += kRules;
+  return text;
+}
+
+}  // namespace quorvel

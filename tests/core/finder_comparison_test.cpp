@@ -23,7 +23,7 @@ struct Collector : FindObserver {
   bool keepGoing(LogPosition) override { return true; }
 };
 
-class FinderComparison : public ::testing::TestWithParam<int> {
+class FinderComparison : public ::testing::Test {
  protected:
   std::vector<UserAct> find(const std::string& log, const FindOptions& options) {
     const auto path = m_folder.write("a.log", log);
@@ -52,9 +52,11 @@ class FinderComparison : public ::testing::TestWithParam<int> {
   test::TempFolder m_folder;
 };
 
+class MadeUpLogs : public FinderComparison, public ::testing::WithParamInterface<int> {};
+
 constexpr int kLogsPerRange = 250;
 
-TEST_P(FinderComparison, FindsWhatTheBlockWiseScanFinds) {
+TEST_P(MadeUpLogs, FindsWhatTheBlockWiseScanFinds) {
   constexpr std::array<std::size_t, 8> kReadSizes = {256, 1000, 4000, 4096, 5001, 10007, 65536, 1 << 20};
   const int first = GetParam() * kLogsPerRange;
   for (int seed = first; seed < first + kLogsPerRange; ++seed) {
@@ -69,7 +71,27 @@ TEST_P(FinderComparison, FindsWhatTheBlockWiseScanFinds) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, FinderComparison, ::testing::Range(0, 12));
+TEST_F(FinderComparison, MarksAtTheVeryStartOfALog) {
+  for (const char* log :
+       {") Connected to ", ") Connected to x", ") Connected to - Starting FTP Server...",
+        ") Connected to -        ) Closing connection", ") Connected to 10.0 -        ) Closing connection",
+        ") Connected to 10.0.-        ) Closing connection", ") Connected to 10.0 - Starting FTP Server...",
+        "(000001) Connected to \r", "(000001) Connected to 1 (000001) USER \r",
+        "(000001) Connected to 1 (000001) USER"}) {
+    EXPECT_TRUE(agrees(log, {}, scanSessions(log, true))) << log;
+  }
+}
+
+TEST_F(FinderComparison, TextsAroundTheEndOfTheOnlyBlockOfAnUnendedSession) {
+  for (const std::string event : {"- (000012) Connected to 2 ", "(000012) USER alice\r", "(000012) QUIT"}) {
+    for (std::size_t gap = 3900; gap < 4000; ++gap) {
+      const std::string log = "* (000012) Connected to 1 " + std::string(gap, '.') + event + std::string(9000, '.');
+      EXPECT_TRUE(agrees(log, {}, scanSessions(log, true))) << event << " after " << gap;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, MadeUpLogs, ::testing::Range(0, 12));
 
 }  // namespace
 }  // namespace quorvel

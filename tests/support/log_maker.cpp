@@ -124,6 +124,7 @@ class LogMaker {
     while (m_log.size() < size)
       step();
     cutEnd();
+    if (chance(20)) m_log.erase(0, below(80));
     scribble();
     return std::move(m_log);
   }
@@ -169,7 +170,7 @@ class LogMaker {
 
   void step() {
     if (chance(m_noisePercent)) noise();
-    if (chance(m_alignPercent)) align();
+    if (chance(m_alignPercent)) chance(25) ? alignConnect() : align();
     if (chance(m_restartPercent)) return serverStart();
     if (m_open.empty() || (m_open.size() < m_mostOpen && chance(m_connectPercent))) return connect();
     const std::size_t at = below(m_open.size());
@@ -274,17 +275,51 @@ class LogMaker {
     m_log += text + "\r\n";
   }
 
-  /// Fills up so that the next line's tokens lie about where a search from an open session, or from the start of the
-  /// log, changes blocks.
+  /// Writes a line whose token starts where a search from an open session changes blocks, or right beside that, and
+  /// a few more of the session's lines behind it.
   void align() {
-    const std::size_t begin = m_open.empty() || chance(30) ? 0 : m_open[below(m_open.size())].begin;
-    const auto overlap = static_cast<std::size_t>(below(60));
-    const std::size_t stride = kBlock - overlap;
-    std::size_t target = begin + stride;
-    while (target < m_log.size() + 120)
-      target += stride;
-    const std::size_t before = 20 + below(60);
-    if (target - before > m_log.size() + 2) fill(target - before - m_log.size() - 2);
+    if (m_open.empty()) return;
+    struct Search {
+      std::size_t overlap;      ///< length of the text searched for
+      std::size_t tokenOffset;  ///< where it starts in a line without a bracket: at the dash or at the number
+    };
+    constexpr std::array<Search, 8> kSearches = {
+        {{13, 23}, {14, 23}, {27, 23}, {53, 21}, {53, 21}, {31, 21}, {14, 21}, {49, 21}}};
+    constexpr std::array<int, 12> kBeside = {-2, -1, 0, 0, 1, 2, -92, -97, -98, -99, -100, -101};
+    const Session session = m_open[below(m_open.size())];
+    const Search search = pick<Search>(kSearches);
+    fillTo(session.begin, search.overlap, pick<int>(kBeside), search.tokenOffset);
+    m_log += alignedLine(session);
+    for (std::size_t more = below(4); more > 0; --more)
+      sessionLine(session, event(session));
+    if (chance(30)) close(session);
+  }
+
+  std::string alignedLine(const Session& session) {
+    constexpr std::array kAligned = {"USER alice"sv,
+                                     "QUIT"sv,
+                                     "Closing connection"sv,
+                                     "530 Incorrect password"sv,
+                                     "530 Not logged in - password incorrect"sv,
+                                     "User alice logged in"sv};
+    if (chance(20)) return stamp() + " - Starting FTP Server...\r\n";
+    return stamp() + " - " + session.number + " " + std::string(pick<std::string_view>(kAligned)) + "\r\n";
+  }
+
+  /// A connect line whose mark starts where the search for the next session changes blocks.
+  void alignConnect() {
+    constexpr std::string_view kMark = ") Connected to ";
+    const std::size_t last = m_log.rfind(kMark);
+    fillTo(last == std::string::npos ? 0 : last + 60, kMark.size(), static_cast<int>(below(5)) - 2, 30);
+    m_log += stamp() + " - (000042) Connected to 10.0.0.42 (Local address 10.0.0.1)\r\n";
+  }
+
+  /// Fills up so that offset bytes further on, some block of a search from begin starts, give or take beside bytes.
+  void fillTo(std::size_t begin, std::size_t overlap, int beside, std::size_t offset) {
+    std::int64_t target = static_cast<std::int64_t>(begin) + beside - static_cast<std::int64_t>(offset);
+    while (target < static_cast<std::int64_t>(m_log.size()) + 2)
+      target += kBlock - static_cast<std::int64_t>(overlap);
+    fill(static_cast<std::size_t>(target) - m_log.size() - 2);
   }
 
   void cutEnd() {

@@ -36,9 +36,7 @@ MainWindow::MainWindow(FileDialogs& dialogs)
   connect(m_stopShortcut, &QShortcut::activated, this, [this] { onChosen(MenuItem::mnuStop); });
   connect(m_menus, &Menus::chosen, this, &MainWindow::onChosen);
   connectTree();
-  for (const MenuItem item : {MenuItem::mnuGotoPosition, MenuItem::mnuGetComputersIP, MenuItem::mnuOptions,
-                              MenuItem::mnuHelpCommandLineReference, MenuItem::mnuWebVisitWebsite,
-                              MenuItem::mnuWebSendEmail, MenuItem::mnuWebReportBug, MenuItem::mnuAbout})
+  for (const MenuItem item : toolItems())
     m_menus->enable(item, toolFor(item) != nullptr);
 }
 

@@ -1,13 +1,29 @@
 #include "ui/qt/text.h"
 
 #include <QFile>
+#include <algorithm>
+#include <array>
 
 #include "core/text.h"
 
 namespace quorvel {
+namespace {
+
+std::array<QChar, 256> characterTable() {
+  std::array<QChar, 256> table;
+  for (std::size_t byte = 0; byte < table.size(); ++byte)
+    table[byte] = QString::fromStdString(toUtf8(std::string(1, static_cast<char>(byte)))).front();
+  return table;
+}
+
+}  // namespace
 
 QString toQString(std::string_view bytes) {
-  return QString::fromStdString(toUtf8(bytes));
+  static const std::array<QChar, 256> kCharacters = characterTable();
+  QString text(static_cast<qsizetype>(bytes.size()), Qt::Uninitialized);
+  std::transform(bytes.begin(), bytes.end(), text.data(),
+                 [](char byte) { return kCharacters[static_cast<unsigned char>(byte)]; });
+  return text;
 }
 
 std::string toBytes(const QString& text) {

@@ -20,21 +20,19 @@ constexpr std::array kTools = {
     ToolLine{mnuWebReportBug, nullptr},    ToolLine{mnuAbout, nullptr},
 };
 
-const ToolLine* find(MenuItem item) {
-  const auto* const line =
-      std::find_if(kTools.begin(), kTools.end(), [item](const ToolLine& t) { return t.item == item; });
-  return line == kTools.end() ? nullptr : line;
-}
-
 }  // namespace
 
 Tool toolFor(MenuItem item) {
-  const ToolLine* const line = find(item);
-  return line == nullptr ? nullptr : line->open;
+  const auto* const line =
+      std::find_if(kTools.begin(), kTools.end(), [item](const ToolLine& tool) { return tool.item == item; });
+  return line == kTools.end() ? nullptr : line->open;
 }
 
-bool isTool(MenuItem item) {
-  return find(item) != nullptr;
+std::vector<MenuItem> toolItems() {
+  std::vector<MenuItem> items;
+  for (const ToolLine& line : kTools)
+    items.push_back(line.item);
+  return items;
 }
 
 }  // namespace quorvel

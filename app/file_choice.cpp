@@ -1,18 +1,9 @@
 #include "app/file_choice.h"
 
-#include <system_error>
-
+#include "app/command_report.h"
 #include "core/text.h"
 
 namespace quorvel {
-namespace {
-
-bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
-  std::error_code ignored;
-  return a == b || std::filesystem::equivalent(a, b, ignored);
-}
-
-}  // namespace
 
 std::string fileDialogErrorText(const FileChoice& choice) {
   const std::string sign = choice.errorNumber < 0 ? "" : " ";
@@ -27,10 +18,7 @@ std::optional<std::filesystem::path> chooseSavePath(CommandContext& context, con
     return std::nullopt;
   }
   if (choice.outcome == FileChoice::Outcome::Cancelled || choice.path.empty()) return std::nullopt;
-  if (isSameFile(choice.path, context.state.logPath)) {
-    context.view.showMessage({.text = pathText(choice.path) + " is the log that is open. Please choose another name."});
-    return std::nullopt;
-  }
+  if (refusesResultsFile(context, choice.path)) return std::nullopt;
   return choice.path;
 }
 

@@ -13,7 +13,7 @@ namespace quorvel {
 [[nodiscard]] std::string fileDialogErrorText(const FileChoice& choice);
 
 /// Shows the save dialog. Empty when the user cancelled, when no name was chosen, and after a message when the dialog
-/// failed or the log itself was chosen: the log is never written to.
+/// failed or a file the program itself needs was chosen, above all the log.
 [[nodiscard]] std::optional<std::filesystem::path> chooseSavePath(CommandContext& context, const FileRequest& request);
 
 /// The same, starting in the folder of the last file saved (the program folder at first) and remembering the new one.

@@ -36,7 +36,6 @@ struct MainWindowState {
   bool stopFlag = false;        ///< set by Stop, cleared by the command that obeys
   bool errorsLogged = false;    ///< the last scan wrote to error.log
   bool commandRunning = false;  ///< commands do not nest
-  bool showInFilterWindow = false;
   std::filesystem::path resultsFile;
 
   bool batchFlag = false;  ///< an unattended run is in progress: no dialogs, results go to the output file
@@ -48,6 +47,7 @@ struct MainWindowState {
   std::string batchDescription;  ///< what the next count counts, e.g. "IP: 10.0.0.5"
   bool batchFailed = false;      ///< a command of the run could not do its work; decides the exit status
 
+  [[nodiscard]] bool hasLog() const { return !logPath.empty(); }
   [[nodiscard]] std::filesystem::path usersFilePath() const { return programFolder / "users.qva"; }
   [[nodiscard]] std::filesystem::path filterFilePath() const { return programFolder / "filter.qva"; }
   [[nodiscard]] std::filesystem::path badTransfersPath() const { return programFolder / "bad_trans.txt"; }

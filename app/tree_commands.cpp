@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/filter_commands.h"
 #include "app/program.h"
 #include "core/text.h"
 #include "core/users_file.h"
@@ -68,12 +69,6 @@ std::int32_t recordToShow(UsersFile& users, const SessionTree& tree, std::int32_
   return limit;
 }
 
-std::optional<UserAct> readSession(CommandContext& context, std::int32_t node) {
-  auto users = UsersFile::open(context.files, context.state.usersFilePath());
-  if (!users.isOk()) return std::nullopt;
-  return users.value().read(recordToShow(users.value(), context.state.tree, node));
-}
-
 std::string userInfo(const UserAct& session) {
   std::string text;
   text.append("Username:   ").append(session.Name).append(kLineEnd);
@@ -84,15 +79,6 @@ std::string userInfo(const UserAct& session) {
   text.append("No. in log: ").append(session.NumberInLog).append(kLineEnd);
   text.append("Pos in log: ").append(std::to_string(session.Position));
   return text;
-}
-
-void reportLostUsersFile(CommandContext& context) {
-  context.view.showMessage(
-      {"Lost file: users.qva\r\n"
-       "This might happen if you tried to run multiple instanses of Quorvel analyzer\r\n"
-       "Please run \"Find users in logfile\" in the \"Command\" menu or press Ctrl-U again",
-       Buttons::Ok,
-       {}});
 }
 
 bool hasUsersFile(CommandContext& context) {
@@ -127,15 +113,31 @@ void askForTreeUpdate(CommandContext& context) {
   if (isWanted) buildSessionTree(context);
 }
 
+std::optional<UserAct> readSessionOfNode(CommandContext& context, std::int32_t node) {
+  auto users = UsersFile::open(context.files, context.state.usersFilePath());
+  if (!users.isOk()) return std::nullopt;
+  return users.value().read(recordToShow(users.value(), context.state.tree, node));
+}
+
+void reportLostUsersFile(CommandContext& context) {
+  context.view.showMessage(
+      {"Lost file: users.qva\r\n"
+       "This might happen if you tried to run multiple instanses of Quorvel analyzer\r\n"
+       "Please run \"Find users in logfile\" in the \"Command\" menu or press Ctrl-U again",
+       Buttons::Ok,
+       {}});
+}
+
 void clickNode(CommandContext& context, std::int32_t node) {
   const CommandGuard guard(context);
   if (!guard) return;
   context.state.selectedNode = node;
   if (!hasUsersFile(context)) return reportLostUsersFile(context);
-  const auto session = readSession(context, node);
+  const auto session = readSessionOfNode(context, node);
   if (!session) return;
   context.state.currentSession = *session;
   context.view.setUserInfo(userInfo(*session));
+  if (context.settings.readNumber("OPTION-FILTER", "AutoFilterSession") == 1) filterCurrentSession(context);
 }
 
 void reloadTree(CommandContext& context) {

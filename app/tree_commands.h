@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "app/command_context.h"
+#include "core/user_act.h"
 
 namespace quorvel {
 
@@ -18,6 +20,12 @@ void writeLayoutHeader(CommandContext& context);
 /// The layout changed: asks whether to rebuild the tree, and does so. Without a users file there is nothing to ask.
 /// Called inside a command or on its own.
 void askForTreeUpdate(CommandContext& context);
+
+/// The session a click on the node shows; empty without a users file or records.
+[[nodiscard]] std::optional<UserAct> readSessionOfNode(CommandContext& context, std::int32_t node);
+
+/// Tells that the users file is gone, and what to do about it.
+void reportLostUsersFile(CommandContext& context);
 
 // The commands below do nothing while another one runs, save for the check boxes.
 

@@ -66,6 +66,21 @@ std::string foldCase(std::string_view text) {
   return folded;
 }
 
+std::string upperCase(std::string_view text) {
+  static const std::array<char, 256> kUpperTable = [] {
+    std::array<char, 256> table{};
+    for (std::size_t i = 0; i < 256; ++i)
+      table[i] = static_cast<char>(i);
+    for (std::size_t i = 0; i < 256; ++i)
+      if (kFoldTable[i] != i) table[kFoldTable[i]] = static_cast<char>(i);
+    return table;
+  }();
+  std::string upper(text);
+  for (char& c : upper)
+    c = kUpperTable[static_cast<unsigned char>(c)];
+  return upper;
+}
+
 bool equalsFolded(std::string_view a, std::string_view b) {
   return a.size() == b.size() && startsWithFolded(a, b);
 }

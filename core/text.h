@@ -21,6 +21,7 @@ extern const std::array<unsigned char, 256> kFoldTable;
   return static_cast<char>(kFoldTable[static_cast<unsigned char>(c)]);
 }
 [[nodiscard]] std::string foldCase(std::string_view text);
+[[nodiscard]] std::string upperCase(std::string_view text);
 
 /// Comparisons without regard to case.
 [[nodiscard]] bool equalsFolded(std::string_view a, std::string_view b);

@@ -1,0 +1,203 @@
+#include "app/count_commands.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "app/command_report.h"
+#include "app/session_sources.h"
+#include "app/tree_commands.h"
+#include "core/text.h"
+#include "core/users_file.h"
+#include "counter/bad_transfers.h"
+#include "counter/counter_result.h"
+#include "counter/transfer_counter.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::string_view kSection = "OPTION-COUNTER";
+
+class CountProgress final : public CountObserver {
+ public:
+  explicit CountProgress(CommandContext& context)
+      : m_context(context), m_badTransfers(context.files, context.state.badTransfersPath()) {}
+
+  void onFailedTransfer(std::string_view line, const TransferCount& totals) override {
+    if (m_keepsBadTransfers) m_badTransfers.LogBadTransfer(line, totals);
+  }
+  bool keepGoing(LogPosition position) override {
+    if (m_context.pacer.isDue()) {
+      m_badTransfers.flush();
+      m_context.view.setProgress(position);
+      m_context.view.setPositionLabels("Current position:", std::to_string(position));
+      m_context.view.yield();
+    }
+    return !m_context.state.stopFlag;
+  }
+
+ private:
+  CommandContext& m_context;
+  BadTransferLog m_badTransfers;
+  const bool m_keepsBadTransfers = m_context.settings.readFlag(kSection, "GetFilenameOnTransferError");
+};
+
+/// Adds to the totals; returns what kept the log from being read to the end.
+using CountWork = std::function<Status(const LogFile&, const CountOptions&, TransferCount&, CountObserver&)>;
+
+/// What one of the commands counts and how the result is called.
+struct CountCommand {
+  std::string caption;      ///< of the result window
+  std::string description;  ///< in the batch output file
+  CountWork work;
+};
+
+void showCounting(CommandContext& context, bool isCounting) {
+  if (isCounting) {
+    context.view.showBusyPointer(true);
+    context.view.setStatusPanel(StatusPanel::Text, "Counting transfers");
+    context.view.setPositionLabels("Current position:", "0");
+    context.view.showProgress(true);
+  } else {
+    context.view.showProgress(false);
+    context.view.showBusyPointer(false);
+  }
+}
+
+Status countTransfers(CommandContext& context, const CountWork& work, TransferCount& totals) {
+  ResetTransferCount(totals);
+  auto log = LogFile::open(context.files, context.state.logPath);
+  if (!log.isOk()) return log.error();
+  context.view.setProgressRange(0, log.value().length());
+  CountProgress progress(context);
+  const CountOptions options{.countBytes = context.settings.readFlag(kSection, "CountBytes")};
+  context.state.stopFlag = false;
+  const Status counted = work(log.value(), options, totals, progress);
+  context.state.stopFlag = false;
+  return counted;
+}
+
+CounterResultOptions resultOptions(const CommandContext& context) {
+  return {.countBytes = context.settings.readFlag(kSection, "CountBytes"),
+          .getFilenameOnTransferError = context.settings.readFlag(kSection, "GetFilenameOnTransferError"),
+          .badTransfersPath = context.state.badTransfersPath()};
+}
+
+void ShowCounterResult(CommandContext& context, std::string_view caption, const TransferCount& totals) {
+  const std::string text = counterResultText(totals, resultOptions(context));
+  context.view.setStatusPanel(StatusPanel::Text, "Displaying counter result");
+  context.view.showCounterResult(caption, text);
+}
+
+void appendResult(CommandContext& context, const CountCommand& command, const Status& counted,
+                  const TransferCount& totals) {
+  if (!counted.isOk()) return reportFailure(context, counted.error().sentence());
+  const Status written = AppendCounterResult(context.files, context.state.batchOutputFile, totals, command.description,
+                                             resultOptions(context));
+  if (!written.isOk()) reportFailure(context, written.error().sentence());
+}
+
+void showUsing(CommandContext& context) {
+  context.view.setStatusPanel(StatusPanel::Text, "Using " + context.state.logTypeName);
+}
+
+void run(CommandContext& context, const CountCommand& command) {
+  const bool isBatch = context.state.batchFlag;
+  if (isBatch && refusesResultsFile(context, context.state.batchOutputFile)) return;
+  TransferCount totals;
+  showCounting(context, true);
+  const Status counted = countTransfers(context, command.work, totals);
+  showCounting(context, false);
+  if (isBatch) {
+    appendResult(context, command, counted, totals);
+  } else {
+    ShowCounterResult(context, command.caption, totals);
+  }
+  showUsing(context);
+}
+
+/// Counts sessions of the users file; without one there are none.
+CountWork workOnUsersFile(CommandContext& context, std::function<SessionSource(UsersFile&)> choose) {
+  return [&context, choose = std::move(choose)](const LogFile& log, const CountOptions& options, TransferCount& totals,
+                                                CountObserver& observer) -> Status {
+    auto users = UsersFile::open(context.files, context.state.usersFilePath());
+    if (!users.isOk()) return {};
+    return CountSessionTransfers(log, choose(users.value()), options, totals, observer);
+  };
+}
+
+CountWork workOnRecords(CommandContext& context, std::function<bool(const UserAct&)> isChosen) {
+  return workOnUsersFile(
+      context, [isChosen = std::move(isChosen)](UsersFile& users) { return chosenSessions(users, isChosen); });
+}
+
+/// The session of the node clicked last becomes the current one again, whatever was read since.
+void readCurrentSession(CommandContext& context) {
+  if (context.state.batchFlag || context.state.selectedNode == 0) return;
+  if (auto session = readSessionOfNode(context, context.state.selectedNode)) context.state.currentSession = *session;
+}
+
+/// Ends a command of the window whose key is empty, after a message; what is a "user" or an "IP" in it.
+bool refusesEmptyKey(CommandContext& context, std::string_view key, std::string_view what) {
+  if (context.state.batchFlag || !key.empty()) return false;
+  const std::string text = "Please click on a session with the current " + std::string(what) + "\r\nExiting";
+  context.view.showMessage({text, Buttons::Ok, {}});
+  showUsing(context);
+  return true;
+}
+
+}  // namespace
+
+void countAllTransfers(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard || !context.state.hasLog()) return;
+  run(context, {"Counter result - all users", "All transfers", CountAllTransfers});
+}
+
+void countSelectedSessions(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard || !context.state.hasLog()) return;
+  readCurrentSession(context);
+  const auto choose = [&context](UsersFile& users) { return checkedSessions(users, context.state.tree); };
+  run(context,
+      {"Counter result - selected sessions", context.state.batchDescription, workOnUsersFile(context, choose)});
+}
+
+void countIPTransfers(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard || !context.state.hasLog()) return;
+  readCurrentSession(context);
+  const std::string ip = context.state.batchFlag ? context.state.BatchCountIP : context.state.currentSession.IP;
+  if (refusesEmptyKey(context, ip, "IP")) return;
+  run(context, {"Counter result - IP: " + ip, context.state.batchDescription,
+                workOnRecords(context, [ip](const UserAct& record) { return record.IP == ip; })});
+}
+
+void countUsersTransfers(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard || !context.state.hasLog()) return;
+  readCurrentSession(context);
+  const std::string name = context.state.batchFlag ? context.state.BatchCountUser : context.state.currentSession.Name;
+  if (refusesEmptyKey(context, name, "user")) return;
+  run(context, {"Counter result - username: " + name, context.state.batchDescription,
+                workOnRecords(context, [name](const UserAct& record) { return record.Name == name; })});
+}
+
+void countSessionsTransfers(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard || !context.state.hasLog()) return;
+  readCurrentSession(context);
+  const CountWork work = [&context](const LogFile& log, const CountOptions& options, TransferCount& totals,
+                                    CountObserver& observer) {
+    return CountSessionTransfers(log, oneSession(context.state.currentSession), options, totals, observer);
+  };
+  run(context, {"Counter result - this session", context.state.batchDescription, work});
+}
+
+void pasteCounterResult(CommandContext& context, std::string_view caption, std::string_view text) {
+  std::string block = "\r\n\r\n--- " + upperCase(caption) + " ---\r\n";
+  block.append(text).append(kLineEnd);
+  context.view.appendFilterText(block);
+}
+
+}  // namespace quorvel

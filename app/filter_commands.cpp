@@ -1,0 +1,190 @@
+#include "app/filter_commands.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "app/command_report.h"
+#include "app/file_choice.h"
+#include "app/filter_run.h"
+#include "app/session_sources.h"
+#include "app/tree_commands.h"
+#include "core/users_file.h"
+
+namespace quorvel {
+namespace {
+
+/// One of the commands that filter to a file.
+struct FileFilter {
+  std::string_view dialogFilter;
+  std::string_view dialogTitle;
+  std::function<SessionSource(UsersFile&)> sessions;
+  std::optional<std::string> key;  ///< what must not be empty
+  std::string_view keyName;        ///< as the message calls it
+};
+
+void showUsing(CommandContext& context) {
+  context.view.setStatusPanel(StatusPanel::Text, "Using " + context.state.logTitle);
+}
+
+void showFiltering(CommandContext& context) {
+  context.view.setStatusPanel(StatusPanel::Text, "Filtering " + context.state.logTitle);
+}
+
+/// The results file; empty when there is to be no output.
+std::filesystem::path chooseResultsFile(CommandContext& context, const FileFilter& command) {
+  const auto& state = context.state;
+  if (state.batchFlag) {
+    return refusesResultsFile(context, state.batchOutputFile) ? std::filesystem::path() : state.batchOutputFile;
+  }
+  FileRequest request;
+  request.title = command.dialogTitle;
+  request.filter = command.dialogFilter;
+  request.folder = state.resultsFile.empty() ? state.programFolder : state.resultsFile.parent_path();
+  request.asksBeforeOverwriting = true;
+  return chooseSavePath(context, request).value_or(std::filesystem::path());
+}
+
+/// Runs the filter and reports what went wrong with the results; trouble with the log only matters unattended.
+void writeBlocks(CommandContext& context, const LogFile* log, const SessionSource& sessions) {
+  ResultsFile results(context.files, context.state.resultsFile);
+  context.view.setProgressRange(0, log == nullptr ? 0 : log->length());
+  context.view.showProgress(true);
+  const Status read = filterIntoFile(context, log, sessions, results);
+  if (results.hasBlock()) (void)results.copyLastLines(context.state.filterFilePath());
+  context.view.showProgress(false);
+  if (!results.isOk()) reportFailure(context, results.status().error().sentence());
+  if (!read.isOk() && context.state.batchFlag) reportFailure(context, read.error().sentence());
+}
+
+/// Everything behind the choice of the results file.
+void filterIntoResultsFile(CommandContext& context, const FileFilter& command) {
+  auto& state = context.state;
+  auto log = LogFile::open(context.files, state.logPath);
+  if (!log.isOk() && state.batchFlag) return reportFailure(context, log.error().sentence());
+  auto users = UsersFile::open(context.files, state.usersFilePath());
+  if (context.settings.readNumber("OPTION-SAVE", "AppendWhenFilter") == 0) {
+    // Results are only given up where new ones can take their place.
+    if (!log.isOk()) return;
+    if (users.isOk() && context.files.Exist(state.resultsFile)) (void)context.files.remove(state.resultsFile);
+  }
+  if (command.key && command.key->empty()) {
+    const std::string text = "Exiting\r\nPlease click on a session with the current " + std::string(command.keyName);
+    return reportFailure(context, text);
+  }
+  if (!users.isOk()) {
+    // Unattended, a log without sessions leaves no users file.
+    if (!state.batchFlag) reportLostUsersFile(context);
+    return;
+  }
+  const SessionSource source = command.sessions(users.value());
+  writeBlocks(context, log.isOk() ? &log.value() : nullptr, source);
+}
+
+void filterToFile(CommandContext& context, const FileFilter& command) {
+  const auto path = chooseResultsFile(context, command);
+  if (path.empty()) return;
+  context.state.resultsFile = path;
+  showFiltering(context);
+  filterIntoResultsFile(context, command);
+  showUsing(context);
+}
+
+/// Every record read becomes the current session, chosen or not.
+std::function<SessionSource(UsersFile&)> readingAll(CommandContext& context,
+                                                    std::function<bool(const UserAct&)> isChosen) {
+  return [&context, isChosen = std::move(isChosen)](UsersFile& users) {
+    return chosenSessions(users, [&context, isChosen](const UserAct& record) {
+      context.state.currentSession = record;
+      return isChosen(record);
+    });
+  };
+}
+
+}  // namespace
+
+void writeFilterOptionsHeader(CommandContext& context) {
+  std::string text = "Filter options: ";
+  const auto add = [&](std::string_view key, char letter) {
+    if (context.settings.readNumber("OPTION-FILTER", key) == 1) text += letter;
+  };
+  add("AutoFilterSession", 'A');
+  add("FilterTransfers", 'T');
+  add("FilterDeletes", 'D');
+  add("FilterMDTM", 'M');
+  add("FilterSITE", 'S');
+  context.view.setStatusPanel(StatusPanel::FilterOptions, text);
+}
+
+void filterSession(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (guard && context.state.hasLog()) filterCurrentSession(context);
+}
+
+void filterCurrentSession(CommandContext& context) {
+  context.view.showBusyPointer(true);
+  showFiltering(context);
+  auto log = LogFile::open(context.files, context.state.logPath);
+  (void)filterIntoWindow(context, log.isOk() ? &log.value() : nullptr, context.state.currentSession);
+  showUsing(context);
+  context.view.showBusyPointer(false);
+}
+
+void filterAll(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard || !context.state.hasLog()) return;
+  filterToFile(context, {.dialogFilter = "Filtered logfile (all sessions)             (*.txt)|*.txt",
+                         .dialogTitle = "Save filter results (all sessions)",
+                         .sessions = readingAll(context, [](const UserAct&) { return true; }),
+                         .key = std::nullopt,
+                         .keyName = {}});
+}
+
+void filterIP(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard || !context.state.hasLog()) return;
+  const std::string ip = context.state.batchFlag ? context.state.BatchFilterIP : context.state.currentSession.IP;
+  filterToFile(context, {.dialogFilter = "Filtered logfile (selected IP)             (*.txt)|*.txt",
+                         .dialogTitle = "Save filter results (IP)",
+                         .sessions = readingAll(context, [ip](const UserAct& record) { return record.IP == ip; }),
+                         .key = ip,
+                         .keyName = "IP"});
+}
+
+void filterUser(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard || !context.state.hasLog()) return;
+  const std::string name = context.state.batchFlag ? context.state.BatchFilterUser : context.state.currentSession.Name;
+  filterToFile(context, {.dialogFilter = "Filtered logfile (selected user)             (*.txt)|*.txt",
+                         .dialogTitle = "Save filter results (user)",
+                         .sessions = readingAll(context, [name](const UserAct& record) { return record.Name == name; }),
+                         .key = name,
+                         .keyName = "user"});
+}
+
+void filterSelected(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard || !context.state.hasLog()) return;
+  if (!context.state.showsCheckBoxes) {
+    context.view.showMessage(
+        {"No checkboxes availible.\r\nEneable the checkboxes.\r\n"
+         "Preferences -> Options -> TreeView options",
+         Buttons::Ok,
+         {}});
+    return;
+  }
+  const auto sessions = [&context](UsersFile& users) -> SessionSource {
+    return [&context, next = checkedSessions(users, context.state.tree)] {
+      auto session = next();
+      if (session) context.state.currentSession = *session;
+      return session;
+    };
+  };
+  filterToFile(context, {.dialogFilter = "Filtered logfile (selected session(s))        (*.txt)|*.txt",
+                         .dialogTitle = "Save filter results (session)",
+                         .sessions = sessions,
+                         .key = context.state.currentSession.Name,
+                         .keyName = "user"});
+}
+
+}  // namespace quorvel

@@ -1,0 +1,159 @@
+#include "app/filter_run.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "app/session_sources.h"
+#include "core/text.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::size_t kShownPiece = 256 * 1024;
+constexpr std::string_view kNoMatch = "DID NOT FIND ANY MATCH FOR THE SELECTED FILTER(S)";
+
+/// The command filter when one of its options is 1, else null.
+std::unique_ptr<SessionFilter> makeCommandFilter(const Settings& settings) {
+  const auto option = [&settings](std::string_view key) { return settings.readNumber("OPTION-FILTER", key); };
+  const std::int32_t transfers = option("FilterTransfers");
+  const std::int32_t deletes = option("FilterDeletes");
+  const std::int32_t site = option("FilterSITE");
+  const std::int32_t mdtm = option("filterMDTM");
+  if (transfers != 1 && deletes != 1 && site != 1 && mdtm != 1) return nullptr;
+  return std::make_unique<CommandFilter>(CommandFilterOptions{transfers != 0, deletes != 0, site != 0, mdtm != 0});
+}
+
+class FilterRun final : public SessionLineConsumer {
+ public:
+  FilterRun(CommandContext& context, SessionFilter& filter, FilterTarget& target, bool showsProgress)
+      : m_context(context), m_filter(filter), m_target(target), m_showsProgress(showsProgress) {}
+
+  [[nodiscard]] bool hasRun() const { return m_hasRun; }
+
+  bool beginSession(const UserAct& session) override {
+    if (!std::exchange(m_hasRun, true)) m_context.view.setFilterText({});
+    if (session.Position == 0) return false;
+    if (!std::exchange(m_hasOutput, true)) deleteFilterFile();
+    m_target.beginSession(session);
+    m_filter.begin(session);
+    return m_target.isOk();
+  }
+  bool line(const SessionLine& line) override { return m_filter.line(line, m_target); }
+  void endSession(const UserAct& session) override {
+    if (session.Position != 0) m_target.endSession();
+  }
+  bool keepGoing(std::uint64_t position) override {
+    if (m_context.pacer.isDue()) {
+      m_target.flush();
+      if (m_showsProgress) m_context.view.setProgress(static_cast<std::int64_t>(position));
+      m_context.view.yield();
+    }
+    return !m_context.state.stopFlag && m_target.isOk();
+  }
+
+ private:
+  void deleteFilterFile() {
+    const auto path = m_context.state.filterFilePath();
+    if (m_context.files.Exist(path)) (void)m_context.files.remove(path);
+  }
+
+  CommandContext& m_context;
+  SessionFilter& m_filter;
+  FilterTarget& m_target;
+  bool m_showsProgress;
+  bool m_hasRun = false;
+  bool m_hasOutput = false;
+};
+
+/// Shows filtered lines in the filter window.
+class FilterWindowTarget final : public FilterTarget {
+ public:
+  explicit FilterWindowTarget(CommandContext& context) : m_context(context) {}
+
+  [[nodiscard]] bool hasShown() const { return m_hasShown; }
+
+  void beginSession(const UserAct&) override {}
+  void writeLine(std::string_view line) override {
+    if (line.size() >= kShownPiece) {
+      flush();
+      show(line);
+      line = {};
+    }
+    m_text.append(line).append(kLineEnd);
+    if (m_text.size() >= kShownPiece) flush();
+  }
+  void endSession() override { flush(); }
+  void flush() override {
+    show(m_text);
+    m_text.clear();
+  }
+  [[nodiscard]] bool isOk() const override { return true; }
+
+ private:
+  void show(std::string_view text) {
+    while (!text.empty() && !m_context.state.stopFlag) {
+      m_hasShown = true;
+      m_context.view.appendFilterText(text.substr(0, kShownPiece));
+      text.remove_prefix(std::min(kShownPiece, text.size()));
+      if (!text.empty() && m_context.pacer.isDue()) m_context.view.yield();
+    }
+  }
+
+  CommandContext& m_context;
+  std::string m_text;
+  bool m_hasShown = false;
+};
+
+void runWithoutLog(const SessionSource& sessions, FilterRun& run) {
+  for (auto session = sessions(); session; session = sessions()) {
+    run.beginSession(*session);
+    run.endSession(*session);
+    if (!run.keepGoing(0)) break;
+  }
+}
+
+struct FilterOutcome {
+  Status read;
+  bool hasRunCommandFilter = false;
+};
+
+FilterOutcome runFilter(CommandContext& context, const LogFile* log, const SessionSource& sessions,
+                        FilterTarget& target, bool showsProgress) {
+  const auto commandFilter = makeCommandFilter(context.settings);
+  EntireSessionFilter entireFilter;
+  FilterRun run(context, commandFilter ? *commandFilter : static_cast<SessionFilter&>(entireFilter), target,
+                showsProgress);
+  FilterOutcome outcome;
+  context.state.stopFlag = false;
+  if (log != nullptr) {
+    outcome.read = readSessionLines(*log, sessions, run);
+  } else if (commandFilter) {
+    runWithoutLog(sessions, run);
+  } else {
+    context.view.setFilterText({});
+  }
+  target.flush();
+  context.state.stopFlag = false;
+  outcome.hasRunCommandFilter = commandFilter && run.hasRun();
+  return outcome;
+}
+
+}  // namespace
+
+Status filterIntoWindow(CommandContext& context, const LogFile* log, const UserAct& session) {
+  FilterWindowTarget window(context);
+  const FilterOutcome outcome = runFilter(context, log, oneSession(session), window, false);
+  if (outcome.hasRunCommandFilter && !window.hasShown()) context.view.setFilterText(kNoMatch);
+  return outcome.read;
+}
+
+Status filterIntoFile(CommandContext& context, const LogFile* log, const SessionSource& sessions,
+                      ResultsFile& results) {
+  const FilterOutcome outcome = runFilter(context, log, sessions, results, true);
+  if (outcome.hasRunCommandFilter) context.view.setFilterText(kNoMatch);
+  return outcome.read;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,23 @@
+// Which sessions of the users file a command works on. All records are read one by one, never collected.
+#pragma once
+
+#include <functional>
+
+#include "core/session_lines.h"
+#include "core/user_act.h"
+#include "core/users_file.h"
+#include "tree/session_tree.h"
+
+namespace quorvel {
+
+/// All records in order for which isChosen answers true. It is asked for every record, once.
+[[nodiscard]] SessionSource chosenSessions(UsersFile& users, std::function<bool(const UserAct&)> isChosen);
+
+/// The first record of each ticked node, in node order; nodes without a record are passed over. users and tree must
+/// outlive the source.
+[[nodiscard]] SessionSource checkedSessions(UsersFile& users, const SessionTree& tree);
+
+/// Just this one.
+[[nodiscard]] SessionSource oneSession(const UserAct& session);
+
+}  // namespace quorvel

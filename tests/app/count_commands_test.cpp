@@ -1,0 +1,158 @@
+#include "app/count_commands.h"
+
+#include "tests/app/scanned_log.h"
+
+namespace quorvel::test {
+namespace {
+
+using Command = void (*)(CommandContext&);
+
+class CountCommandsTest : public ScannedLogTest {
+ protected:
+  CountCommandsTest() { set("CountBytes", "0"); }
+  void set(std::string_view key, std::string_view value) { settings.WriteSetting("OPTION-COUNTER", key, value); }
+  /// Caption and the four counts of the result shown, e.g. "all users: 1 1 1 0".
+  std::string resultOf(Command command) {
+    view.forgetCalls();
+    command(context);
+    const auto shown = view.callsStartingWith("counter result");
+    return shown.empty() ? "" : shortened(shown.back());
+  }
+  static std::string shortened(std::string_view call) {
+    std::string result(call.substr(0, call.find("\" \"")));
+    result.erase(0, std::string_view("counter result \"Counter result - ").size());
+    for (const std::string_view label : {"sends: ", "receives: ", "RETR errors: ", "STOR errors: "})
+      result += ' ' + std::string(1, call.at(call.find(label) + label.size()));
+    return result;
+  }
+};
+
+TEST_F(CountCommandsTest, EachCommandCountsItsSessions) {
+  click(kFirstSession);
+  state.tree.setChecked(kSecondSession, true);
+  state.tree.setChecked(kThirdSession, true);
+  EXPECT_EQ(resultOf(countAllTransfers), "all users 1 1 1 0");
+  EXPECT_EQ(resultOf(countIPTransfers), "IP: 10.0.0.5 1 0 1 0");
+  EXPECT_EQ(resultOf(countUsersTransfers), "username: alice 1 0 1 0");
+  EXPECT_EQ(resultOf(countSessionsTransfers), "this session 1 0 0 0");
+  EXPECT_EQ(resultOf(countSelectedSessions), "selected sessions 0 1 1 0");
+  state.tree.uncheckAll();
+  EXPECT_EQ(resultOf(countSelectedSessions), "selected sessions 0 0 0 0");
+}
+
+TEST_F(CountCommandsTest, TheClickedNodeDecidesWhateverWasReadSince) {
+  click(kSecondSession);
+  state.currentSession = {};
+  EXPECT_EQ(resultOf(countSessionsTransfers), "this session 0 1 0 0");
+  EXPECT_EQ(state.currentSession.Name, "bob");
+}
+
+TEST_F(CountCommandsTest, TheWindowShowsWhatIsGoingOn) {
+  set("CountBytes", "1");
+  countAllTransfers(context);
+  const auto calls = view.calls();
+  const std::vector<std::string> before(calls.begin(), calls.begin() + 6);
+  EXPECT_EQ(before, (std::vector<std::string>{"running on", "busy on", "status 1 \"Counting transfers\"",
+                                              "labels \"Current position:\" \"0\"", "progress on",
+                                              "progress range 0 " + std::to_string(logLines("").size())}));
+  const std::vector<std::string> after(calls.end() - 6, calls.end());
+  EXPECT_EQ(after,
+            (std::vector<std::string>{
+                "progress off", "busy off", "status 1 \"Displaying counter result\"",
+                "counter result \"Counter result - all users\" \"RETR - Server sends: 1 - (40960 bytes)\\r\\n"
+                "STOR - Server receives: 1 - (1024 bytes)\\r\\nTotal good transfers: 2 - (41984 bytes)\\r\\n\\r\\n"
+                "RETR errors: 1\\r\\nSTOR errors: 0\\r\\nTotal bad transfers: 1\"",
+                "status 1 \"Using Serv-U log file\"", "running off"}));
+}
+
+TEST_F(CountCommandsTest, MissingSessionIsExplained) {
+  EXPECT_EQ(resultOf(countIPTransfers), "");
+  EXPECT_EQ(message(), "Please click on a session with the current IP\r\nExiting");
+  EXPECT_EQ(resultOf(countUsersTransfers), "");
+  EXPECT_EQ(message(), "Please click on a session with the current user\r\nExiting");
+  EXPECT_EQ(view.status(StatusPanel::Text), "Using Serv-U log file");
+}
+
+TEST_F(CountCommandsTest, NothingHappensWithoutALog) {
+  state.logPath.clear();
+  for (const Command command :
+       {countAllTransfers, countSelectedSessions, countIPTransfers, countUsersTransfers, countSessionsTransfers})
+    EXPECT_EQ(resultOf(command), "");
+  EXPECT_TRUE(view.messages().empty());
+}
+
+TEST_F(CountCommandsTest, LostFilesCountAsNothingInTheWindow) {
+  click(kFirstSession);
+  std::filesystem::remove(state.usersFilePath());
+  EXPECT_EQ(resultOf(countUsersTransfers), "username: alice 0 0 0 0");
+  std::filesystem::remove(state.logPath);
+  EXPECT_EQ(resultOf(countAllTransfers), "all users 0 0 0 0");
+  EXPECT_TRUE(view.messages().empty());
+}
+
+TEST_F(CountCommandsTest, FailedTransfersGoToTheirFile) {
+  set("GetFilenameOnTransferError", "1");
+  countAllTransfers(context);
+  EXPECT_TRUE(folder.read("bad_trans.txt").ends_with("\r\n(000003) Error sending file C:\\c.zip\r\n"));
+}
+
+TEST_F(CountCommandsTest, StopShowsTheTotalsSoFar) {
+  view.atYield(view.yieldCount() + 1, [this] { state.stopFlag = true; });
+  EXPECT_NE(resultOf(countAllTransfers), "");
+  EXPECT_FALSE(state.stopFlag);
+}
+
+TEST_F(CountCommandsTest, BatchAppendsResultsToItsFile) {
+  startBatch();
+  countAllTransfers(context);
+  state.BatchCountUser = "bob";
+  state.batchDescription = "username: bob";
+  countUsersTransfers(context);
+  state.BatchCountIP = "10.0.0.5";
+  state.batchDescription = "IP: 10.0.0.5";
+  countIPTransfers(context);
+  std::string found;
+  for (const std::string_view part :
+       {"Counter results: All transfers", "sends: 1", "receives: 1", "Counter results: username: bob", "sends: 0",
+        "receives: 1", "Counter results: IP: 10.0.0.5", "sends: 1", "receives: 0", "RETR errors: 1"}) {
+    const std::string text = folder.read("out.txt");
+    const auto at = text.find(part, found.size());
+    ASSERT_NE(at, std::string::npos) << part;
+    found = text.substr(0, at + part.size());
+  }
+  EXPECT_TRUE(view.callsStartingWith("counter result").empty());
+  EXPECT_FALSE(state.batchFailed);
+}
+
+TEST_F(CountCommandsTest, BatchFailsForFilesItCannotUse) {
+  const auto failsNaming = [this](std::string_view name) {
+    const std::size_t told = view.messages().size();
+    state.batchFailed = false;
+    countAllTransfers(context);
+    EXPECT_TRUE(state.batchFailed) << name;
+    EXPECT_EQ(view.messages().size(), told + 1) << name;
+    EXPECT_NE(message().find(name), std::string::npos);
+  };
+  startBatch();
+  state.batchOutputFile = folder / "missing" / "out.txt";
+  failsNaming("out.txt");
+  state.batchOutputFile = state.logPath;
+  failsNaming("a.log");
+  EXPECT_EQ(folder.read("a.log"), logLines(""));
+  state.batchOutputFile = folder / "out.txt";
+  std::filesystem::remove(state.logPath);
+  failsNaming("a.log");
+  EXPECT_FALSE(folder.has("out.txt"));
+}
+
+TEST_F(CountCommandsTest, PastedResultsFollowTheFilterText) {
+  view.setFilterText("old");
+  pasteCounterResult(context, "Counter result - username: J\xF8rgen\xDF", "RETR\r\nSTOR");
+  pasteCounterResult(context, "ip", "x");
+  EXPECT_EQ(
+      view.filterText(),
+      "old\r\n\r\n--- COUNTER RESULT - USERNAME: J\xD8RGEN\xDF ---\r\nRETR\r\nSTOR\r\n\r\n\r\n--- IP ---\r\nx\r\n");
+}
+
+}  // namespace
+}  // namespace quorvel::test

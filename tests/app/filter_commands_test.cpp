@@ -1,0 +1,266 @@
+#include "app/filter_commands.h"
+
+#include "filter/results_file.h"
+#include "tests/app/scanned_log.h"
+
+namespace quorvel::test {
+namespace {
+
+constexpr const char* kNoMatch = "DID NOT FIND ANY MATCH FOR THE SELECTED FILTER(S)";
+using Command = void (*)(CommandContext&);
+
+class FilterCommandsTest : public ScannedLogTest {
+ protected:
+  void set(std::string_view key, std::string_view value) { settings.WriteSetting("OPTION-FILTER", key, value); }
+  void replaceResults() { settings.WriteSetting("OPTION-SAVE", "AppendWhenFilter", "0"); }
+  void filterToFile(Command command) {
+    view.chooseSave(folder / "out.txt");
+    command(context);
+  }
+  /// What a whole session looks like in the results file.
+  [[nodiscard]] std::string block(std::int32_t recordNumber) const { return block(recordNumber, lines(recordNumber)); }
+  [[nodiscard]] std::string block(std::int32_t recordNumber, const std::string& filtered) const {
+    auto users = UsersFile::open(systemFiles(), state.usersFilePath());
+    return sessionBlockHeader(users.value().read(recordNumber).value()) + filtered + "\r\n\r\n\r\n\r\n";
+  }
+  static std::string lines(std::int32_t number) { return logLines("(00000" + std::to_string(number) + ")"); }
+};
+
+TEST_F(FilterCommandsTest, HeaderShowsTheOptionsThatAreOn) {
+  writeFilterOptionsHeader(context);
+  EXPECT_EQ(view.status(StatusPanel::FilterOptions), "Filter options: A");
+  for (const char* key : {"FilterTransfers", "FilterDeletes", "FilterMDTM", "FilterSITE"})
+    set(key, "1");
+  set("AutoFilterSession", "0");
+  writeFilterOptionsHeader(context);
+  EXPECT_EQ(view.status(StatusPanel::FilterOptions), "Filter options: TDMS");
+}
+
+TEST_F(FilterCommandsTest, SessionIsShownInTheFilterWindow) {
+  folder.write("filter.qva", "of an earlier run");
+  click(kSecondSession);
+  filterSession(context);
+  EXPECT_EQ(view.filterText(), lines(2));
+  EXPECT_FALSE(folder.has("filter.qva"));
+  EXPECT_EQ(view.callsStartingWith("busy"), (std::vector<std::string>{"busy on", "busy off"}));
+  EXPECT_EQ(view.callsStartingWith("status"),
+            (std::vector<std::string>{"status 1 \"Filtering a.log\"", "status 1 \"Using a.log\""}));
+}
+
+TEST_F(FilterCommandsTest, CommandFilterTellsWhenItFoundNothing) {
+  set("FilterTransfers", "1");
+  click(kSecondSession);
+  filterSession(context);
+  EXPECT_EQ(view.filterText(), logLines("(000002) STOR") + logLines("(000002) Received") + "\r\n");
+  click(kThirdSession);
+  filterSession(context);
+  EXPECT_EQ(view.filterText(), kNoMatch);
+}
+
+TEST_F(FilterCommandsTest, SessionWithoutPositionShowsNothing) {
+  view.setFilterText("old");
+  filterSession(context);
+  EXPECT_EQ(view.filterText(), "");
+  set("FilterSITE", "1");
+  filterSession(context);
+  EXPECT_EQ(view.filterText(), kNoMatch);
+}
+
+TEST_F(FilterCommandsTest, ClickFiltersWithAutoFilterOn) {
+  clickNode(context, kFirstSession);
+  EXPECT_EQ(view.filterText(), lines(1));
+}
+
+TEST_F(FilterCommandsTest, AllSessionsAreAppended) {
+  filterToFile(filterAll);
+  const std::string all = block(1) + block(2) + block(3);
+  EXPECT_EQ(folder.read("out.txt"), all);
+  EXPECT_EQ(folder.read("filter.qva"), lines(3));
+  EXPECT_EQ(state.currentSession.LogonNo, 3);
+  EXPECT_EQ(view.status(StatusPanel::Text), "Using a.log");
+  EXPECT_FALSE(view.isProgressVisible());
+  EXPECT_EQ(view.filterText(), "");
+  filterToFile(filterAll);
+  EXPECT_EQ(folder.read("out.txt"), all + all);
+  replaceResults();
+  filterToFile(filterAll);
+  EXPECT_EQ(folder.read("out.txt"), all);
+}
+
+TEST_F(FilterCommandsTest, CommandFilterLeavesItsMessageAfterResultsToo) {
+  set("FilterTransfers", "1");
+  filterToFile(filterAll);
+  EXPECT_EQ(folder.read("out.txt"), block(1, logLines("(000001) RETR") + logLines("(000001) Sent") + "\r\n") +
+                                        block(2, logLines("(000002) STOR") + logLines("(000002) Received") + "\r\n") +
+                                        block(3, ""));
+  EXPECT_EQ(view.filterText(), kNoMatch);
+}
+
+TEST_F(FilterCommandsTest, IpAndUserChooseBySession) {
+  click(kFirstSession);
+  filterToFile(filterIP);
+  EXPECT_EQ(folder.read("out.txt"), block(1) + block(3));
+  replaceResults();
+  click(kSecondSession);
+  filterToFile(filterUser);
+  EXPECT_EQ(folder.read("out.txt"), block(2));
+  EXPECT_EQ(state.currentSession.LogonNo, 3) << "the last record read";
+}
+
+TEST_F(FilterCommandsTest, SelectedSessionsFollowTheNodes) {
+  state.showsCheckBoxes = true;
+  click(kFirstSession);
+  for (const std::int32_t node : {kThirdSession, kSecondSession, kBobNode})
+    state.tree.setChecked(node, true);
+  filterToFile(filterSelected);
+  EXPECT_EQ(folder.read("out.txt"), block(2) + block(3));
+}
+
+TEST_F(FilterCommandsTest, SelectedSessionsAreSearchedWhereTheTreeIsNotOfThisFile) {
+  state.showsCheckBoxes = true;
+  click(kFirstSession);
+  state.tree.setChecked(kThirdSession, true);
+  auto users = UsersFile::open(systemFiles(), state.usersFilePath(), OpenMode::ReadWrite);
+  users.value().setTreeIndex(3, 0);
+  users.value().setTreeIndex(1, kThirdSession);
+  ASSERT_TRUE(users.value().flush().isOk());
+  filterToFile(filterSelected);
+  EXPECT_EQ(folder.read("out.txt"), block(1));
+}
+
+TEST_F(FilterCommandsTest, MissingChoicesAreExplained) {
+  struct Case {
+    Command command;
+    bool showsCheckBoxes;
+    bool asks;
+    const char* text;
+  };
+  const Case cases[] = {
+      {filterIP, false, true, "Exiting\r\nPlease click on a session with the current IP"},
+      {filterUser, false, true, "Exiting\r\nPlease click on a session with the current user"},
+      {filterSelected, true, true, "Exiting\r\nPlease click on a session with the current user"},
+      {filterSelected, false, false,
+       "No checkboxes availible.\r\nEneable the checkboxes.\r\nPreferences -> Options -> TreeView options"},
+  };
+  for (const Case& c : cases) {
+    const std::size_t asked = view.fileRequests().size();
+    state.showsCheckBoxes = c.showsCheckBoxes;
+    filterToFile(c.command);
+    EXPECT_EQ(message(), c.text);
+    EXPECT_EQ(view.fileRequests().size() - asked, c.asks ? 1u : 0u);
+    EXPECT_FALSE(folder.has("out.txt"));
+  }
+  EXPECT_EQ(view.status(StatusPanel::Text), "Using a.log");
+  EXPECT_EQ(view.messages().size(), 4u);
+}
+
+TEST_F(FilterCommandsTest, DialogsCarryTheirTexts) {
+  state.showsCheckBoxes = true;
+  for (const Command command : {filterAll, filterIP, filterUser, filterSelected})
+    command(context);
+  std::vector<std::string> texts;
+  for (const FileRequest& request : view.fileRequests())
+    texts.push_back(request.title + ": " + request.filter);
+  EXPECT_EQ(texts, (std::vector<std::string>{
+                       "Save filter results (all sessions): Filtered logfile (all sessions)             (*.txt)|*.txt",
+                       "Save filter results (IP): Filtered logfile (selected IP)             (*.txt)|*.txt",
+                       "Save filter results (user): Filtered logfile (selected user)             (*.txt)|*.txt",
+                       "Save filter results (session): Filtered logfile (selected session(s))        (*.txt)|*.txt"}));
+  EXPECT_TRUE(view.messages().empty()) << "cancelling is silent";
+  view.answerSave({FileChoice::Outcome::Failed, {}, 1, "No disk", 71});
+  filterAll(context);
+  EXPECT_EQ(message(), "Error 71 selecting file.\r\nNo disk");
+}
+
+TEST_F(FilterCommandsTest, ResultsNeverReplaceWhatTheProgramNeeds) {
+  replaceResults();
+  for (const char* name : {"a.log", "quorvel.ini", "users.qva", "filter.qva"}) {
+    const std::string before = folder.read(name);
+    const std::size_t told = view.messages().size();
+    view.chooseSave(folder / name);
+    filterAll(context);
+    EXPECT_EQ(folder.read(name), before);
+    EXPECT_EQ(view.messages().size(), told + 1) << name;
+    EXPECT_NE(message().find(name), std::string::npos);
+  }
+}
+
+TEST_F(FilterCommandsTest, KeepsOldResultsWhereThereAreNoNewOnes) {
+  replaceResults();
+  folder.write("out.txt", "old");
+  std::filesystem::rename(folder / "a.log", folder / "b.log");
+  filterToFile(filterAll);
+  EXPECT_TRUE(view.messages().empty());
+  startBatch();
+  filterAll(context);
+  EXPECT_TRUE(state.batchFailed);
+  EXPECT_EQ(view.messages().size(), 1u);
+  EXPECT_NE(message().find("a.log"), std::string::npos);
+
+  state.batchFlag = false;
+  std::filesystem::rename(folder / "b.log", folder / "a.log");
+  std::filesystem::remove(state.usersFilePath());
+  filterToFile(filterAll);
+  EXPECT_TRUE(message().starts_with("Lost file: users.qva\r\n"));
+  EXPECT_EQ(folder.read("out.txt"), "old");
+}
+
+TEST_F(FilterCommandsTest, MissingLogLeavesBlocksOfTheCommandFilterEmpty) {
+  std::filesystem::remove(state.logPath);
+  filterToFile(filterAll);
+  EXPECT_FALSE(folder.has("out.txt"));
+  set("FilterTransfers", "1");
+  filterToFile(filterAll);
+  EXPECT_EQ(folder.read("out.txt"), block(1, "") + block(2, "") + block(3, ""));
+}
+
+TEST_F(FilterCommandsTest, BatchUsesItsOwnKeysAndFile) {
+  startBatch();
+  state.BatchFilterIP = "10.0.0.6";
+  filterIP(context);
+  EXPECT_EQ(folder.read("out.txt"), block(2));
+  state.BatchFilterUser = "alice";
+  filterUser(context);
+  EXPECT_EQ(folder.read("out.txt"), block(2) + block(1) + block(3));
+  EXPECT_TRUE(view.fileRequests().empty());
+  EXPECT_TRUE(view.messages().empty());
+  EXPECT_FALSE(state.batchFailed);
+}
+
+TEST_F(FilterCommandsTest, ResultsThatCannotBeWrittenAreReportedOnce) {
+  startBatch();
+  state.batchOutputFile = folder / "missing" / "out.txt";
+  filterAll(context);
+  EXPECT_TRUE(state.batchFailed);
+  ASSERT_EQ(view.messages().size(), 1u);
+  EXPECT_NE(message().find("out.txt"), std::string::npos);
+}
+
+TEST_F(FilterCommandsTest, StopEndsTheCommandWithCompleteLines) {
+  std::string seen;
+  const int before = view.yieldCount();
+  view.atYield(before + 1, [&] {
+    seen = folder.read("out.txt");
+    state.stopFlag = true;
+    filterAll(context);  // commands do not nest
+  });
+  filterToFile(filterAll);
+  EXPECT_TRUE(seen.ends_with("\r\n")) << seen;
+  EXPECT_TRUE((block(1) + block(2) + block(3)).starts_with(seen));
+  EXPECT_FALSE(state.stopFlag);
+  EXPECT_EQ(view.yieldCount(), before + 1);
+  EXPECT_EQ(view.fileRequests().size(), 1u);
+  EXPECT_LT(folder.read("out.txt").size(), (block(1) + block(2) + block(3)).size());
+}
+
+TEST_F(FilterCommandsTest, LongTextReachesTheWindowInPieces) {
+  const std::string huge(3'000'000, 'x');
+  folder.write("a.log", logLines("(000001) Connected") + "(000001) " + huge + "\r\n");
+  click(kFirstSession);
+  filterSession(context);
+  EXPECT_EQ(view.filterText(), logLines("(000001) Connected") + "(000001) " + huge + "\r\n");
+  EXPECT_GT(view.callsStartingWith("filter append").size(), 5u);
+}
+
+}  // namespace
+}  // namespace quorvel::test

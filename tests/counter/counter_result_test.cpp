@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
-#include <regex>
 
 #include "counter/bad_transfers.h"
 #include "tests/support/temp_folder.h"
@@ -56,10 +56,13 @@ TEST(BadTransfers, WritesOneHeaderForEachRun) {
     bad.LogBadTransfer("short Error sending ", {0, 0, 1, 0, 0, 0});
     bad.LogBadTransfer(line, {0, 0, 0, 1, 0, 0});
   }
-  const std::regex expected(
-      "old\r\n\r\n\r\nCounter ran at:    Date: \\d{4}-\\d\\d-\\d\\d    Time: \\d\\d:\\d\\d:\\d\\d\r\n-{52}\r\n"
-      "\\(000001\\) Error sending file C:\\\\c.zip\r\n\r\n\\(000001\\) Error sending file C:\\\\c.zip\r\n");
-  EXPECT_TRUE(std::regex_match(folder.read("bad.txt"), expected)) << folder.read("bad.txt");
+  std::string text = folder.read("bad.txt");
+  const auto ruleAt = static_cast<std::ptrdiff_t>(std::min(text.find("---"), text.size()));
+  std::replace_if(
+      text.begin(), text.begin() + ruleAt, [](char c) { return c >= '0' && c <= '9'; }, '9');
+  const std::string entry = "(000001) Error sending file C:\\c.zip\r\n";
+  EXPECT_EQ(text, "old\r\n\r\n\r\nCounter ran at:    Date: 9999-99-99    Time: 99:99:99\r\n" + std::string(52, '-') +
+                      "\r\n" + entry + "\r\n" + entry);
 }
 
 }  // namespace

@@ -42,9 +42,7 @@ TEST_F(FilterCommandsTest, SessionIsShownInTheFilterWindow) {
   filterSession(context);
   EXPECT_EQ(view.filterText(), lines(2));
   EXPECT_FALSE(folder.has("filter.qva"));
-  EXPECT_EQ(view.callsStartingWith("busy"), (std::vector<std::string>{"busy on", "busy off"}));
-  EXPECT_EQ(view.callsStartingWith("status"),
-            (std::vector<std::string>{"status 1 \"Filtering a.log\"", "status 1 \"Using a.log\""}));
+  EXPECT_EQ(view.status(StatusPanel::Text), "Using a.log");
 }
 
 TEST_F(FilterCommandsTest, CommandFilterTellsWhenItFoundNothing) {
@@ -152,24 +150,6 @@ TEST_F(FilterCommandsTest, MissingChoicesAreExplained) {
   }
   EXPECT_EQ(view.status(StatusPanel::Text), "Using a.log");
   EXPECT_EQ(view.messages().size(), 4u);
-}
-
-TEST_F(FilterCommandsTest, DialogsCarryTheirTexts) {
-  state.showsCheckBoxes = true;
-  for (const Command command : {filterAll, filterIP, filterUser, filterSelected})
-    command(context);
-  std::vector<std::string> texts;
-  for (const FileRequest& request : view.fileRequests())
-    texts.push_back(request.title + ": " + request.filter);
-  EXPECT_EQ(texts, (std::vector<std::string>{
-                       "Save filter results (all sessions): Filtered logfile (all sessions)             (*.txt)|*.txt",
-                       "Save filter results (IP): Filtered logfile (selected IP)             (*.txt)|*.txt",
-                       "Save filter results (user): Filtered logfile (selected user)             (*.txt)|*.txt",
-                       "Save filter results (session): Filtered logfile (selected session(s))        (*.txt)|*.txt"}));
-  EXPECT_TRUE(view.messages().empty()) << "cancelling is silent";
-  view.answerSave({FileChoice::Outcome::Failed, {}, 1, "No disk", 71});
-  filterAll(context);
-  EXPECT_EQ(message(), "Error 71 selecting file.\r\nNo disk");
 }
 
 TEST_F(FilterCommandsTest, ResultsNeverReplaceWhatTheProgramNeeds) {

@@ -121,6 +121,7 @@ TEST_F(FilterCommandsTest, SelectedSessionsAreSearchedWhereTheTreeIsNotOfThisFil
   auto users = UsersFile::open(systemFiles(), state.usersFilePath(), OpenMode::ReadWrite);
   users.value().setTreeIndex(3, 0);
   users.value().setTreeIndex(1, kThirdSession);
+  users.value().setTreeIndex(2, kThirdSession);
   ASSERT_TRUE(users.value().flush().isOk());
   filterToFile(filterSelected);
   EXPECT_EQ(folder.read("out.txt"), block(1));

@@ -17,8 +17,8 @@ constexpr std::string_view kUsage = R"(Quorvel analyzer - command line reference
 LOG      the server's log file. It is only ever read.
 CODE     what to do, one or more of the numbers below.
 VALUE    what the code in front of it asks for.
-OUTPUT   the text file that takes the results. The last argument is always
-         taken as its name, whatever it is, so do not leave it out.
+OUTPUT   the text file that takes the results, always the last argument. Every
+         code but 100 needs it.
 
 Codes, in the order in which they run
 
@@ -54,12 +54,14 @@ Arguments are separated by blanks and tabs, and quotation marks do not keep
 them together: file names, user names and addresses with blanks in them cannot
 be given. Link or copy such a log to a name without blanks first.
 
-A log or output file given without a folder lies in the program folder. That
-is the folder of the program itself, or, where that one cannot be written, the
-folder quorvel in your data folder ($XDG_DATA_HOME or ~/.local/share, on
-Windows %LOCALAPPDATA%). Set the environment variable QUORVEL_HOME to use
-another folder. A name counts as complete when it contains ":" or starts with
-a separator.
+A log given without a folder lies in the program folder, an output file given
+without one in the current folder. A name of the log counts as complete when
+it contains ":" or starts with a separator.
+
+The program folder holds the settings and working files. It is the folder of
+the program itself, or, where that one cannot be written, the folder quorvel
+in your data folder ($XDG_DATA_HOME or ~/.local/share, on Windows
+%LOCALAPPDATA%). Set the environment variable QUORVEL_HOME to use another one.
 
 Settings
 
@@ -84,8 +86,8 @@ written with its defaults by the first run.
 Exit status
 
   0  every code has run
-  1  the log cannot be read, the output file cannot be written, or a code has
-     no value behind it; one line on standard error says which
+  1  the log cannot be read, the output file is missing or cannot be written,
+     or a code has no value behind it; one line on standard error says which
 
 Further files in the program folder: users.qva holds the sessions found and
 is deleted at the end, bad_trans.txt lists failed transfers, error.log tells

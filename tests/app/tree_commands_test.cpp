@@ -4,9 +4,7 @@
 
 #include <random>
 
-#include "core/users_file.h"
-#include "tests/support/recording_view.h"
-#include "tests/support/temp_folder.h"
+#include "tests/app/scanned_log.h"
 
 namespace quorvel::test {
 namespace {
@@ -168,6 +166,16 @@ TEST_F(TreeCommandsTest, AClickReportsALostUsersFile) {
   clickNode(context, 2);
   EXPECT_EQ(view.userInfo(), "") << "an empty file has no session to show";
   EXPECT_EQ(view.messages().size(), 1u);
+}
+
+using AutoFilterTest = ScannedLogTest;
+
+TEST_F(AutoFilterTest, AClickFiltersTheSessionForTheValueOneOnly) {
+  for (const std::string value : {"0", "2", "1"}) {
+    settings.WriteSetting("OPTION-FILTER", "AutoFilterSession", value);
+    clickNode(context, kSecondSession);
+    EXPECT_EQ(view.filterText(), value == "1" ? logLines("(000002)") : "") << value;
+  }
 }
 
 /// The rule of a click as it is told: read record after record.

@@ -1,0 +1,360 @@
+// Makes a server's log of any size to measure the program with.
+//
+//   make_log SIZE SEED > FILE
+//   make_log --size SIZE [--seed SEED] [--shape SHAPE] [FILE]
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::string_view kUsage =
+    "Usage: make_log SIZE SEED > FILE\n"
+    "       make_log --size SIZE [--seed SEED] [--shape SHAPE] [FILE]\n"
+    "\n"
+    "Writes a log of SIZE bytes (K, M and G stand for powers of 1024), the last line left whole.\n"
+    "The same size, seed (0) and shape make the same log. Shapes:\n"
+    "  usual         overlapping sessions of 13 users, 14 lines each, numbers counting up\n"
+    "  never-close   the same, but no session ever ends\n"
+    "  one-number    the same as usual, but all sessions have the same number\n"
+    "  connect-only  connect lines and nothing else\n"
+    "  one-line      the same as usual without any line end\n";
+
+enum class Shape {
+  Usual,
+  NeverClose,
+  OneNumber,
+  ConnectOnly,
+  OneLine
+};
+
+constexpr std::array kShapeNames = {"usual"sv, "never-close"sv, "one-number"sv, "connect-only"sv, "one-line"sv};
+
+struct Options {
+  std::uint64_t size = 0;
+  std::uint64_t seed = 0;
+  Shape shape = Shape::Usual;
+  std::string file;  ///< empty: standard output
+};
+
+constexpr std::array kUsers = {"alice"sv, "bob"sv,    "carol"sv, "dave"sv,    "erik"sv,  "frank"sv,    "grace"sv,
+                               "heidi"sv, "ingrid"sv, "judy"sv,  "mallory"sv, "oscar"sv, "anonymous"sv};
+constexpr std::array kFolders = {"pub/manuals/english/2005/january/for-the-workshop/second-edition"sv,
+                                 "incoming/scans/department-of-archives/not-yet-sorted/shelf-117"sv,
+                                 "projects/harbour/drawings/version-12/approved-by-the-council/plans"sv,
+                                 "home/shared/photographs/summer/opening-of-the-new-bridge/originals"sv};
+constexpr std::array kSuffixes = {".zip"sv, ".tif"sv, ".doc"sv, ".tar.gz"sv};
+
+/// One session in the middle of its fourteen lines.
+struct Session {
+  std::array<char, 8> number{};
+  std::string_view user;
+  std::string address;
+  std::string path;
+  std::uint32_t bytes = 0;
+  int step = 0;
+  bool isUpload = false;
+  bool isFailing = false;
+  bool isRefused = false;
+};
+
+class LogMaker {
+ public:
+  explicit LogMaker(const Options& options) : m_options(options), m_random(options.seed), m_sessions(kMostOpen) {
+    m_stamp = "Sat 01Jan05 00:00:00";
+  }
+
+  /// Appends one line to text.
+  void addLine(std::string& text) {
+    passTime();
+    Session& session = m_sessions[below(kMostOpen)];
+    if (session.step == 0) begin(session);
+    head(text, levelOf(session.step), session.number);
+    event(text, session);
+    text += m_options.shape == Shape::OneLine ? "  "sv : "\r\n"sv;
+    advance(session);
+  }
+
+ private:
+  static constexpr std::size_t kMostOpen = 22;
+  static constexpr int kLinesPerSession = 14;
+
+  std::uint64_t random() {  // splitmix64
+    std::uint64_t value = m_random += 0x9E3779B97F4A7C15u;
+    value = (value ^ (value >> 30)) * 0xBF58476D1CE4E5B9u;
+    value = (value ^ (value >> 27)) * 0x94D049BB133111EBu;
+    return value ^ (value >> 31);
+  }
+  std::size_t below(std::size_t count) { return ((random() >> 32) * count) >> 32; }
+
+  void begin(Session& session) {
+    if (m_options.shape != Shape::OneNumber || m_lastNumber == 0) m_lastNumber = m_lastNumber % 999999 + 1;
+    session.number = {'(', '0', '0', '0', '0', '0', '0', ')'};
+    std::uint32_t rest = m_lastNumber;
+    for (std::size_t at = 6; rest > 0; --at, rest /= 10)
+      session.number[at] = static_cast<char>('0' + rest % 10);
+    session.user = kUsers[below(kUsers.size())];
+    session.address.assign("198.51.100.").append(std::to_string(1 + below(254)));
+    session.path.assign(kFolders[below(kFolders.size())]).append("/file-").append(std::to_string(below(1000000)));
+    session.path.append(kSuffixes[below(kSuffixes.size())]);
+    session.bytes = 1024 + static_cast<std::uint32_t>(below(1 << 22));
+    session.isUpload = below(4) == 0;
+    session.isFailing = below(25) == 0;
+    session.isRefused = below(25) == 0;
+  }
+
+  void advance(Session& session) {
+    const bool neverCloses = m_options.shape == Shape::NeverClose;
+    const int last = m_options.shape == Shape::ConnectOnly ? 1 : kLinesPerSession - (neverCloses ? 2 : 0);
+    ++session.step;
+    if (session.isRefused && session.step == 6) session.step = neverCloses ? last : 12;
+    if (session.step >= last) session.step = 0;
+  }
+
+  static char levelOf(int step) {
+    constexpr std::string_view kLevels = "26262562266625";
+    return kLevels[static_cast<std::size_t>(step)];
+  }
+
+  void head(std::string& text, char level, const std::array<char, 8>& number) const {
+    text.append("[").append(1, level).append("] ").append(m_stamp).append(" - ");
+    text.append(number.data(), number.size()).append(" ");
+  }
+
+  void event(std::string& text, const Session& session) const {
+    switch (session.step) {
+      case 0:
+        text.append("Connected to ").append(session.address).append(" (Local address 192.0.2.1)");
+        break;
+      case 1:
+        text.append(
+            "220 File server of the harbour office. Please log in with the name you were given; "
+            "guests use the name anonymous and their mail address.");
+        break;
+      case 2:
+        text.append("USER ").append(session.user);
+        break;
+      case 3:
+        text.append("331 User name okay, need password.");
+        break;
+      case 4:
+        text.append("PASS xxxxx");
+        break;
+      case 5:
+        logon(text, session);
+        break;
+      case 6:
+        text.append(
+            "230 User logged in, proceed. Files are kept for thirty days and then removed without "
+            "further notice.");
+        break;
+      case 7:
+        text.append("PORT 198,51,100,7,").append(std::to_string(4 + session.bytes % 16)).append(",31");
+        break;
+      case 13:
+        text.append("Closing connection for user ").append(session.user).append(" (00:01:08 connected)");
+        break;
+      default:
+        transfer(text, session);
+        break;
+    }
+  }
+
+  static void logon(std::string& text, const Session& session) {
+    if (session.isRefused) {
+      text.append("530 Not logged in - password incorrect.");
+    } else {
+      text.append(session.user == "anonymous" ? "" : "User ").append(session.user).append(" logged in");
+    }
+  }
+
+  static void transfer(std::string& text, const Session& session) {
+    const std::string bytes = std::to_string(session.bytes);
+    switch (session.step) {
+      case 8:
+        text.append(session.isUpload ? "STOR /" : "RETR /").append(session.path);
+        break;
+      case 9:
+        text.append("150 Opening BINARY mode data connection for /").append(session.path);
+        text.append(" (").append(bytes).append(" bytes).");
+        break;
+      case 10:
+        result(text, session, bytes);
+        break;
+      case 11:
+        text.append(session.isFailing ? "426 Data connection closed, transfer aborted." : "226 Transfer complete.");
+        break;
+      default:
+        text.append("QUIT");
+        break;
+    }
+  }
+
+  static void result(std::string& text, const Session& session, const std::string& bytes) {
+    const std::string_view good = session.isUpload ? "Received file " : "Sent file ";
+    const std::string_view bad = session.isUpload ? "Error receiving file " : "Error sending file ";
+    text.append(session.isFailing ? bad : good).append("D:\\ftp\\").append(session.path);
+    text.append(session.isFailing ? ", aborted (" : " successfully (");
+    text.append(std::to_string(session.bytes % 97)).append(".5 Kb/sec - ").append(bytes).append(" bytes)");
+  }
+
+  /// A second passes every three lines or so.
+  void passTime() {
+    if (below(3) != 0) return;
+    ++m_second;
+    number(12, m_second / 3600 % 24);
+    number(15, m_second / 60 % 60);
+    number(18, m_second % 60);
+    if (m_second % 86400 == 0) nextDay();
+  }
+
+  void number(std::size_t at, std::uint64_t value) {
+    m_stamp[at] = static_cast<char>('0' + value / 10);
+    m_stamp[at + 1] = static_cast<char>('0' + value % 10);
+  }
+
+  void nextDay() {
+    constexpr std::string_view kDays = "SatSunMonTueWedThuFri";
+    constexpr std::string_view kMonths = "JanFebMarAprMayJunJulAugSepOctNovDec";
+    constexpr std::array kLengths = {31u, 28u, 31u, 30u, 31u, 30u, 31u, 31u, 30u, 31u, 30u, 31u};
+    const bool isLeapFebruary = m_month == 1 && m_year % 4 == 0;
+    if (++m_day > kLengths[m_month] + (isLeapFebruary ? 1 : 0)) {
+      m_day = 1;
+      m_month = (m_month + 1) % kLengths.size();
+      if (m_month == 0) m_year = (m_year + 1) % 100;
+    }
+    m_stamp.replace(0, 3, kDays.substr(m_second / 86400 % 7 * 3, 3));
+    number(4, m_day);
+    m_stamp.replace(6, 3, kMonths.substr(m_month * 3, 3));
+    number(9, m_year);
+  }
+
+  const Options m_options;
+  std::uint64_t m_random;
+  std::vector<Session> m_sessions;
+  std::uint32_t m_lastNumber = 0;
+  std::uint64_t m_second = 0;
+  std::uint32_t m_day = 1;
+  std::size_t m_month = 0;
+  std::uint32_t m_year = 5;
+  std::string m_stamp;
+};
+
+std::optional<std::uint64_t> parseNumber(std::string_view text) {
+  std::uint64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+std::optional<std::uint64_t> parseSize(std::string_view text) {
+  constexpr std::string_view kUnits = "KMG";
+  std::uint64_t unit = 1;
+  if (!text.empty()) {
+    const auto power = kUnits.find(static_cast<char>(std::toupper(static_cast<unsigned char>(text.back()))));
+    if (power != std::string_view::npos) {
+      unit = std::uint64_t{1} << (10 * (power + 1));
+      text.remove_suffix(1);
+    }
+  }
+  const auto value = parseNumber(text);
+  if (!value || *value > (std::uint64_t{1} << 50) / unit) return std::nullopt;
+  return *value * unit;
+}
+
+std::optional<Shape> parseShape(std::string_view text) {
+  for (std::size_t i = 0; i < kShapeNames.size(); ++i)
+    if (kShapeNames[i] == text) return static_cast<Shape>(i);
+  return std::nullopt;
+}
+
+/// Takes one option's value; false, with a line on standard error, when it makes no sense.
+bool takeOption(std::string_view name, std::string_view value, Options& options) {
+  const auto number = name == "--size" ? parseSize(value) : parseNumber(value);
+  const auto shape = parseShape(value);
+  if (name == "--size" && number) {
+    options.size = *number;
+  } else if (name == "--seed" && number) {
+    options.seed = *number;
+  } else if (name == "--shape" && shape) {
+    options.shape = *shape;
+  } else {
+    std::fprintf(stderr, "make_log: \"%.*s\" is no value for %.*s.\n", static_cast<int>(value.size()), value.data(),
+                 static_cast<int>(name.size()), name.data());
+    return false;
+  }
+  return true;
+}
+
+bool isOption(std::string_view text) {
+  return text == "--size" || text == "--seed" || text == "--shape";
+}
+
+std::optional<Options> parseArguments(const std::vector<std::string_view>& arguments) {
+  Options options;
+  bool hasSize = false;
+  std::vector<std::string_view> plain;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (!isOption(arguments[i])) {
+      plain.push_back(arguments[i]);
+      continue;
+    }
+    hasSize = hasSize || arguments[i] == "--size";
+    const std::string_view value = i + 1 < arguments.size() ? arguments[i + 1] : std::string_view();
+    if (!takeOption(arguments[i++], value, options)) return std::nullopt;
+  }
+  if (hasSize && plain.size() <= 1) {
+    if (!plain.empty()) options.file = plain[0];
+    return options;
+  }
+  if (!hasSize && plain.size() == 2) {
+    if (takeOption("--size", plain[0], options) && takeOption("--seed", plain[1], options)) return options;
+    return std::nullopt;
+  }
+  std::fputs(kUsage.data(), stderr);
+  return std::nullopt;
+}
+
+bool writeLog(const Options& options, std::FILE* file) {
+  constexpr std::size_t kPiece = 1 << 20;
+  LogMaker maker(options);
+  std::string text;
+  text.reserve(kPiece + 1024);
+  for (std::uint64_t written = 0; written < options.size; written += text.size()) {
+    text.clear();
+    while (text.size() < kPiece && written + text.size() < options.size)
+      maker.addLine(text);
+    if (std::fwrite(text.data(), 1, text.size(), file) != text.size()) return false;
+  }
+  return std::fflush(file) == 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string_view> arguments(argv + 1, argv + argc);
+  if (arguments.size() == 1 && arguments[0] == "--help") {
+    std::fputs(kUsage.data(), stdout);
+    return 0;
+  }
+  const auto options = parseArguments(arguments);
+  if (!options) return 1;
+  std::FILE* const file = options->file.empty() ? stdout : std::fopen(options->file.c_str(), "wb");
+  if (file == nullptr) {
+    std::fprintf(stderr, "make_log: %s cannot be written.\n", options->file.c_str());
+    return 1;
+  }
+  const bool isWritten = writeLog(*options, file);
+  const bool isClosed = file == stdout || std::fclose(file) == 0;
+  if (isWritten && isClosed) return 0;
+  std::fputs("make_log: the log could not be written completely.\n", stderr);
+  return 1;
+}

@@ -5,7 +5,6 @@
 #include <iterator>
 #include <limits>
 #include <optional>
-#include <random>
 
 #include "app/ini_document.h"
 #include "app/program.h"
@@ -104,20 +103,6 @@ std::int32_t defaultNumber(std::string_view section, std::string_view key) {
   return entry == std::end(kDefaultSettings) ? 0 : toNumber(entry->value).value_or(0);
 }
 
-/// A name beside path that no other process, and no earlier run of this one, uses.
-std::filesystem::path temporaryName(const std::filesystem::path& path) {
-  std::random_device random;
-  auto name = path;
-  return name.concat(".").concat(std::to_string(random())).concat(std::to_string(random())).concat(".tmp");
-}
-
-Status writeNewFile(FileSystem& files, const std::filesystem::path& path, std::string_view text) {
-  auto file = files.open(path, OpenMode::Replace);
-  if (!file.isOk()) return file.error();
-  if (auto written = file.value()->append(text); !written.isOk()) return written;
-  return file.value()->sync();
-}
-
 }  // namespace
 
 std::string defaultSettingsText() {
@@ -160,11 +145,11 @@ void Settings::WriteSetting(std::string_view section, std::string_view key, std:
   if (!stored.isOk() && stored.error().code != ErrorCode::FileNotFound) return;
   std::string text = stored.isOk() ? stored.value() : std::string();
   if (section == "Main" && key == kRecentFileKeys.front()) text = withRecentFilesMovedDown(std::move(text), section);
-  replaceFile(withIniValue(text, section, key, withoutControlCharacters(value)));
+  (void)m_files.replaceWhole(m_path, withIniValue(text, section, key, withoutControlCharacters(value)));
 }
 
 void Settings::WriteDefaultSettingsFile() {
-  replaceFile(defaultSettingsText());
+  (void)m_files.replaceWhole(m_path, defaultSettingsText());
 }
 
 std::int32_t Settings::readNumber(std::string_view section, std::string_view key) const {
@@ -183,13 +168,6 @@ Result<std::string> Settings::readText() const {
   const auto stamp = m_files.stamp(m_path);
   if (stamp.isOk() && stamp.value().size > kMaxSettingsFileSize) return Error{kTooLong, m_path};
   return m_files.readWhole(m_path);
-}
-
-void Settings::replaceFile(std::string_view text) {
-  const auto temporary = temporaryName(m_path);
-  auto done = writeNewFile(m_files, temporary, text);
-  if (done.isOk()) done = m_files.rename(temporary, m_path);
-  if (!done.isOk()) (void)m_files.remove(temporary);
 }
 
 }  // namespace quorvel

@@ -54,7 +54,6 @@ class Settings {
 
  private:
   [[nodiscard]] Result<std::string> readText() const;
-  void replaceFile(std::string_view text);
 
   FileSystem& m_files;
   std::filesystem::path m_folder;

@@ -1,6 +1,25 @@
 #include "core/file_system.h"
 
+#include <random>
+
 namespace quorvel {
+namespace {
+
+/// A name beside path that no other process, and no earlier run of this one, uses.
+std::filesystem::path temporaryName(const std::filesystem::path& path) {
+  std::random_device random;
+  auto name = path;
+  return name.concat(".").concat(std::to_string(random())).concat(std::to_string(random())).concat(".tmp");
+}
+
+Status writeNewFile(FileSystem& files, const std::filesystem::path& path, std::string_view content) {
+  auto file = files.open(path, OpenMode::Replace);
+  if (!file.isOk()) return file.error();
+  if (auto written = file.value()->append(content); !written.isOk()) return written;
+  return file.value()->sync();
+}
+
+}  // namespace
 
 Result<std::string> FileSystem::readWhole(const std::filesystem::path& path) {
   auto file = open(path, OpenMode::Read);
@@ -12,6 +31,15 @@ Result<std::string> FileSystem::readWhole(const std::filesystem::path& path) {
   if (!count.isOk()) return count.error();
   content.resize(count.value());
   return content;
+}
+
+Status FileSystem::replaceWhole(const std::filesystem::path& path, std::string_view content) {
+  const auto temporary = temporaryName(path);
+  Status done = writeNewFile(*this, temporary, content);
+  if (done.isOk()) done = rename(temporary, path);
+  if (done.isOk()) return {};
+  (void)remove(temporary);
+  return Error{done.error().code, path};
 }
 
 }  // namespace quorvel

@@ -64,6 +64,9 @@ class FileSystem {
 
   /// The whole content of a file. For settings and reports, not for logs.
   [[nodiscard]] Result<std::string> readWhole(const std::filesystem::path& path);
+  /// Puts a file with this content in the place of path, which may be missing. The content goes to a new file beside
+  /// it first: on failure, a crash or a power failure included, the old file is there as it was. An error names path.
+  Status replaceWhole(const std::filesystem::path& path, std::string_view content);
 };
 
 /// The real files of this machine. Lives as long as the program.

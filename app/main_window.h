@@ -30,6 +30,8 @@ class frmMain {
   /// All arguments must outlive the window.
   frmMain(FileSystem& files, Settings& settings, MainWindowView& view, Pacer& pacer,
           const std::filesystem::path& programFolder);
+  frmMain(const frmMain&) = delete;
+  frmMain& operator=(const frmMain&) = delete;
 
   [[nodiscard]] MainWindowState& state() { return m_state; }
   [[nodiscard]] CommandContext& context() { return m_context; }
@@ -37,7 +39,8 @@ class frmMain {
   /// Start-up after the settings file is in place: header labels, menu states, status panel, check boxes.
   void load();
   [[nodiscard]] WindowPlacement readPlacement() const;
-  /// Shutdown: stops what runs, deletes the users file, saves the window's normal bounds.
+  /// Shutdown: deletes the users file, saves the window's normal bounds. While a command runs it only stops that and
+  /// asks the view to close, which unloads once more when the command is done.
   void unload(const WindowBounds& normalBounds, bool isMaximized);
   /// Shutdown of a run without a window: the same, but the bounds saved earlier stay.
   void unload();
@@ -84,6 +87,11 @@ class frmMain {
   void mnuShowIPLogontime_Click();
   void mnuShowCheckboxesInTreeView_Click();
   void mnuTreeViewUncheckAll_Click();
+
+  // Web menu
+  void mnuWebVisitWebsite_Click();
+  void mnuWebSendEmail_Click();
+  void mnuWebReportBug_Click();
 
  private:
   MainWindowState m_state;

@@ -1,0 +1,211 @@
+#include "app/find_users_command.h"
+
+#include <array>
+#include <string>
+
+#include "app/command_report.h"
+#include "app/error_log.h"
+#include "app/menu_groups.h"
+#include "app/tree_commands.h"
+#include "app/web_commands.h"
+#include "core/log_file.h"
+#include "core/servu_find_user_info.h"
+#include "core/text.h"
+#include "core/users_file.h"
+
+namespace quorvel {
+namespace {
+
+/// How far the command has come; shown when it fails, for the bug report.
+enum class CodePoint {
+  Begin = 10,
+  HasLog = 20,
+  DeleteUsersFile = 30,
+  DeleteWorkingFiles = 40,
+  ShowProgress = 50,
+  Scan = 60,
+  HideProgress = 70,
+  EnableMenus = 80,
+};
+
+/// Puts the sessions of a scan into the users file and shows how far it has come.
+class ScanRecorder final : public FindObserver {
+ public:
+  ScanRecorder(CommandContext& context, ErrorLog& errorLog)
+      : m_context(context),
+        m_writer(context.files, context.state.usersFilePath(),
+                 [&context, &errorLog](const UserAct& record, std::int32_t recordNumber, const Error& error) {
+                   context.state.errorsLogged = true;
+                   errorLog.recordNotSaved(context.state.logPath, context.state.usersFilePath(), record, recordNumber,
+                                           error);
+                 }) {}
+
+  void onSession(const UserAct& record) override {
+    m_writer.WriteSessionRecord(record, record.LogonNo);
+    m_logons = record.LogonNo;
+    m_lastSession = record.Position;
+    m_foundSinceRead = true;
+  }
+
+  bool keepGoing(LogPosition position) override {
+    // The log is read ahead of the sessions handed out: how far shows only where reading finds no session.
+    const LogPosition reached = m_foundSinceRead ? m_lastSession : position;
+    if (position != m_lastSession) m_foundSinceRead = false;
+    if (!m_context.pacer.isDue()) return true;
+    m_writer.flush();  // other programs see complete records whenever the interface runs
+    show(reached);
+    m_context.view.yield();
+    return !m_context.state.stopFlag;
+  }
+
+  /// To be called at the end of the scan, whatever ended it.
+  void finish() {
+    m_writer.flush();
+    showLogons();
+  }
+
+ private:
+  void show(LogPosition reached) {
+    m_context.view.setPositionLabels("Current position:", std::to_string(reached));
+    m_context.view.setProgress(reached);
+    showLogons();
+  }
+  void showLogons() { m_context.view.setStatusPanel(StatusPanel::Logons, "Logons: " + std::to_string(m_logons)); }
+
+  CommandContext& m_context;
+  UsersFileWriter m_writer;
+  std::int32_t m_logons = 0;
+  LogPosition m_lastSession = 0;
+  bool m_foundSinceRead = false;
+};
+
+class FindUsers {
+ public:
+  explicit FindUsers(CommandContext& context)
+      : m_context(context), m_errorLog(context.files, context.state.programFolder) {}
+
+  void run() {
+    m_context.state.errorsLogged = false;
+    if (m_context.state.logPath.empty()) return;
+    enter(CodePoint::HasLog);
+    const Status done = prepareAndScan();
+    if (!done.isOk()) {
+      hideProgress();
+      return report(done.error());
+    }
+    enter(CodePoint::HideProgress);
+    hideProgress();
+    enter(CodePoint::EnableMenus);
+    EnDis::enableFilterMenus(m_context.view);
+    EnDis::enableCountMenus(m_context.view);
+    tellOfLoggedErrors();
+  }
+
+ private:
+  void enter(CodePoint point) { m_codePoint = point; }
+
+  Status prepareAndScan() {
+    const auto& folder = m_context.state.programFolder;
+    enter(CodePoint::DeleteUsersFile);
+    if (Status deleted = deleteFile(m_context.state.usersFilePath()); !deleted.isOk()) return deleted;
+    enter(CodePoint::DeleteWorkingFiles);
+    for (const char* name : {"test.qva", "test.qv2"})
+      if (Status deleted = deleteFile(folder / name); !deleted.isOk()) return deleted;
+    enter(CodePoint::ShowProgress);
+    showProgress();
+    enter(CodePoint::Scan);
+    return m_context.state.logType == LogType::WarFtpd ? Status() : scan();
+  }
+
+  Status deleteFile(const std::filesystem::path& path) {
+    return m_context.files.Exist(path) ? m_context.files.remove(path) : Status();
+  }
+
+  void showProgress() {
+    m_context.view.setStatusPanel(StatusPanel::Text, "Searching " + m_context.state.logTitle);
+    m_context.view.showProgress(true);
+    m_context.view.showPositionLabels(true);
+  }
+
+  void hideProgress() {
+    m_context.view.setProgress(0);
+    m_context.view.showProgress(false);
+    m_context.view.showPositionLabels(false);
+    m_context.view.setStatusPanel(StatusPanel::Text, "Using " + m_context.state.logTitle);
+  }
+
+  Status scan() {
+    clearTree();
+    m_context.state.stopFlag = false;
+    const auto log = LogFile::open(m_context.files, m_context.state.logPath);
+    if (!log.isOk()) return log.error();
+    m_context.view.setProgressRange(0, log.value().length() + 1);
+    const FindOptions options{.trunkLongUsernames = m_context.settings.readFlag("MAIN", "TrunkLongUsernames")};
+    ScanRecorder recorder(m_context, m_errorLog);
+    const auto end = ServuFindUserInfo(log.value(), options, recorder);
+    recorder.finish();
+    if (!end.isOk()) return end.error();
+    finishScan(end.value());
+    return {};
+  }
+
+  void clearTree() {
+    m_context.view.treeIsAboutToChange();
+    m_context.state.tree.clear();
+    m_context.state.selectedNode = 0;
+    m_context.view.treeHasChanged();
+  }
+
+  void finishScan(FindEnd end) {
+    if (end == FindEnd::Stopped) {
+      m_context.state.stopFlag = false;
+      return;
+    }
+    if (end == FindEnd::Overflow) {
+      m_context.state.errorsLogged = true;
+      m_errorLog.errorInScan(m_context.state.logPath, {ErrorCode::Overflow, m_context.state.logPath});
+    }
+    buildSessionTree(m_context);
+  }
+
+  void tellOfLoggedErrors() {
+    if (!m_context.state.errorsLogged) return;
+    m_context.view.showMessage({.text = "One or more errors where generated while searching throuhg the logfile." +
+                                        std::string(kLineEnd) +
+                                        "Please look in the file error.log for more information."});
+  }
+
+  void report(const Error& error) {
+    if (m_context.state.batchFlag) return reportFailure(m_context, error.sentence());
+    if (m_context.view.showMessage({.text = errorText(error), .buttons = Buttons::OkCancel})) reportBug(m_context.view);
+  }
+
+  [[nodiscard]] std::string errorText(const Error& error) const {
+    const std::array<std::string, 8> lines{"VB error: " + std::to_string(error.number()) + " " + error.description(),
+                                           "Trying to acces file:",
+                                           pathText(m_context.state.usersFilePath()),
+                                           "it cannot be found.",
+                                           "",
+                                           "Code point: " + std::to_string(static_cast<int>(m_codePoint)),
+                                           "",
+                                           "Please report this bug by email, add the above information to the mail."};
+    std::string text;
+    for (const std::string& line : lines)
+      text.append(line).append(kLineEnd);
+    return text.append("Click OK to report, Cancel to abort").append(kLineEnd);
+  }
+
+  CommandContext& m_context;
+  ErrorLog m_errorLog;
+  CodePoint m_codePoint = CodePoint::Begin;
+};
+
+}  // namespace
+
+void findUsers(CommandContext& context) {
+  const CommandGuard guard(context);
+  if (!guard) return;
+  FindUsers(context).run();
+}
+
+}  // namespace quorvel

@@ -50,7 +50,8 @@ class ByteScanTest : public testing::TestWithParam<ScanFor> {
 TEST_P(ByteScanTest, FindsWhatOneByteAtATimeFinds) {
   std::mt19937 random(7);
   std::vector<std::uint32_t> found;
-  for (const std::size_t count : {0, 1, 15, 16, 31, 32, 33, 63, 200, 4095, 4096, 4097, 20000}) {
+  for (const std::size_t count :
+       std::initializer_list<std::size_t>{0, 1, 15, 16, 31, 32, 33, 63, 200, 4095, 4096, 4097, 20000}) {
     const std::string bytes = text(random, count);
     scanBytes(GetParam(), bytes.data(), count, found);
     EXPECT_EQ(found, expected(bytes, count)) << count << " bytes";

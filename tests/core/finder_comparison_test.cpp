@@ -8,8 +8,8 @@
 #include "core/servu_find_user_info.h"
 #include "tests/reference/session_scan.h"
 #include "tests/support/log_maker.h"
+#include "tests/support/memory_log.h"
 #include "tests/support/records.h"
-#include "tests/support/temp_folder.h"
 
 namespace quorvel {
 namespace {
@@ -26,11 +26,8 @@ struct Collector : FindObserver {
 class FinderComparison : public ::testing::Test {
  protected:
   std::vector<UserAct> find(const std::string& log, const FindOptions& options) {
-    const auto path = m_folder.write("a.log", log);
-    const auto opened = LogFile::open(systemFiles(), path);
-    EXPECT_TRUE(opened.isOk());
     Collector collector;
-    const auto end = ServuFindUserInfo(opened.value(), options, collector);
+    const auto end = ServuFindUserInfo(test::openLog(log), options, collector);
     EXPECT_TRUE(end.isOk());
     return std::move(collector.records);
   }
@@ -47,9 +44,6 @@ class FinderComparison : public ::testing::Test {
                   << (f == found.end() ? "none" : test::describe(*f));
     return false;
   }
-
- private:
-  test::TempFolder m_folder;
 };
 
 class MadeUpLogs : public FinderComparison, public ::testing::WithParamInterface<int> {};

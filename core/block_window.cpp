@@ -17,6 +17,7 @@ BlockWindow::BlockWindow(const LogFile& log, std::size_t blockSize)
 std::unique_ptr<LogBlock> BlockWindow::put(std::unique_ptr<LogBlock> block) {
   const std::size_t number = static_cast<std::size_t>(block->first - 1) / m_blockSize;
   std::swap(m_blocks[number % m_blocks.size()], block);
+  m_last = nullptr;
   return block;
 }
 
@@ -70,11 +71,14 @@ LogPosition BlockWindow::findLast(char c, LogPosition from, LogPosition end) {
 }
 
 const LogBlock& BlockWindow::blockAt(LogPosition position) {
+  if (m_last != nullptr && position >= m_last->first && position < m_last->end()) return *m_last;
   const std::size_t number = static_cast<std::size_t>(position - 1) / m_blockSize;
   auto& block = m_blocks[number % m_blocks.size()];
   const auto first = static_cast<LogPosition>(number * m_blockSize) + 1;
+  m_last = block.get();
   if (block && block->first == first) return *block;
   if (!block) block = std::make_unique<LogBlock>();
+  m_last = block.get();
   Status read = readBlock(m_log, first, m_blockSize, *block);
   if (!read.isOk()) {
     std::fill(block->buffer.begin(), block->buffer.end(), ' ');

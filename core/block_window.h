@@ -43,6 +43,7 @@ class BlockWindow {
   const LogFile& m_log;
   const std::size_t m_blockSize;
   std::vector<std::unique_ptr<LogBlock>> m_blocks;  ///< block n in slot n modulo the size
+  const LogBlock* m_last = nullptr;                 ///< the block looked at last, in m_blocks
   std::string m_scratch;
   Status m_status;
 };

@@ -118,9 +118,15 @@ std::optional<std::int64_t> parseInteger(std::string_view text) {
 }
 
 std::string atColumn(std::string_view label, std::size_t column, std::string_view value) {
-  std::string line(label);
-  if (line.size() + 1 < column) line.append(column - 1 - line.size(), ' ');
-  return line.append(value);
+  std::string line;
+  appendAtColumn(line, label, column, value);
+  return line;
+}
+
+void appendAtColumn(std::string& text, std::string_view label, std::size_t column, std::string_view value) {
+  text.append(label);
+  if (label.size() + 1 < column) text.append(column - 1 - label.size(), ' ');
+  text.append(value);
 }
 
 std::string toUtf8(std::string_view windows1252) {

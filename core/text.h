@@ -40,6 +40,8 @@ extern const std::array<unsigned char, 256> kFoldTable;
 /// label followed by blanks up to column (1-based, where the value starts), then value. A label that reaches the
 /// column is followed by the value on a line of its own width: at least nothing is cut.
 [[nodiscard]] std::string atColumn(std::string_view label, std::size_t column, std::string_view value);
+/// The same, added to the end of text.
+void appendAtColumn(std::string& text, std::string_view label, std::size_t column, std::string_view value);
 
 /// Between Windows-1252 and UTF-8. The five unassigned bytes (81, 8D, 8F, 90, 9D) map to the code points of the same
 /// value, so that every byte string survives the way there and back. toWindows1252 leaves a text that is no valid

@@ -13,12 +13,13 @@ constexpr std::string_view kBlockEnd = "\r\n\r\n\r\n\r\n";
 
 }  // namespace
 
-std::string sessionBlockHeader(const UserAct& session) {
+void appendSessionBlockHeader(std::string& text, const UserAct& session) {
   constexpr std::size_t kRuleLength = 50;
   constexpr std::size_t kValueColumn = 20;
-  std::string header = std::string(kRuleLength, '-').append(kLineEnd);
-  const auto add = [&header](std::string_view label, std::string_view value) {
-    header.append(atColumn(label, kValueColumn, value)).append(kLineEnd);
+  text.append(kRuleLength, '-').append(kLineEnd);
+  const auto add = [&text](std::string_view label, std::string_view value) {
+    appendAtColumn(text, label, kValueColumn, value);
+    text.append(kLineEnd);
   };
   add("Username:", session.Name);
   add("IP:", session.IP);
@@ -27,7 +28,7 @@ std::string sessionBlockHeader(const UserAct& session) {
   add("Logoff time:", session.LogoffTime);
   add("Number in log:", session.NumberInLog);
   add("Position:", std::to_string(session.Position));
-  return header.append(kLineEnd);
+  text.append(kLineEnd);
 }
 
 ResultsFile::ResultsFile(FileSystem& files, std::filesystem::path path) : m_files(files), m_path(std::move(path)) {}
@@ -39,7 +40,9 @@ ResultsFile::~ResultsFile() {
 void ResultsFile::beginSession(const UserAct& session) {
   if (!m_hasBlock) open();
   m_hasBlock = true;
-  write(sessionBlockHeader(session));
+  const std::size_t before = m_batch.size();
+  appendSessionBlockHeader(m_batch, session);
+  m_length += m_batch.size() - before;
   m_linesBegin = m_linesEnd = m_length;
 }
 
@@ -61,7 +64,8 @@ void ResultsFile::endSession() {
 }
 
 void ResultsFile::flush() {
-  if (m_status.isOk() && !m_batch.empty()) m_status = m_file->append(m_batch);
+  if (m_appender && m_status.isOk()) m_status = m_appender->finish();
+  if (m_file && m_status.isOk() && !m_batch.empty()) m_status = m_file->append(m_batch);
   m_batch.clear();
 }
 
@@ -69,6 +73,7 @@ void ResultsFile::open() {
   auto file = m_files.open(m_path, OpenMode::Append);
   if (file.isOk()) {
     m_file = std::move(file.value());
+    m_appender.emplace(*m_file);
     const auto length = m_file->size();
     m_length = length.isOk() ? length.value() : 0;
   } else {
@@ -79,7 +84,7 @@ void ResultsFile::open() {
 void ResultsFile::write(std::string_view text) {
   m_batch.append(text);
   m_length += text.size();
-  if (m_batch.size() >= kBatchSize) flush();
+  if (m_batch.size() >= kBatchSize && m_appender) m_appender->append(m_batch);
 }
 
 Status ResultsFile::copyLastLines(const std::filesystem::path& target) {

@@ -4,16 +4,18 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "core/background_appender.h"
 #include "core/file_system.h"
 #include "filter/session_filter.h"
 
 namespace quorvel {
 
-/// The lines that stand above a session's filtered lines, an empty line at the end included.
-[[nodiscard]] std::string sessionBlockHeader(const UserAct& session);
+/// Adds the lines that stand above a session's filtered lines, an empty line at the end included, to text.
+void appendSessionBlockHeader(std::string& text, const UserAct& session);
 
 /// Writes session blocks in large batches. The file is opened, and created where missing, by the first block. After
 /// the first failure nothing more is written.
@@ -46,6 +48,7 @@ class ResultsFile final : public FilterTarget {
   FileSystem& m_files;
   std::filesystem::path m_path;
   std::unique_ptr<File> m_file;
+  std::optional<BackgroundAppender> m_appender;  ///< of m_file; takes the full batches
   Status m_status;
   std::string m_batch;
   std::uint64_t m_length = 0;  ///< of the file, m_batch included

@@ -21,7 +21,9 @@ class FilterCommandsTest : public ScannedLogTest {
   [[nodiscard]] std::string block(std::int32_t recordNumber) const { return block(recordNumber, lines(recordNumber)); }
   [[nodiscard]] std::string block(std::int32_t recordNumber, const std::string& filtered) const {
     auto users = UsersFile::open(systemFiles(), state.usersFilePath());
-    return sessionBlockHeader(users.value().read(recordNumber).value()) + filtered + "\r\n\r\n\r\n\r\n";
+    std::string text;
+    appendSessionBlockHeader(text, users.value().read(recordNumber).value());
+    return text + filtered + "\r\n\r\n\r\n\r\n";
   }
   static std::string lines(std::int32_t number) { return logLines("(00000" + std::to_string(number) + ")"); }
 };

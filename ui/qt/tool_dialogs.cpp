@@ -3,8 +3,50 @@
 #include <algorithm>
 #include <array>
 
+#include "app/help_text.h"
+#include "app/options.h"
+#include "app/program_folder.h"
+#include "ui/qt/about_dialog.h"
+#include "ui/qt/computer_ip_dialog.h"
+#include "ui/qt/goto_position_dialog.h"
+#include "ui/qt/options_dialog.h"
+#include "ui/qt/text_viewer.h"
+
 namespace quorvel {
 namespace {
+
+void openGotoPosition(QWidget& window, frmMain& commands) {
+  const CommandContext& context = commands.context();
+  frmGotoPosInLog(context.files, context.state.logPath, &window).exec();
+}
+
+void openComputerIP(QWidget& window, frmMain& commands) {
+  const CommandContext& context = commands.context();
+  frmComputerIP(context.settings, context.state.currentSession.IP, openIcmpSocket, &window).exec();
+}
+
+void openOptions(QWidget& window, frmMain& commands) {
+  frmOption form(commands.context());
+  OptionsDialog dialog(form, &window);
+  if (dialog.exec() == QDialog::Accepted) form.cmdOK_Click();
+}
+
+void openReference(QWidget& window, frmMain& commands) {
+  const CommandContext& context = commands.context();
+  const std::filesystem::path beside = executableFolder();
+  const std::array folders{context.state.programFolder, beside, beside.parent_path() / "share" / "quorvel"};
+  TextViewer("Command Line Reference", commandLineReferenceText(context.files, folders), &window).exec();
+}
+
+void openAbout(QWidget& window, frmMain& commands) {
+  frmAbout(commands.state().programFolder, &window).exec();
+}
+
+/// The web menu's commands have no dialog: they hand an address to the desktop.
+template <void (frmMain::*command)()>
+void openWeb(QWidget&, frmMain& commands) {
+  (commands.*command)();
+}
 
 struct ToolLine {
   MenuItem item;
@@ -14,10 +56,14 @@ struct ToolLine {
 using enum MenuItem;
 
 constexpr std::array kTools = {
-    ToolLine{mnuGotoPosition, nullptr},    ToolLine{mnuGetComputersIP, nullptr},
-    ToolLine{mnuOptions, nullptr},         ToolLine{mnuHelpCommandLineReference, nullptr},
-    ToolLine{mnuWebVisitWebsite, nullptr}, ToolLine{mnuWebSendEmail, nullptr},
-    ToolLine{mnuWebReportBug, nullptr},    ToolLine{mnuAbout, nullptr},
+    ToolLine{mnuGotoPosition, openGotoPosition},
+    ToolLine{mnuGetComputersIP, openComputerIP},
+    ToolLine{mnuOptions, openOptions},
+    ToolLine{mnuHelpCommandLineReference, openReference},
+    ToolLine{mnuWebVisitWebsite, openWeb<&frmMain::mnuWebVisitWebsite_Click>},
+    ToolLine{mnuWebSendEmail, openWeb<&frmMain::mnuWebSendEmail_Click>},
+    ToolLine{mnuWebReportBug, openWeb<&frmMain::mnuWebReportBug_Click>},
+    ToolLine{mnuAbout, openAbout},
 };
 
 }  // namespace

@@ -75,8 +75,8 @@ class ScanRecorder final : public FindObserver {
   CommandContext& m_context;
   UsersFileWriter m_writer;
   std::int32_t m_logons = 0;
-  LogPosition m_lastSession = 0;
-  bool m_foundSinceRead = false;
+  LogPosition m_lastSession = 1;  ///< where the scan begins, then the session found last
+  bool m_foundSinceRead = true;
 };
 
 class FindUsers {

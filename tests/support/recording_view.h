@@ -72,6 +72,7 @@ class RecordingView : public MainWindowView {
   void chooseSave(const std::filesystem::path& path) { answerSave({FileChoice::Outcome::Chosen, path, 1, {}, 0}); }
   /// Runs action inside yield number n, counted from 1 over the view's life.
   void atYield(int n, std::function<void()> action) { m_yieldActions[n] = std::move(action); }
+  void atEachYield(std::function<void()> action) { m_eachYieldAction = std::move(action); }
 
   // What happened.
   [[nodiscard]] const std::vector<std::string>& calls() const { return m_calls; }
@@ -190,6 +191,7 @@ class RecordingView : public MainWindowView {
   void yield() override {
     ++m_yieldCount;
     note("yield");
+    if (m_eachYieldAction) m_eachYieldAction();
     const auto action = m_yieldActions.find(m_yieldCount);
     if (action != m_yieldActions.end()) action->second();
   }
@@ -221,6 +223,7 @@ class RecordingView : public MainWindowView {
   std::deque<FileChoice> m_openAnswers;
   std::deque<FileChoice> m_saveAnswers;
   std::map<int, std::function<void()>> m_yieldActions;
+  std::function<void()> m_eachYieldAction;
 
   std::vector<std::string> m_calls;
   std::vector<Message> m_messages;

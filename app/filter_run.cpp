@@ -1,7 +1,9 @@
 #include "app/filter_run.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -14,15 +16,23 @@ namespace {
 constexpr std::size_t kShownPiece = 256 * 1024;
 constexpr std::string_view kNoMatch = "DID NOT FIND ANY MATCH FOR THE SELECTED FILTER(S)";
 
+/// The switches of the command filter, in the order of CommandFilterOptions.
+constexpr std::array<std::string_view, 4> kCommandFilterKeys = {"FilterTransfers", "FilterDeletes", "FilterSITE",
+                                                                "filterMDTM"};
+
 /// The command filter when one of its options is 1, else null.
 std::unique_ptr<SessionFilter> makeCommandFilter(const Settings& settings) {
-  const auto option = [&settings](std::string_view key) { return settings.readNumber("OPTION-FILTER", key); };
-  const std::int32_t transfers = option("FilterTransfers");
-  const std::int32_t deletes = option("FilterDeletes");
-  const std::int32_t site = option("FilterSITE");
-  const std::int32_t mdtm = option("filterMDTM");
-  if (transfers != 1 && deletes != 1 && site != 1 && mdtm != 1) return nullptr;
+  std::array<std::int32_t, kCommandFilterKeys.size()> values{};
+  std::transform(kCommandFilterKeys.begin(), kCommandFilterKeys.end(), values.begin(),
+                 [&settings](std::string_view key) { return settings.readNumber("OPTION-FILTER", key); });
+  if (std::find(values.begin(), values.end(), 1) == values.end()) return nullptr;
+  const auto& [transfers, deletes, site, mdtm] = values;
   return std::make_unique<CommandFilter>(CommandFilterOptions{transfers != 0, deletes != 0, site != 0, mdtm != 0});
+}
+
+void deleteFilterFile(CommandContext& context) {
+  const auto path = context.state.filterFilePath();
+  if (context.files.Exist(path)) (void)context.files.remove(path);
 }
 
 class FilterRun final : public SessionLineConsumer {
@@ -35,7 +45,7 @@ class FilterRun final : public SessionLineConsumer {
   bool beginSession(const UserAct& session) override {
     if (!std::exchange(m_hasRun, true)) m_context.view.setFilterText({});
     if (session.Position == 0) return false;
-    if (!std::exchange(m_hasOutput, true)) deleteFilterFile();
+    if (!std::exchange(m_hasOutput, true)) deleteFilterFile(m_context);
     m_target.beginSession(session);
     m_filter.begin(session);
     return m_target.isOk();
@@ -54,11 +64,6 @@ class FilterRun final : public SessionLineConsumer {
   }
 
  private:
-  void deleteFilterFile() {
-    const auto path = m_context.state.filterFilePath();
-    if (m_context.files.Exist(path)) (void)m_context.files.remove(path);
-  }
-
   CommandContext& m_context;
   SessionFilter& m_filter;
   FilterTarget& m_target;
@@ -73,6 +78,14 @@ class FilterWindowTarget final : public FilterTarget {
   explicit FilterWindowTarget(CommandContext& context) : m_context(context) {}
 
   [[nodiscard]] bool hasShown() const { return m_hasShown; }
+  /// All that was shown, to be remembered; empty when it was too long.
+  [[nodiscard]] std::string takeShown() { return m_shown.size() > FilterMemory::kLargest ? "" : std::move(m_shown); }
+
+  /// Shows a text that was filtered before.
+  void showAgain(std::string_view text) {
+    m_shown.resize(FilterMemory::kLargest + 1);
+    show(text);
+  }
 
   void beginSession(const UserAct&) override {}
   void writeLine(std::string_view line) override {
@@ -93,6 +106,7 @@ class FilterWindowTarget final : public FilterTarget {
 
  private:
   void show(std::string_view text) {
+    if (m_shown.size() <= FilterMemory::kLargest) m_shown.append(text);
     while (!text.empty() && !m_context.state.stopFlag) {
       m_hasShown = true;
       m_context.view.appendFilterText(text.substr(0, kShownPiece));
@@ -103,6 +117,7 @@ class FilterWindowTarget final : public FilterTarget {
 
   CommandContext& m_context;
   std::string m_text;
+  std::string m_shown;
   bool m_hasShown = false;
 };
 
@@ -117,7 +132,20 @@ void runWithoutLog(const SessionSource& sessions, FilterRun& run) {
 struct FilterOutcome {
   Status read;
   bool hasRunCommandFilter = false;
+  bool wasStopped = false;
 };
+
+/// What the filter window's text depends on; empty when the log cannot tell its state.
+std::optional<FilterMemory::Key> memoryKey(CommandContext& context, const LogFile* log, const UserAct& session) {
+  if (log == nullptr) return std::nullopt;
+  const auto stamp = context.files.stamp(log->path());
+  if (!stamp.isOk()) return std::nullopt;
+  std::string options;
+  for (const std::string_view key : kCommandFilterKeys) {
+    options += std::to_string(context.settings.readNumber("OPTION-FILTER", key)) + ' ';
+  }
+  return FilterMemory::Key{log->path(), stamp.value(), session, std::move(options)};
+}
 
 FilterOutcome runFilter(CommandContext& context, const LogFile* log, const SessionSource& sessions,
                         FilterTarget& target, bool showsProgress) {
@@ -135,7 +163,7 @@ FilterOutcome runFilter(CommandContext& context, const LogFile* log, const Sessi
     context.view.setFilterText({});
   }
   target.flush();
-  context.state.stopFlag = false;
+  outcome.wasStopped = std::exchange(context.state.stopFlag, false);
   outcome.hasRunCommandFilter = commandFilter && run.hasRun();
   return outcome;
 }
@@ -144,8 +172,21 @@ FilterOutcome runFilter(CommandContext& context, const LogFile* log, const Sessi
 
 Status filterIntoWindow(CommandContext& context, const LogFile* log, const UserAct& session) {
   FilterWindowTarget window(context);
-  const FilterOutcome outcome = runFilter(context, log, oneSession(session), window, false);
+  const auto key = memoryKey(context, log, session);
+  if (const std::string* const text = key ? context.state.filterMemory.find(*key) : nullptr) {
+    context.state.stopFlag = false;
+    context.view.setFilterText({});
+    deleteFilterFile(context);
+    window.showAgain(*text);
+    context.state.stopFlag = false;
+    return {};
+  }
+  FilterOutcome outcome = runFilter(context, log, oneSession(session), window, false);
   if (outcome.hasRunCommandFilter && !window.hasShown()) context.view.setFilterText(kNoMatch);
+  std::string shown = window.takeShown();
+  if (key && outcome.read.isOk() && !outcome.wasStopped && !shown.empty()) {
+    context.state.filterMemory.put(*key, std::move(shown));
+  }
   return outcome.read;
 }
 

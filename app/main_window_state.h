@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "app/filter_memory.h"
 #include "core/user_act.h"
 #include "tree/session_tree.h"
 
@@ -29,6 +30,7 @@ struct MainWindowState {
   UserAct currentSession;         ///< the session clicked last, or the last one a command read
   std::int32_t selectedNode = 0;  ///< node of the tree clicked last; 0: none
   SessionTree tree;
+  FilterMemory filterMemory;
   std::string keptLayout;  ///< the layout stored when the tree's pop-up menu was last opened
   bool showsCheckBoxes = false;
   bool layoutChanged = false;  ///< set by the options dialog

@@ -47,6 +47,20 @@ TEST_F(FilterCommandsTest, SessionIsShownInTheFilterWindow) {
   EXPECT_EQ(view.status(StatusPanel::Text), "Using a.log");
 }
 
+TEST_F(FilterCommandsTest, SessionShownBeforeIsShownFromMemoryUntilTheLogChanges) {
+  click(kSecondSession);
+  filterSession(context);
+  const auto time = std::filesystem::last_write_time(folder / "a.log");
+  const std::string blank(std::filesystem::file_size(folder / "a.log"), ' ');
+  folder.write("a.log", blank);
+  std::filesystem::last_write_time(folder / "a.log", time);
+  filterSession(context);
+  EXPECT_EQ(view.filterText(), lines(2)) << "looked the same, was not read";
+  std::filesystem::last_write_time(folder / "a.log", time + std::chrono::seconds(1));
+  filterSession(context);
+  EXPECT_EQ(view.filterText(), "");
+}
+
 TEST_F(FilterCommandsTest, CommandFilterTellsWhenItFoundNothing) {
   set("FilterTransfers", "1");
   click(kSecondSession);

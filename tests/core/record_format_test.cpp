@@ -1,0 +1,65 @@
+#include "core/record_format.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+
+#include "tests/support/records.h"
+
+namespace quorvel {
+namespace {
+
+using namespace std::string_literals;
+
+const UserAct kRecord{0x01020304, "al\xEF\0e"s, "(000012)", "10.0.0.5", "c", "", "L", 5, -2};
+
+TEST(RecordFormat, IsLittleEndianPackedAndInFieldOrder) {
+  std::array<char, kRecordSize> slot{};
+  const auto size = encodeRecord(kRecord, slot);
+  const std::string expected =
+      "\x04\x03\x02\x01"
+      "\x05\0al\xEF\0e"
+      "\x08\0(000012)"
+      "\x08\0"
+      "10.0.0.5"
+      "\x01\0c"
+      "\0\0"
+      "\x01\0L"
+      "\x05\0\0\0"
+      "\xFE\xFF\xFF\xFF"s;
+  ASSERT_EQ(size, expected.size());
+  EXPECT_EQ(std::string(slot.data(), *size), expected);
+  EXPECT_EQ(decodeRecord({slot.data(), slot.size()}), kRecord);
+}
+
+TEST(RecordFormat, HoldsAsMuchAsTheSlot) {
+  std::array<char, kRecordSize> slot;
+  slot.fill('#');
+  UserAct record;
+  record.Name.assign(kRecordSize - kRecordOverhead, 'n');
+  EXPECT_EQ(encodeRecord(record, slot), kRecordSize);
+  EXPECT_EQ(decodeRecord({slot.data(), slot.size()}), record);
+
+  slot.fill('#');
+  record.IP.push_back('1');
+  EXPECT_FALSE(encodeRecord(record, slot));
+  EXPECT_EQ(std::string(slot.data(), slot.size()), std::string(kRecordSize, '#')) << "the slot is left alone";
+}
+
+TEST(RecordFormat, RefusesDamage) {
+  std::array<char, kRecordSize> slot{};
+  const std::string bytes(slot.data(), *encodeRecord(kRecord, slot));
+  for (std::size_t length = 0; length < bytes.size(); ++length) {
+    const std::string cut(slot.data(), length);
+    EXPECT_FALSE(decodeRecord(cut)) << "cut at " << length;
+  }
+  for (const std::size_t lengthWord : {4u, 11u}) {  // of Name and of NumberInLog
+    std::string damaged = bytes;
+    damaged[lengthWord + 1] = '\xFF';
+    EXPECT_FALSE(decodeRecord(damaged)) << "length word at " << lengthWord;
+  }
+}
+
+}  // namespace
+}  // namespace quorvel

@@ -45,6 +45,11 @@ bool writesResults(const Step& step) {
   return step.code->code != kFindUsersCode;
 }
 
+/// Counting the whole log is the one result that needs no list of sessions.
+bool readsSessions(const Step& step) {
+  return writesResults(step) && step.code->code != kCountAllCode;
+}
+
 bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
   std::error_code error;
   return std::filesystem::equivalent(a, b, error) && !error;
@@ -93,6 +98,11 @@ class BatchRun {
     if (!m_arguments.endsWithOutputFile()) {
       return "Code " + std::to_string(writer->code->code) +
              " needs a file for its results as the last argument; it is missing.";
+    }
+    const auto reader = std::find_if(steps.begin(), steps.end(), readsSessions);
+    const bool findsSessions = steps.front().code->code == kFindUsersCode;
+    if (reader != steps.end() && !findsSessions && !m_context.files.Exist(m_window.state().usersFilePath())) {
+      return "Code " + std::to_string(reader->code->code) + " needs the sessions that code 100 finds; add code 100.";
     }
     if (isSameFile(outputFile(), m_window.state().logPath)) {
       return pathText(outputFile()) + ": this is the log; results cannot be written into it.";

@@ -20,7 +20,8 @@ using InterruptTest = std::function<bool()>;
 
 /// Last step of start-up, on a loaded window. text: the arguments behind the program's name, joined with blanks. Does
 /// nothing where it holds none. Results are added to the file named last, relative to the current folder. Nothing is
-/// run when the log cannot be read, a code misses its value, or results would have nowhere to go or go into the log.
+/// run when the log cannot be read, a code misses its value, results would have nowhere to go or go into the log, or a
+/// code needs sessions and neither is code 100 there to find them nor a users file.
 [[nodiscard]] BatchOutcome runBatch(frmMain& window, std::string_view text, const InterruptTest& isInterrupted = {});
 
 }  // namespace quorvel

@@ -12,9 +12,11 @@ endif()
 
 # The reference text stands beside the program in the build folder, and with the program's data once installed.
 if(NOT CMAKE_CROSSCOMPILING)
-  add_custom_command(TARGET quorvel POST_BUILD
+  add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/CLA_ref.txt
     COMMAND quorvel --help > ${CMAKE_BINARY_DIR}/CLA_ref.txt
+    DEPENDS quorvel
     COMMENT "Writing the command line reference" VERBATIM)
+  add_custom_target(command_line_reference ALL DEPENDS ${CMAKE_BINARY_DIR}/CLA_ref.txt)
   install(FILES ${CMAKE_BINARY_DIR}/CLA_ref.txt DESTINATION ${CMAKE_INSTALL_DATADIR}/quorvel)
 endif()
 

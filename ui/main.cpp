@@ -1,0 +1,104 @@
+// The program: wires the settings, a view and the commands together and picks how to run.
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "app/pacer.h"
+#include "app/program.h"
+#include "app/program_folder.h"
+#include "cli/batch_run.h"
+#include "core/text.h"
+#include "tools/command_line_reference.h"
+#include "ui/console/console_view.h"
+#include "ui/console/interrupt.h"
+#include "ui/console/plain_line.h"
+#include "ui/console/terminal.h"
+#ifdef QUORVEL_HAS_WINDOW
+#include "ui/qt/run_window.h"
+#endif
+
+namespace quorvel {
+namespace {
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 1;
+
+/// What every way to run is given.
+struct Start {
+  int argc;
+  char** argv;
+  std::filesystem::path programFolder;
+  Settings& settings;
+  std::string commandLine;  ///< the arguments with blanks between them
+};
+
+std::string joinedArguments(int argc, char** argv) {
+  std::string text;
+  for (int i = 1; i < argc; ++i)
+    text.append(i > 1 ? " " : "").append(argv[i]);
+  return text;
+}
+
+int runUnattended(const Start& start) {
+  ConsoleView view(std::cerr, isErrorOutputTerminal() ? ConsoleView::Progress::Shown : ConsoleView::Progress::Hidden);
+  Pacer pacer;
+  frmMain window(systemFiles(), start.settings, view, pacer, start.programFolder);
+  catchInterrupts();
+  view.onYield([&window] {
+    if (isInterrupted()) window.mnuStop_Click();
+  });
+  window.load();
+  const BatchOutcome outcome = runBatch(window, start.commandLine, isInterrupted);
+  window.unload();
+  return outcome.failed ? kFailure : kSuccess;
+}
+
+#ifdef QUORVEL_HAS_WINDOW
+int runWithWindow(const Start& start) {
+  bool failed = false;
+  const auto runArguments = [&start, &failed](frmMain& window) {
+    const BatchOutcome outcome = runBatch(window, start.commandLine);
+    failed = outcome.failed;
+    if (outcome.endsProgram) window.context().view.closeWindow();
+  };
+  const int status =
+      runWindow(start.argc, start.argv, {systemFiles(), start.settings, start.programFolder, runArguments});
+  return failed ? kFailure : status;
+}
+#else
+/// There is no window that could stay open: arguments run unattended whatever AutoExit says.
+int runWithWindow(const Start& start) {
+  if (!trimBlanks(start.commandLine).empty()) return runUnattended(start);
+  std::cout << commandLineReference() << std::flush;
+  return kSuccess;
+}
+#endif
+
+int run(int argc, char** argv) {
+  const std::string commandLine = joinedArguments(argc, argv);
+  if (commandLine == "--help" || commandLine == "--version") {
+    std::cout << (commandLine == "--help" ? commandLineReference() : "quorvel " + std::string(kVersion) + "\n");
+    return std::cout.flush() ? kSuccess : kFailure;
+  }
+  const auto programFolder = findProgramFolder();
+  Settings settings(systemFiles(), programFolder);
+  settings.prepareFile();
+  settings.resetOtherVersion();
+  const Start start{argc, argv, programFolder, settings, commandLine};
+  const bool hasArguments = !trimBlanks(commandLine).empty();
+  const bool endsByItself = settings.readNumber("COMMAND-LINE-ARGUMENTS", "AutoExit") == 1;
+  return hasArguments && endsByItself ? runUnattended(start) : runWithWindow(start);
+}
+
+}  // namespace
+}  // namespace quorvel
+
+int main(int argc, char** argv) {
+  quorvel::prepareStandardStreams();
+  try {
+    return quorvel::run(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "quorvel: " << quorvel::plainLine(error.what()) << std::endl;
+    return quorvel::kFailure;
+  }
+}

@@ -37,11 +37,11 @@ Result<ShortInfoTable> ShortInfoTable::create(FileSystem& files, const std::file
                                               ShortInfoChoice columns) {
   auto file = files.open(path, OpenMode::Replace);
   if (!file.isOk()) return file.error();
-  return ShortInfoTable(std::move(file.value()), columns);
+  return ShortInfoTable(std::move(file.value()), path, columns);
 }
 
-ShortInfoTable::ShortInfoTable(std::unique_ptr<File> file, ShortInfoChoice columns)
-    : m_file(std::move(file)), m_columns(columns) {}
+ShortInfoTable::ShortInfoTable(std::unique_ptr<File> file, std::filesystem::path path, ShortInfoChoice columns)
+    : m_file(std::move(file)), m_path(std::move(path)), m_columns(columns) {}
 
 void ShortInfoTable::WriteShortInfoHeader(const std::filesystem::path& log, const DateTime& now) {
   m_batch += reportHead(log, now);
@@ -66,7 +66,10 @@ void ShortInfoTable::flushWhenLarge() {
 }
 
 Status ShortInfoTable::flush() {
-  if (m_failure.isOk() && !m_batch.empty()) m_failure = m_file->append(m_batch);
+  if (m_failure.isOk()) {
+    const Status written = m_file->append(m_batch);
+    if (!written.isOk()) m_failure = Error{written.error().code, m_path};
+  }
   m_batch.clear();
   return m_failure;
 }

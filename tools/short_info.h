@@ -52,10 +52,11 @@ class ShortInfoTable {
   Status flush();
 
  private:
-  ShortInfoTable(std::unique_ptr<File> file, ShortInfoChoice columns);
+  ShortInfoTable(std::unique_ptr<File> file, std::filesystem::path path, ShortInfoChoice columns);
   void flushWhenLarge();
 
   std::unique_ptr<File> m_file;
+  std::filesystem::path m_path;
   ShortInfoChoice m_columns;
   std::string m_batch;  ///< whole lines
   Status m_failure;     ///< the first one; nothing is written after it

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/users_file.h"
+#include "tests/support/failing_files.h"
 #include "tests/support/recording_view.h"
 #include "tests/support/temp_folder.h"
 
@@ -90,6 +91,25 @@ TEST_F(SaveShortInfo, NamesTheFileThatCannotBeWritten) {
   SaveShortInfoCommand(context);
   ASSERT_EQ(view.messages().size(), 1U);
   EXPECT_TRUE(view.messages()[0].text.starts_with((folder / "missing" / "table.txt").string()));
+}
+
+TEST_F(SaveShortInfo, EveryFailureIsToldAndNothingIsLostBeforeTheRecordsCouldBeRead) {
+  writeUsers(3);
+  int tried = 0;
+  for (bool failed = true; failed; ++tried) {
+    folder.write("table.txt", "old");
+    view.forgetCalls();
+    FailingFiles files(tried + 1);
+    CommandContext other{files, settings, state, view, pacer};
+    view.chooseSave(folder / "table.txt");
+    SaveShortInfoCommand(other);
+    failed = files.hasFailed();
+    EXPECT_EQ(view.callsStartingWith("message").size(), failed ? 1U : 0U) << "operation " << tried + 1;
+    EXPECT_TRUE(!failed || view.messages().back().text.starts_with(folder.path().string()));
+    EXPECT_TRUE(failed || linesOfAlice() == 3);
+    EXPECT_TRUE(files.opened("table.txt") > 0 || folder.read("table.txt") == "old");
+  }
+  EXPECT_GT(tried, 3);
 }
 
 TEST_F(SaveShortInfo, NeverWritesOverTheLog) {

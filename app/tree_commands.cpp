@@ -92,7 +92,7 @@ void buildSessionTree(CommandContext& context) {
   context.view.setStatusPanel(StatusPanel::Text, "Adding to treeview");
   const TreeOptions options{context.settings.readNumber(kSection, kLayoutKey), displaysQuitUsers(context.settings)};
   context.view.showTree(false);
-  if (isTreeLayout(options.layout)) fillTree(context, options);
+  if (isTreeLayout(options.layout) && context.view.hasTree()) fillTree(context, options);
   context.view.showTree(true);
   context.view.setStatusPanel(StatusPanel::Text, "Using: " + context.state.logTitle);
   context.view.enableTree(true);

@@ -54,6 +54,8 @@ class TextView {
 class SessionTreeView {
  public:
   virtual ~SessionTreeView() = default;
+  /// False where nothing is drawn and nothing can be clicked: no tree is built then.
+  [[nodiscard]] virtual bool hasTree() const { return true; }
   virtual void treeIsAboutToChange() = 0;
   virtual void treeHasChanged() = 0;
   /// The check boxes of any number of nodes changed, the nodes did not.

@@ -45,6 +45,7 @@ class ConsoleView final : public MainWindowView {
   [[nodiscard]] std::string filterText() const override { return {}; }
 
   // SessionTreeView
+  [[nodiscard]] bool hasTree() const override { return false; }
   void treeIsAboutToChange() override {}
   void treeHasChanged() override {}
   void treeChecksHaveChanged() override {}

@@ -1,0 +1,54 @@
+#include "ui/qt/text.h"
+
+#include <gtest/gtest.h>
+
+#include "ui/qt/shown_lines.h"
+
+namespace quorvel::test {
+namespace {
+
+TEST(Text, EveryByteIsOneCharacterAndComesBack) {
+  std::string all;
+  for (int byte = 0; byte < 256; ++byte)
+    all += static_cast<char>(byte);
+  const QString text = toQString(all);
+  EXPECT_EQ(text.size(), 256);
+  EXPECT_EQ(text[0x80], QChar(0x20AC));  // the euro sign
+  EXPECT_EQ(text[0x81], QChar(0x81));    // unassigned
+  EXPECT_EQ(text[0xE4], QChar(0xE4));
+  EXPECT_EQ(toBytes(text), all);
+}
+
+TEST(Text, CharactersOutsideTheCodePageBecomeQuestionMarks) {
+  EXPECT_EQ(toBytes(QStringLiteral("a\u65e5\u20ac")), "a?\x80");
+}
+
+TEST(Text, OneLineShowsControlCharactersAsSymbols) {
+  EXPECT_EQ(toOneLine(toQString("a\r\nb\x1b[31m\x7f")), QStringLiteral("a\u240d\u240ab\u241b[31m\u2421"));
+}
+
+TEST(Text, ATitleKeepsTheModifiedMarkAsText) {
+  EXPECT_EQ(toTitle("x[*]\n"), QStringLiteral("x[*][*]\u240a"));
+}
+
+TEST(ShownLines, EveryLineEndIsOneLineBreakWhereverThePiecesAreCut) {
+  const std::string text = "a\r\nb\nc\rd\r\n\r\n\n\re";
+  for (std::size_t cut = 0; cut <= text.size(); ++cut) {
+    ShownLines lines;
+    QString shown = lines.next(std::string_view(text).substr(0, cut));
+    shown += lines.next(std::string_view(text).substr(cut));
+    EXPECT_EQ(shown, QStringLiteral("a\nb\nc\nd\n\n\n\ne")) << "cut at " << cut;
+  }
+}
+
+TEST(ShownLines, AnEndlessLineIsBrokenAcrossPieces) {
+  ShownLines lines;
+  const std::string piece(7'000, 'x');
+  QString shown = lines.next(piece);
+  shown += lines.next(piece);
+  EXPECT_EQ(shown.indexOf(u'\n'), ShownLines::kLongestLine);
+  EXPECT_EQ(shown.size(), 14'001);
+}
+
+}  // namespace
+}  // namespace quorvel::test

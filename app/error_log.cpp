@@ -81,7 +81,7 @@ void ErrorLog::append(std::string_view block) {
     if (!file.isOk()) return;
     m_file = std::move(file.value());
   }
-  (void)m_file->append(block);
+  (void)m_file->appendLines(block);
 }
 
 }  // namespace quorvel

@@ -37,7 +37,7 @@ void BackgroundAppender::work() {
     m_changed.wait(lock, [this] { return m_isStopping || !m_batch.empty(); });
     if (m_batch.empty()) return;
     lock.unlock();
-    Status status = m_file.append(m_batch);  // nobody else touches a batch that is not empty
+    Status status = m_file.appendLines(m_batch);  // nobody else touches a batch that is not empty
     lock.lock();
     if (m_status.isOk()) m_status = std::move(status);
     m_batch.clear();

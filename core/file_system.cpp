@@ -21,6 +21,19 @@ Status writeNewFile(FileSystem& files, const std::filesystem::path& path, std::s
 
 }  // namespace
 
+Status File::appendLines(std::string_view lines, std::string_view end) {
+  const auto before = size();
+  if (!before.isOk()) return before.error();
+  Status written = append(lines);
+  if (written.isOk() && !end.empty()) written = append(end);
+  if (written.isOk()) return {};
+  const auto after = size();
+  if (!after.isOk() || after.value() <= before.value()) return written;
+  const std::string_view part = lines.substr(0, static_cast<std::size_t>(after.value() - before.value()));
+  (void)resize(before.value() + part.rfind('\n') + 1);  // npos + 1 is 0: no line was written whole
+  return written;
+}
+
 Result<std::string> FileSystem::readWhole(const std::filesystem::path& path) {
   auto file = open(path, OpenMode::Read);
   if (!file.isOk()) return file.error();
@@ -29,7 +42,7 @@ Result<std::string> FileSystem::readWhole(const std::filesystem::path& path) {
   std::string content(static_cast<std::size_t>(size.value()), '\0');
   const auto count = file.value()->readAt(0, content);
   if (!count.isOk()) return count.error();
-  content.resize(count.value());
+  if (count.value() < content.size()) return Error{ErrorCode::InputPastEnd, path};
   return content;
 }
 

@@ -42,6 +42,9 @@ class File {
   virtual Status writeAt(std::uint64_t offset, std::string_view data) = 0;
   /// Writes all of data at the end of a file opened with Append or Replace. On failure a part may have been written.
   virtual Status append(std::string_view data) = 0;
+  /// The same for whole lines: on failure the file ends with the last of them that was written whole, as far as it can
+  /// be cut there. end is written behind lines, for lines that have no copy with their end.
+  Status appendLines(std::string_view lines, std::string_view end = {});
   /// Cuts the file, or fills it up with zero bytes, to length bytes.
   virtual Status resize(std::uint64_t length) = 0;
   [[nodiscard]] virtual Result<std::uint64_t> size() const = 0;
@@ -62,7 +65,7 @@ class FileSystem {
   [[nodiscard]] virtual bool Exist(const std::filesystem::path& path) = 0;
   [[nodiscard]] virtual Result<FileStamp> stamp(const std::filesystem::path& path) = 0;
 
-  /// The whole content of a file. For settings and reports, not for logs.
+  /// The whole content of a file; a file cut meanwhile is an error. For settings and reports, not for logs.
   [[nodiscard]] Result<std::string> readWhole(const std::filesystem::path& path);
   /// Puts a file with this content in the place of path, which may be missing. The content goes to a new file beside
   /// it first: on failure, a crash or a power failure included, the old file is there as it was. An error names path.

@@ -44,7 +44,7 @@ void BadTransferLog::flush() {
     auto opened = m_files.open(m_path, OpenMode::Append);
     if (opened.isOk()) m_file = std::move(opened.value());
   }
-  if (m_file) (void)m_file->append(m_batch);
+  if (m_file) (void)m_file->appendLines(m_batch);
   m_batch.clear();
 }
 

@@ -61,7 +61,7 @@ Status AppendCounterResult(FileSystem& files, const std::filesystem::path& path,
                            std::string_view description, const CounterResultOptions& options) {
   auto file = files.open(path, OpenMode::Append);
   if (!file.isOk()) return file.error();
-  return file.value()->append(counterResultBlock(totals, description, options));
+  return file.value()->appendLines(counterResultBlock(totals, description, options));
 }
 
 }  // namespace quorvel

@@ -49,9 +49,9 @@ void ResultsFile::beginSession(const UserAct& session) {
 void ResultsFile::writeLine(std::string_view line) {
   if (line.size() >= kBatchSize) {  // a huge line goes out without being copied
     flush();
-    if (m_status.isOk()) m_status = m_file->append(line);
-    m_length += line.size();
-    line = {};
+    if (m_status.isOk()) m_status = m_file->appendLines(line, kLineEnd);
+    m_length += line.size() + kLineEnd.size();
+    return;
   }
   m_batch.append(line);
   m_length += line.size();
@@ -65,20 +65,24 @@ void ResultsFile::endSession() {
 
 void ResultsFile::flush() {
   if (m_appender && m_status.isOk()) m_status = m_appender->finish();
-  if (m_file && m_status.isOk() && !m_batch.empty()) m_status = m_file->append(m_batch);
+  if (m_file && m_status.isOk() && !m_batch.empty()) m_status = m_file->appendLines(m_batch);
   m_batch.clear();
 }
 
 void ResultsFile::open() {
   auto file = m_files.open(m_path, OpenMode::Append);
-  if (file.isOk()) {
-    m_file = std::move(file.value());
-    m_appender.emplace(*m_file);
-    const auto length = m_file->size();
-    m_length = length.isOk() ? length.value() : 0;
-  } else {
+  if (!file.isOk()) {
     m_status = file.error();
+    return;
   }
+  const auto length = file.value()->size();
+  if (!length.isOk()) {
+    m_status = length.error();
+    return;
+  }
+  m_length = length.value();
+  m_file = std::move(file.value());
+  m_appender.emplace(*m_file);
 }
 
 void ResultsFile::write(std::string_view text) {
@@ -98,8 +102,11 @@ Status ResultsFile::copyLastLines(const std::filesystem::path& target) {
     const auto count = m_file->readAt(at, piece);
     if (!count.isOk()) return count.error();
     if (count.value() < piece.size()) return Error{ErrorCode::DeviceIoError, m_path};
-    const Status written = copy.value()->append(piece);
-    if (!written.isOk()) return written;
+    Status written = copy.value()->append(piece);
+    if (!written.isOk()) {
+      (void)copy.value()->resize(0);
+      return written;
+    }
   }
   return {};
 }

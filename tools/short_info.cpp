@@ -67,7 +67,7 @@ void ShortInfoTable::flushWhenLarge() {
 
 Status ShortInfoTable::flush() {
   if (m_failure.isOk()) {
-    const Status written = m_file->append(m_batch);
+    const Status written = m_file->appendLines(m_batch);
     if (!written.isOk()) m_failure = Error{written.error().code, m_path};
   }
   m_batch.clear();

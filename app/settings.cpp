@@ -125,7 +125,10 @@ Settings::Settings(FileSystem& files, std::filesystem::path programFolder)
 void Settings::prepareFile() {
   const auto older = m_folder / kOlderFileName;
   if (m_files.Exist(older)) (void)m_files.remove(older);
-  if (!m_files.Exist(m_path)) WriteDefaultSettingsFile();
+  if (m_files.Exist(m_path)) return;
+  // Exist() says no for any trouble: only a file that is really missing may be written anew.
+  const auto text = readText();
+  if (!text.isOk() && text.error().code == ErrorCode::FileNotFound) WriteDefaultSettingsFile();
 }
 
 void Settings::resetOtherVersion() {

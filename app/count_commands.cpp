@@ -121,8 +121,9 @@ CountWork workOnUsersFile(CommandContext& context, std::function<SessionSource(U
   return [&context, choose = std::move(choose)](const LogFile& log, const CountOptions& options, TransferCount& totals,
                                                 CountObserver& observer) -> Status {
     auto users = UsersFile::open(context.files, context.state.usersFilePath());
-    if (!users.isOk()) return {};
-    return CountSessionTransfers(log, choose(users.value()), options, totals, observer);
+    if (!users.isOk()) return users.error().code == ErrorCode::FileNotFound ? Status() : users.error();
+    const Status counted = CountSessionTransfers(log, choose(users.value()), options, totals, observer);
+    return counted.isOk() ? users.value().status() : counted;
   };
 }
 

@@ -73,12 +73,15 @@ void filterIntoResultsFile(CommandContext& context, const FileFilter& command) {
     return reportFailure(context, text);
   }
   if (!users.isOk()) {
-    // Unattended, a log without sessions leaves no users file.
-    if (!state.batchFlag) reportLostUsersFile(context);
+    if (!state.batchFlag) return reportLostUsersFile(context);
+    // A log without sessions leaves no users file.
+    if (users.error().code != ErrorCode::FileNotFound) reportFailure(context, users.error().sentence());
     return;
   }
   const SessionSource source = command.sessions(users.value());
   writeBlocks(context, log.isOk() ? &log.value() : nullptr, source);
+  if (state.batchFlag && !users.value().status().isOk())
+    reportFailure(context, users.value().status().error().sentence());
 }
 
 void filterToFile(CommandContext& context, const FileFilter& command) {

@@ -57,15 +57,23 @@ void UsersFileWriter::retryOneByOne(const Error& error) {
     const std::string_view slot = std::string_view(m_batch).substr(at, kRecordSize);
     const std::int32_t recordNumber = m_firstInBatch + static_cast<std::int32_t>(at / kRecordSize);
     const Status written = m_file ? m_file->writeAt(recordOffset(recordNumber), slot) : Status(error);
-    if (!written.isOk()) m_onFailure(decodeRecord(slot).value_or(UserAct()), recordNumber, written.error());
+    if (written.isOk()) continue;
+    if (m_file) cutAt(recordOffset(recordNumber));
+    m_onFailure(decodeRecord(slot).value_or(UserAct()), recordNumber, written.error());
   }
+}
+
+void UsersFileWriter::cutAt(std::uint64_t offset) {
+  const auto size = m_file->size();
+  if (size.isOk() && size.value() > offset) (void)m_file->resize(offset);
 }
 
 UsersFile::UsersFile(std::unique_ptr<File> file, std::int32_t recordCount)
     : m_file(std::move(file)), m_recordCount(recordCount) {}
 
 Result<UsersFile> UsersFile::open(FileSystem& files, const std::filesystem::path& path, OpenMode mode) {
-  if (!files.Exist(path)) return Error{ErrorCode::FileNotFound, path};
+  const bool mayCreate = mode != OpenMode::Read;
+  if (mayCreate && !files.Exist(path)) return Error{ErrorCode::FileNotFound, path};
   auto file = files.open(path, mode);
   if (!file.isOk()) return file.error();
   const auto size = file.value()->size();
@@ -105,6 +113,10 @@ std::string_view UsersFile::slot(std::int32_t recordNumber) {
     (void)flush();  // a tree index that cannot be written is ignored, as every failure of a tree build
     m_block.resize(static_cast<std::size_t>(kSlotsPerBlock) * kRecordSize);
     const auto count = m_file->readAt(recordOffset(first), m_block);
+    const auto left = static_cast<std::size_t>(m_recordCount - first) * kRecordSize;  // and a part of the last slot
+    if (!count.isOk()) m_status = count.error();
+    if (count.isOk() && count.value() <= std::min(left, m_block.size() - 1))
+      m_status = Error{ErrorCode::InputPastEnd, {}};
     m_block.resize(count.isOk() ? count.value() : 0);
     m_firstInBlock = first;
   }

@@ -34,6 +34,8 @@ class UsersFileWriter {
  private:
   void writeBatch();
   void retryOneByOne(const Error& error);
+  /// Takes away the part of a record that could not be written whole.
+  void cutAt(std::uint64_t offset);
 
   FileSystem& m_files;
   std::filesystem::path m_path;
@@ -61,6 +63,8 @@ class UsersFile {
   /// The change is in the file after flush(). A damaged slot is left alone.
   void setTreeIndex(std::int32_t recordNumber, std::int32_t treeIndex);
   Status flush();
+  /// What kept records from being read.
+  [[nodiscard]] const Status& status() const { return m_status; }
 
  private:
   UsersFile(std::unique_ptr<File> file, std::int32_t recordCount);
@@ -71,6 +75,7 @@ class UsersFile {
   std::string m_block;              ///< consecutive slots as they stand in the file, changes included
   std::int32_t m_firstInBlock = 0;  ///< record number of the first slot in m_block; 0: none read yet
   bool m_isChanged = false;
+  Status m_status;
 };
 
 }  // namespace quorvel

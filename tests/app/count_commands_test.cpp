@@ -39,17 +39,16 @@ TEST_F(CountCommandsTest, EachCommandCountsItsSessions) {
   EXPECT_EQ(resultOf(countSelectedSessions), "selected sessions 0 1 1 0");
   state.tree.uncheckAll();
   EXPECT_EQ(resultOf(countSelectedSessions), "selected sessions 0 0 0 0");
-}
-
-TEST_F(CountCommandsTest, TheClickedNodeDecidesWhateverWasReadSince) {
   click(kSecondSession);
   state.currentSession = {};
-  EXPECT_EQ(resultOf(countSessionsTransfers), "this session 0 1 0 0");
+  EXPECT_EQ(resultOf(countSessionsTransfers), "this session 0 1 0 0") << "the clicked node decides";
   EXPECT_EQ(state.currentSession.Name, "bob");
 }
 
-TEST_F(CountCommandsTest, TheWindowIsLeftAsItWas) {
+TEST_F(CountCommandsTest, TheWindowIsLeftAsItWasAndFailedTransfersGoToTheirFile) {
+  set("GetFilenameOnTransferError", "1");
   countAllTransfers(context);
+  EXPECT_TRUE(folder.read("bad_trans.txt").ends_with("\r\n(000003) Error sending file C:\\c.zip\r\n"));
   EXPECT_TRUE(view.wasCalled("progress range 0 " + std::to_string(logLines("").size())));
   EXPECT_TRUE(view.wasCalled("status 1 \"Displaying counter result\""));
   EXPECT_EQ(view.callsStartingWith("busy").back(), "busy off");
@@ -57,35 +56,22 @@ TEST_F(CountCommandsTest, TheWindowIsLeftAsItWas) {
   EXPECT_EQ(view.status(StatusPanel::Text), "Using Serv-U log file");
 }
 
-TEST_F(CountCommandsTest, MissingSessionIsExplained) {
+TEST_F(CountCommandsTest, MissingSessionsAndFilesCountAsNothing) {
   EXPECT_EQ(resultOf(countIPTransfers), "");
   EXPECT_EQ(message(), "Please click on a session with the current IP\r\nExiting");
   EXPECT_EQ(resultOf(countUsersTransfers), "");
   EXPECT_EQ(message(), "Please click on a session with the current user\r\nExiting");
   EXPECT_EQ(view.status(StatusPanel::Text), "Using Serv-U log file");
-}
-
-TEST_F(CountCommandsTest, NothingHappensWithoutALog) {
-  state.logPath.clear();
-  for (const Command command :
-       {countAllTransfers, countSelectedSessions, countIPTransfers, countUsersTransfers, countSessionsTransfers})
-    EXPECT_EQ(resultOf(command), "");
-  EXPECT_TRUE(view.messages().empty());
-}
-
-TEST_F(CountCommandsTest, LostFilesCountAsNothingInTheWindow) {
   click(kFirstSession);
   std::filesystem::remove(state.usersFilePath());
   EXPECT_EQ(resultOf(countUsersTransfers), "username: alice 0 0 0 0");
   std::filesystem::remove(state.logPath);
   EXPECT_EQ(resultOf(countAllTransfers), "all users 0 0 0 0");
-  EXPECT_TRUE(view.messages().empty());
-}
-
-TEST_F(CountCommandsTest, FailedTransfersGoToTheirFile) {
-  set("GetFilenameOnTransferError", "1");
-  countAllTransfers(context);
-  EXPECT_TRUE(folder.read("bad_trans.txt").ends_with("\r\n(000003) Error sending file C:\\c.zip\r\n"));
+  state.logPath.clear();
+  for (const Command command :
+       {countAllTransfers, countSelectedSessions, countIPTransfers, countUsersTransfers, countSessionsTransfers})
+    EXPECT_EQ(resultOf(command), "");
+  EXPECT_EQ(view.messages().size(), 2u);
 }
 
 TEST_F(CountCommandsTest, StopShowsTheTotalsSoFar) {

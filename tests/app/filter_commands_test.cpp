@@ -38,51 +38,34 @@ TEST_F(FilterCommandsTest, HeaderShowsTheOptionsThatAreOn) {
   EXPECT_EQ(view.status(StatusPanel::FilterOptions), "Filter options: TDMS");
 }
 
-TEST_F(FilterCommandsTest, SessionIsShownInTheFilterWindow) {
+TEST_F(FilterCommandsTest, SessionIsShownInTheFilterWindowAgainFromMemoryUntilTheLogChanges) {
   folder.write("filter.qva", "of an earlier run");
   click(kSecondSession);
   filterSession(context);
   EXPECT_EQ(view.filterText(), lines(2));
   EXPECT_FALSE(folder.has("filter.qva"));
   EXPECT_EQ(view.status(StatusPanel::Text), "Using a.log");
-}
 
-TEST_F(FilterCommandsTest, SessionShownBeforeIsShownFromMemoryUntilTheLogChanges) {
-  click(kSecondSession);
-  filterSession(context);
-  const auto time = std::filesystem::last_write_time(folder / "a.log");
-  const std::string blank(std::filesystem::file_size(folder / "a.log"), ' ');
-  folder.write("a.log", blank);
-  std::filesystem::last_write_time(folder / "a.log", time);
+  const auto time = std::filesystem::last_write_time(state.logPath);
+  folder.write("a.log", std::string(std::filesystem::file_size(state.logPath), ' '));
+  std::filesystem::last_write_time(state.logPath, time);
   filterSession(context);
   EXPECT_EQ(view.filterText(), lines(2)) << "looked the same, was not read";
-  std::filesystem::last_write_time(folder / "a.log", time + std::chrono::seconds(1));
+  std::filesystem::last_write_time(state.logPath, time + std::chrono::seconds(1));
   filterSession(context);
   EXPECT_EQ(view.filterText(), "");
 }
 
-TEST_F(FilterCommandsTest, CommandFilterTellsWhenItFoundNothing) {
+TEST_F(FilterCommandsTest, OnlyTheCommandFilterTellsThatItFoundNothing) {
+  view.setFilterText("old");
+  filterSession(context);  // none was clicked
+  EXPECT_EQ(view.filterText(), "");
   set("FilterTransfers", "1");
+  filterSession(context);
+  EXPECT_EQ(view.filterText(), kNoMatch);
   click(kSecondSession);
   filterSession(context);
   EXPECT_EQ(view.filterText(), logLines("(000002) STOR") + logLines("(000002) Received") + "\r\n");
-  click(kThirdSession);
-  filterSession(context);
-  EXPECT_EQ(view.filterText(), kNoMatch);
-}
-
-TEST_F(FilterCommandsTest, SessionWithoutPositionShowsNothing) {
-  view.setFilterText("old");
-  filterSession(context);
-  EXPECT_EQ(view.filterText(), "");
-  set("FilterSITE", "1");
-  filterSession(context);
-  EXPECT_EQ(view.filterText(), kNoMatch);
-}
-
-TEST_F(FilterCommandsTest, ClickFiltersWithAutoFilterOn) {
-  clickNode(context, kFirstSession);
-  EXPECT_EQ(view.filterText(), lines(1));
 }
 
 TEST_F(FilterCommandsTest, AllSessionsAreAppended) {
@@ -101,13 +84,17 @@ TEST_F(FilterCommandsTest, AllSessionsAreAppended) {
   EXPECT_EQ(folder.read("out.txt"), all);
 }
 
-TEST_F(FilterCommandsTest, CommandFilterLeavesItsMessageAfterResultsToo) {
+TEST_F(FilterCommandsTest, CommandFilterLeavesItsMessageAfterResultsAndEmptyBlocksWithoutALog) {
   set("FilterTransfers", "1");
   filterToFile(filterAll);
   EXPECT_EQ(folder.read("out.txt"), block(1, logLines("(000001) RETR") + logLines("(000001) Sent") + "\r\n") +
                                         block(2, logLines("(000002) STOR") + logLines("(000002) Received") + "\r\n") +
                                         block(3, ""));
   EXPECT_EQ(view.filterText(), kNoMatch);
+  std::filesystem::remove(folder / "out.txt");
+  std::filesystem::remove(state.logPath);
+  filterToFile(filterAll);
+  EXPECT_EQ(folder.read("out.txt"), block(1, "") + block(2, "") + block(3, ""));
 }
 
 TEST_F(FilterCommandsTest, IpAndUserChooseBySession) {
@@ -121,48 +108,44 @@ TEST_F(FilterCommandsTest, IpAndUserChooseBySession) {
   EXPECT_EQ(state.currentSession.LogonNo, 3) << "the last record read";
 }
 
-TEST_F(FilterCommandsTest, SelectedSessionsFollowTheNodes) {
+TEST_F(FilterCommandsTest, SelectedSessionsFollowTheNodesOfWhateverFileIsThere) {
   state.showsCheckBoxes = true;
+  replaceResults();
   click(kFirstSession);
   for (const std::int32_t node : {kThirdSession, kSecondSession, kBobNode})
     state.tree.setChecked(node, true);
   filterToFile(filterSelected);
   EXPECT_EQ(folder.read("out.txt"), block(2) + block(3));
-}
 
-TEST_F(FilterCommandsTest, SelectedSessionsAreSearchedWhereTheTreeIsNotOfThisFile) {
-  state.showsCheckBoxes = true;
-  click(kFirstSession);
-  state.tree.setChecked(kThirdSession, true);
+  state.tree.setChecked(kSecondSession, false);
   auto users = UsersFile::open(systemFiles(), state.usersFilePath(), OpenMode::ReadWrite);
   users.value().setTreeIndex(3, 0);
   users.value().setTreeIndex(1, kThirdSession);
   users.value().setTreeIndex(2, kThirdSession);
   ASSERT_TRUE(users.value().flush().isOk());
   filterToFile(filterSelected);
-  EXPECT_EQ(folder.read("out.txt"), block(1));
+  EXPECT_EQ(folder.read("out.txt"), block(1)) << "the first record with the node's number";
 }
 
 TEST_F(FilterCommandsTest, MissingChoicesAreExplained) {
   struct Case {
     Command command;
     bool showsCheckBoxes;
-    bool asks;
+    std::size_t asked;
     const char* text;
   };
   const Case cases[] = {
-      {filterIP, false, true, "Exiting\r\nPlease click on a session with the current IP"},
-      {filterUser, false, true, "Exiting\r\nPlease click on a session with the current user"},
-      {filterSelected, true, true, "Exiting\r\nPlease click on a session with the current user"},
-      {filterSelected, false, false,
+      {filterSelected, false, 0,
        "No checkboxes availible.\r\nEneable the checkboxes.\r\nPreferences -> Options -> TreeView options"},
+      {filterIP, false, 1, "Exiting\r\nPlease click on a session with the current IP"},
+      {filterUser, false, 2, "Exiting\r\nPlease click on a session with the current user"},
+      {filterSelected, true, 3, "Exiting\r\nPlease click on a session with the current user"},
   };
   for (const Case& c : cases) {
-    const std::size_t asked = view.fileRequests().size();
     state.showsCheckBoxes = c.showsCheckBoxes;
     filterToFile(c.command);
     EXPECT_EQ(message(), c.text);
-    EXPECT_EQ(view.fileRequests().size() - asked, c.asks ? 1u : 0u);
+    EXPECT_EQ(view.fileRequests().size(), c.asked);
     EXPECT_FALSE(folder.has("out.txt"));
   }
   EXPECT_EQ(view.status(StatusPanel::Text), "Using a.log");
@@ -188,27 +171,11 @@ TEST_F(FilterCommandsTest, KeepsOldResultsWhereThereAreNoNewOnes) {
   std::filesystem::rename(folder / "a.log", folder / "b.log");
   filterToFile(filterAll);
   EXPECT_TRUE(view.messages().empty());
-  startBatch();
-  filterAll(context);
-  EXPECT_TRUE(state.batchFailed);
-  EXPECT_EQ(view.messages().size(), 1u);
-  EXPECT_NE(message().find("a.log"), std::string::npos);
-
-  state.batchFlag = false;
   std::filesystem::rename(folder / "b.log", folder / "a.log");
   std::filesystem::remove(state.usersFilePath());
   filterToFile(filterAll);
   EXPECT_TRUE(message().starts_with("Lost file: users.qva\r\n"));
   EXPECT_EQ(folder.read("out.txt"), "old");
-}
-
-TEST_F(FilterCommandsTest, MissingLogLeavesBlocksOfTheCommandFilterEmpty) {
-  std::filesystem::remove(state.logPath);
-  filterToFile(filterAll);
-  EXPECT_FALSE(folder.has("out.txt"));
-  set("FilterTransfers", "1");
-  filterToFile(filterAll);
-  EXPECT_EQ(folder.read("out.txt"), block(1, "") + block(2, "") + block(3, ""));
 }
 
 TEST_F(FilterCommandsTest, BatchUsesItsOwnKeysAndFile) {
@@ -224,13 +191,20 @@ TEST_F(FilterCommandsTest, BatchUsesItsOwnKeysAndFile) {
   EXPECT_FALSE(state.batchFailed);
 }
 
-TEST_F(FilterCommandsTest, ResultsThatCannotBeWrittenAreReportedOnce) {
+TEST_F(FilterCommandsTest, BatchNamesTheFileItCannotUse) {
   startBatch();
   state.batchOutputFile = folder / "missing" / "out.txt";
-  filterAll(context);
-  EXPECT_TRUE(state.batchFailed);
-  ASSERT_EQ(view.messages().size(), 1u);
-  EXPECT_NE(message().find("out.txt"), std::string::npos);
+  for (const char* name : {"out.txt", "a.log"}) {
+    const std::size_t told = view.messages().size();
+    state.batchFailed = false;
+    filterAll(context);
+    EXPECT_TRUE(state.batchFailed) << name;
+    EXPECT_EQ(view.messages().size(), told + 1) << name;
+    EXPECT_NE(message().find(name), std::string::npos) << message();
+    startBatch();
+    std::filesystem::remove(state.logPath);
+  }
+  EXPECT_FALSE(folder.has("out.txt"));
 }
 
 TEST_F(FilterCommandsTest, StopEndsTheCommandWithCompleteLines) {

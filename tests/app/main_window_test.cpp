@@ -1,94 +1,62 @@
 #include "app/main_window.h"
 
-#include <gtest/gtest.h>
-
-#include "tests/support/recording_view.h"
-#include "tests/support/temp_folder.h"
+#include "tests/app/scanned_log.h"
 
 namespace quorvel::test {
 namespace {
 
 constexpr WindowBounds kBounds{10, 20, 640, 480};
 
-class MainWindowTest : public testing::Test {
+class MainWindowTest : public CommandTest {
  protected:
-  MainWindowTest() { settings.WriteDefaultSettingsFile(); }
-  void save(const WindowBounds& bounds, const char* maximized) {
-    settings.WriteSetting("POSITION", "MainTop", std::to_string(bounds.top));
-    settings.WriteSetting("POSITION", "MainLeft", std::to_string(bounds.left));
-    settings.WriteSetting("POSITION", "MainWidth", std::to_string(bounds.width));
-    settings.WriteSetting("POSITION", "MainHeight", std::to_string(bounds.height));
-    settings.WriteSetting("MAIN", "Maximized", maximized);
-  }
-
-  TempFolder folder;
-  Settings settings{systemFiles(), folder.path()};
-  RecordingView view;
-  Pacer pacer{Pacer::Clock::duration::zero()};
   frmMain window{systemFiles(), settings, view, pacer, folder.path()};
 };
 
 TEST_F(MainWindowTest, AFreshStartShowsTheVersionAndNoCommandThatNeedsSessions) {
-  window.load();
+  for (const char* boxes : {"off", "on"}) {
+    view.forgetCalls();
+    window.load();
+    EXPECT_TRUE(view.wasCalled("tree boxes " + std::string(boxes)));
+    EXPECT_TRUE(view.wasCalled("check mnuShowCheckboxesInTreeView " + std::string(boxes)));
+    settings.WriteSetting("OPTION-TREEVIEW", "CheckBoxInTreeView", "1");
+  }
   EXPECT_EQ(view.status(StatusPanel::Text), "Version: 1.1.400");
   EXPECT_EQ(view.status(StatusPanel::FilterOptions), "Filter options: A");
   EXPECT_TRUE(view.wasCalled("tree header \"Username\\r\\n|--Logontime\""));
   EXPECT_TRUE(view.wasCalled("progress off"));
   EXPECT_TRUE(view.wasCalled("labels off"));
-  EXPECT_EQ(view.callsStartingWith("enable").size(), 10U);
-  for (const MenuItem item :
-       {MenuItem::mnuFilterAll, MenuItem::mnuFilterSelected, MenuItem::mnuFilterIP, MenuItem::mnuFilterUser,
-        MenuItem::mnuFilterSession, MenuItem::mnuCountAllTransfers, MenuItem::mnuCountSelectedSessions,
-        MenuItem::mnuCountIPTransfers, MenuItem::mnuCountUsersTransfers, MenuItem::mnuCountSessionsTransfers})
-    EXPECT_FALSE(view.isEnabled(item)) << menuItemName(item);
+  EXPECT_EQ(view.callsStartingWith("enable mnuFilter").size(), 5U);
+  EXPECT_EQ(view.callsStartingWith("enable mnuCount").size(), 5U);
+  for (const std::string& call : view.callsStartingWith("enable"))
+    EXPECT_TRUE(call.ends_with(" off")) << call;
 }
 
-TEST_F(MainWindowTest, CheckBoxesStartAsTheyWereLeft) {
-  for (const bool shown : {false, true}) {
-    settings.WriteSetting("OPTION-TREEVIEW", "CheckBoxInTreeView", shown ? "1" : "0");
-    window.load();
-    EXPECT_EQ(window.state().showsCheckBoxes, shown);
-    EXPECT_EQ(view.isChecked(MenuItem::mnuShowCheckboxesInTreeView), shown);
-    EXPECT_TRUE(view.wasCalled(shown ? "tree boxes on" : "tree boxes off"));
-  }
-}
-
-TEST_F(MainWindowTest, BoundsAreUsedOnlyWhenAllAreAtLeastOne) {
+TEST_F(MainWindowTest, BoundsAreSavedWithAWindowAndUsedWhenAllAreAtLeastOne) {
   EXPECT_TRUE(window.readPlacement().isCentred) << "fresh settings hold none";
-  save(kBounds, "True");
-  EXPECT_EQ(window.readPlacement().bounds, kBounds);
-  EXPECT_TRUE(window.readPlacement().isMaximized);
-  EXPECT_FALSE(window.readPlacement().isCentred);
+  for (const bool isMaximized : {true, false}) {
+    folder.write("users.qva", "x");
+    window.unload(kBounds, isMaximized);
+    EXPECT_FALSE(folder.has("users.qva"));
+    EXPECT_EQ(settings.ReadSetting("MAIN", "Maximized"), isMaximized ? "True" : "False");
+    EXPECT_EQ(window.readPlacement().bounds, kBounds);
+    EXPECT_EQ(window.readPlacement().isMaximized, isMaximized);
+    EXPECT_FALSE(window.readPlacement().isCentred);
+  }
+  const std::string before = folder.read("quorvel.ini");
+  folder.write("users.qva", "x");
+  window.unload();  // a run without a window
+  EXPECT_FALSE(folder.has("users.qva"));
+  EXPECT_EQ(folder.read("quorvel.ini"), before);
   for (const WindowBounds& bad :
        {WindowBounds{0, 20, 640, 480}, {10, -5, 640, 480}, {10, 20, 0, 480}, {10, 20, 640, 0}}) {
-    save(bad, "True");
+    window.unload(bad, true);
     EXPECT_TRUE(window.readPlacement().isCentred);
     EXPECT_FALSE(window.readPlacement().isMaximized);
   }
 }
 
-TEST_F(MainWindowTest, UnloadingSavesTheBoundsAndDeletesTheUsersFile) {
-  folder.write("users.qva", "x");
-  window.unload(kBounds, true);
-  EXPECT_FALSE(folder.has("users.qva"));
-  EXPECT_EQ(settings.ReadSetting("MAIN", "Maximized"), "True");
-  EXPECT_EQ(window.readPlacement().bounds, kBounds);
-  window.unload(kBounds, false);
-  EXPECT_FALSE(window.readPlacement().isMaximized);
-}
-
-TEST_F(MainWindowTest, ARunWithoutAWindowKeepsTheBoundsSaved) {
-  folder.write("users.qva", "x");
-  save(kBounds, "True");
-  const std::string before = folder.read("quorvel.ini");
-  window.unload();
-  EXPECT_FALSE(folder.has("users.qva"));
-  EXPECT_EQ(folder.read("quorvel.ini"), before);
-}
-
 TEST_F(MainWindowTest, ClosingStopsTheRunningCommandFirst) {
-  const auto log = folder.write("a.log", "Wed 19Jan05 13:28:01 - (000001) Connected to 10.0.0.5 (x)\r\n");
-  window.openLogFile(log);
+  window.openLogFile(folder.write("a.log", logLines("")));
   view.atYield(2, [this] { window.unload(kBounds, false); });
   window.mnuFindUsers_Click();
   EXPECT_EQ(view.callsStartingWith("close").size(), 1U);
@@ -99,16 +67,9 @@ TEST_F(MainWindowTest, ClosingStopsTheRunningCommandFirst) {
   EXPECT_FALSE(folder.has("users.qva"));
 }
 
-TEST_F(MainWindowTest, StopOnlySetsTheFlag) {
-  window.mnuStop_Click();
-  EXPECT_TRUE(window.state().stopFlag);
-  EXPECT_TRUE(view.calls().empty());
-}
-
 TEST_F(MainWindowTest, AutoFilterIsReadFromOneSectionAndWrittenToAnother) {
-  const std::pair<const char*, const char*> kCases[] = {{"0", "1"}, {"1", "0"}, {"2", ""}};
+  const std::pair<const char*, const char*> kCases[] = {{"2", ""}, {"0", "1"}, {"1", "0"}};
   for (const auto& [read, written] : kCases) {
-    settings.WriteDefaultSettingsFile();
     settings.WriteSetting("OPTION-FILTER", "AutoFilterSession", read);
     view.forgetCalls();
     window.toggleAutoFilter();

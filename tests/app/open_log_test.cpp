@@ -1,36 +1,11 @@
-#include <gtest/gtest.h>
-
 #include "app/open_log_command.h"
 #include "core/text.h"
-#include "tests/support/recording_view.h"
-#include "tests/support/temp_folder.h"
+#include "tests/app/scanned_log.h"
 
 namespace quorvel::test {
 namespace {
 
-class OpenLogTest : public testing::Test {
- protected:
-  OpenLogTest() {
-    state.programFolder = folder.path();
-    settings.WriteDefaultSettingsFile();
-  }
-  [[nodiscard]] std::string setting(std::string_view key) const { return settings.ReadSetting("MAIN", key); }
-  /// Nothing is open and no setting or menu was touched.
-  void expectUntouched() const {
-    EXPECT_TRUE(state.logPath.empty());
-    EXPECT_EQ(state.logType, LogType::None);
-    EXPECT_EQ(folder.read("quorvel.ini"), defaultSettingsText());
-    EXPECT_TRUE(view.callsStartingWith("enable").empty());
-    EXPECT_TRUE(view.callsStartingWith("status").empty());
-  }
-
-  TempFolder folder;
-  Settings settings{systemFiles(), folder.path()};
-  MainWindowState state;
-  RecordingView view;
-  Pacer pacer;
-  CommandContext context{systemFiles(), settings, state, view, pacer};
-};
+using OpenLogTest = CommandTest;
 
 TEST_F(OpenLogTest, TheChosenLogIsShownAndRemembered) {
   TempFolder logs;
@@ -40,8 +15,8 @@ TEST_F(OpenLogTest, TheChosenLogIsShownAndRemembered) {
   EXPECT_EQ(state.logPath, log);
   EXPECT_EQ(state.logTitle, "a b.log");
   EXPECT_EQ(view.status(StatusPanel::Text), "Using a b.log");
-  EXPECT_EQ(setting("LastOpenPath"), logs.path().string());
-  EXPECT_EQ(setting("LastOpenFileType"), "1");
+  EXPECT_EQ(settings.ReadSetting("MAIN", "LastOpenPath"), logs.path().string());
+  EXPECT_EQ(settings.ReadSetting("MAIN", "LastOpenFileType"), "1");
   EXPECT_TRUE(view.isEnabled(MenuItem::mnuCountAllTransfers));
   for (const MenuItem item : {MenuItem::mnuFilterAll, MenuItem::mnuFilterSession, MenuItem::mnuCountSelectedSessions,
                               MenuItem::mnuCountSessionsTransfers})
@@ -55,22 +30,14 @@ TEST_F(OpenLogTest, TheChosenLogIsShownAndRemembered) {
 }
 
 TEST_F(OpenLogTest, TheFilterIndexDecidesOnTheType) {
-  const struct {
-    int index;
-    LogType type;
-    std::string name;
-  } kCases[] = {{1, LogType::ServU, "Serv-U log file"},
-                {2, LogType::ServU25a, "Serv-U 2.5a + log file"},
-                {3, LogType::WarFtpd, "WAR FTPD log file"},
-                {0, LogType::ServU, "Serv-U log file"},
-                {4, LogType::ServU, "Serv-U log file"}};
+  const std::string names[] = {"Serv-U log file", "Serv-U 2.5a + log file", "WAR FTPD log file"};
   const auto log = folder.write("a.log", "x");
-  for (const auto& c : kCases) {
-    view.chooseOpen(log, c.index);
+  for (const auto& [index, type] : {std::pair(1, 1), {2, 2}, {3, 3}, {0, 1}, {4, 1}}) {
+    view.chooseOpen(log, index);
     chooseLogFile(context);
-    EXPECT_EQ(state.logType, c.type) << c.index;
-    EXPECT_EQ(state.logTypeName, c.name);
-    EXPECT_EQ(view.status(StatusPanel::LogType), c.name);
+    EXPECT_EQ(state.logType, static_cast<LogType>(type)) << index;
+    EXPECT_EQ(state.logTypeName, names[type - 1]);
+    EXPECT_EQ(view.status(StatusPanel::LogType), names[type - 1]);
   }
 }
 
@@ -86,28 +53,24 @@ TEST_F(OpenLogTest, TheTypeChosenLastIsOfferedAndTakenForADroppedLog) {
   }
 }
 
-TEST_F(OpenLogTest, CancellingChangesNothing) {
+TEST_F(OpenLogTest, WithoutAFileNothingChanges) {
   chooseLogFile(context);
-  expectUntouched();
   EXPECT_TRUE(view.messages().empty());
-}
-
-TEST_F(OpenLogTest, AFailedDialogIsTold) {
   view.answerOpen({FileChoice::Outcome::Failed, {}, 1, "No dialog.", 12});
   chooseLogFile(context);
-  expectUntouched();
-  EXPECT_EQ(view.messages().at(0).text, "Error 12 selecting file.\r\nNo dialog.");
-}
-
-TEST_F(OpenLogTest, WhatIsNoFileIsRefused) {
+  EXPECT_EQ(message(), "Error 12 selecting file.\r\nNo dialog.");
   for (const auto& path : {folder.path(), folder / "gone.log"}) {
     view.chooseOpen(path);
     chooseLogFile(context);
     openLogFile(context, path);
-    expectUntouched();
-    EXPECT_EQ(view.messages().back().text, pathText(path) + ": There is no such file.");
+    EXPECT_EQ(message(), pathText(path) + ": There is no such file.");
   }
-  EXPECT_EQ(view.messages().size(), 4U);
+  EXPECT_EQ(view.messages().size(), 5U);
+  EXPECT_TRUE(state.logPath.empty());
+  EXPECT_EQ(state.logType, LogType::None);
+  EXPECT_EQ(folder.read("quorvel.ini"), defaultSettingsText());
+  EXPECT_TRUE(view.callsStartingWith("enable").empty());
+  EXPECT_TRUE(view.callsStartingWith("status").empty());
 }
 
 }  // namespace

@@ -1,10 +1,6 @@
 #include "app/options.h"
 
-#include <gtest/gtest.h>
-
-#include "app/main_window_state.h"
-#include "tests/support/recording_view.h"
-#include "tests/support/temp_folder.h"
+#include "tests/app/scanned_log.h"
 
 namespace quorvel::test {
 namespace {
@@ -15,44 +11,29 @@ constexpr int kSavePage = 2;
 constexpr int kTreeViewPage = 3;
 constexpr int kCommandLinePage = 5;
 
-class Options : public ::testing::Test {
+class Options : public CommandTest {
  protected:
-  Options() {
-    settings.prepareFile();
-    settings.resetOtherVersion();
-    state.programFolder = folder.path();
-    folder.write("users.qva", "");
-  }
+  Options() { folder.write("users.qva", ""); }
 
-  std::string filterKeys() const {
+  [[nodiscard]] std::string filterKeys() const {
     std::string values;
     for (const char* key : {"FilterEntireSession", "FilterTransfers", "FilterDeletes", "FilterMDTM", "FilterSITE"})
       values += settings.ReadSetting("OPTION-FILTER", key);
     return values;
   }
   /// The visible boxes' states, "-" behind a disabled one.
-  std::string boxes() const {
+  [[nodiscard]] std::string boxes() const {
     std::string text;
     for (const CheckBoxControl& box : form.controls().chkOption) {
       if (box.isVisible) text += std::to_string(static_cast<int>(box.value)) + (box.isEnabled ? "" : "-");
     }
     return text;
   }
-  bool asksForTreeUpdate() {
-    form.cmdOK_Click();
-    return !view.messages().empty();
-  }
 
-  TempFolder folder;
-  Settings settings{systemFiles(), folder.path()};
-  MainWindowState state;
-  RecordingView view;
-  Pacer pacer;
-  CommandContext context{systemFiles(), settings, state, view, pacer};
   frmOption form{context};
 };
 
-TEST_F(Options, FreshSettingsFillEveryPage) {
+TEST_F(Options, FreshSettingsFillEveryPageAndStayAsTheyAre) {
   form.Form_Load();
   const std::array<std::string, frmOption::kPageCount> expected = {"112-2-2-2-1", "11111110", "1", "01", "10", "1"};
   for (int page = 0; page < frmOption::kPageCount; ++page) {
@@ -60,19 +41,12 @@ TEST_F(Options, FreshSettingsFillEveryPage) {
     EXPECT_EQ(boxes(), expected[static_cast<std::size_t>(page)]) << page;
     EXPECT_EQ(form.controls().footnote.isVisible, page == kFilterPage);
     EXPECT_EQ(form.controls().optOption[3].isVisible, page == kTreeViewPage);
-    EXPECT_FALSE(form.controls().optOption[4].isVisible);
     EXPECT_FALSE(form.controls().comboBox.isVisible);
   }
-}
-
-TEST_F(Options, LeavingEveryPageUntouchedChangesNothing) {
-  const std::string before = folder.read("quorvel.ini");
-  form.Form_Load();
-  for (int page = 1; page < frmOption::kPageCount; ++page)
-    form.lstSelectOption_Click(page);
   form.cmdOK_Click();
-  EXPECT_EQ(folder.read("quorvel.ini"), before);
+  EXPECT_EQ(folder.read("quorvel.ini"), defaultSettingsText());
   EXPECT_TRUE(view.messages().empty());
+  EXPECT_FALSE(view.callsStartingWith("status 4").empty()) << "the filter summary is written in any case";
 }
 
 TEST_F(Options, FilterEntireSessionCoversTheFourOthers) {
@@ -81,6 +55,9 @@ TEST_F(Options, FilterEntireSessionCoversTheFourOthers) {
   EXPECT_EQ(boxes(), "1000001");
   form.chkOption_Click(4);
   EXPECT_EQ(boxes(), "1000101");
+  form.lstSelectOption_Click(kShortInfoPage);
+  EXPECT_EQ(filterKeys(), "00010");
+  form.lstSelectOption_Click(kFilterPage);
   form.chkOption_Click(1);
   EXPECT_EQ(boxes(), "112-2-2-2-1");
   form.chkOption_Click(4);
@@ -89,85 +66,64 @@ TEST_F(Options, FilterEntireSessionCoversTheFourOthers) {
   EXPECT_EQ(filterKeys(), "12222");
 }
 
-TEST_F(Options, ClearedFilterKeysAreStored) {
-  form.Form_Load();
-  form.chkOption_Click(1);
-  form.chkOption_Click(3);
-  form.cmdOK_Click();
-  EXPECT_EQ(filterKeys(), "00100");
-}
-
-TEST_F(Options, StoredTwoLocksOnlyRowsThatMayBeLocked) {
-  settings.WriteSetting("OPTION-FILTER", "AutoFilterSession", "2");
-  settings.WriteSetting("MAIN", "TrunkLongUsernames", "2");
-  form.Form_Load();
-  EXPECT_EQ(boxes(), "212-2-2-2-2-");
+TEST_F(Options, StoredValuesDecideOnBoxesAndTheirLocks) {
+  struct Case {
+    const char *autoFilter, *transfers, *deletes, *trunk, *boxes;
+  };
+  for (const Case& c : {Case{"", "yes", "7", "1", "112-12-2-1"}, {"2", "2", "0", "2", "212-02-2-2-"}}) {
+    settings.WriteSetting("OPTION-FILTER", "AutoFilterSession", c.autoFilter);
+    settings.WriteSetting("OPTION-FILTER", "FilterTransfers", c.transfers);
+    settings.WriteSetting("OPTION-FILTER", "FilterDeletes", c.deletes);
+    settings.WriteSetting("MAIN", "TrunkLongUsernames", c.trunk);
+    form.Form_Load();
+    EXPECT_EQ(boxes(), c.boxes);
+  }
   form.chkOption_Click(0);
-  EXPECT_EQ(boxes(), "012-2-2-2-2-");
-}
-
-TEST_F(Options, GarbledValuesReadAsTheirDefaults) {
-  settings.WriteSetting("OPTION-FILTER", "AutoFilterSession", "");
-  settings.WriteSetting("OPTION-FILTER", "FilterTransfers", "yes");
-  settings.WriteSetting("OPTION-FILTER", "FilterDeletes", "7");
-  form.Form_Load();
-  EXPECT_EQ(boxes(), "112-12-2-1");
+  EXPECT_EQ(boxes(), "012-02-2-2-") << "greyed, not locked";
 }
 
 TEST_F(Options, PagesLeftBeforeAreSavedWithoutOk) {
   form.Form_Load();
   form.lstSelectOption_Click(kShortInfoPage);
   form.chkOption_Click(7);
+  form.lstSelectOption_Click(kTreeViewPage);
+  form.chkOption_Click(4);
   form.lstSelectOption_Click(kSavePage);
   form.chkOption_Click(0);  // and now Cancel
   EXPECT_EQ(settings.ReadSetting("OPTION-SAVE-SHORT-INFO", "SaveTreeIndex"), "1");
   EXPECT_EQ(settings.ReadSetting("OPTION-SAVE", "AppendWhenFilter"), "1");
-}
-
-TEST_F(Options, AnotherLayoutAsksForTheTree) {
-  form.Form_Load();
-  form.lstSelectOption_Click(kTreeViewPage);
-  form.optOption_Click(2);
-  view.answerMessage(false);
-  EXPECT_TRUE(asksForTreeUpdate());
-  EXPECT_EQ(settings.ReadSetting("OPTION-TREEVIEW", "TreeViewType"), "2");
-  EXPECT_EQ(view.callsStartingWith("tree header").size(), 1U);
-}
-
-TEST_F(Options, TheLayoutStoredAsksNothing) {
-  form.Form_Load();
-  form.lstSelectOption_Click(kTreeViewPage);
-  form.optOption_Click(1);
-  form.optOption_Click(0);
-  EXPECT_FALSE(asksForTreeUpdate());
-  EXPECT_FALSE(view.callsStartingWith("status 4").empty()) << "the filter summary is written in any case";
-}
-
-TEST_F(Options, QuitUsersAskForTheTreeFromAnotherPageToo) {
-  form.Form_Load();
-  form.lstSelectOption_Click(kTreeViewPage);
-  form.chkOption_Click(5);
-  form.lstSelectOption_Click(kCommandLinePage);
-  view.answerMessage(false);
-  EXPECT_TRUE(asksForTreeUpdate());
-  EXPECT_EQ(settings.ReadSetting("OPTION-TREEVIEW", "DisplayQUITUsers"), "0");
-}
-
-TEST_F(Options, CheckBoxesOfTheTreeAppearAtOnce) {
-  form.Form_Load();
-  form.lstSelectOption_Click(kTreeViewPage);
-  form.chkOption_Click(4);
-  form.lstSelectOption_Click(kFilterPage);
   EXPECT_TRUE(view.wasCalled("tree boxes on"));
   EXPECT_TRUE(state.showsCheckBoxes);
 }
 
-TEST_F(Options, AnUnknownLayoutStaysUntilOneIsChosen) {
-  settings.WriteSetting("OPTION-TREEVIEW", "TreeViewType", "9");
-  form.Form_Load();
-  form.lstSelectOption_Click(kTreeViewPage);
-  EXPECT_FALSE(asksForTreeUpdate());
-  EXPECT_EQ(settings.ReadSetting("OPTION-TREEVIEW", "TreeViewType"), "9");
+TEST_F(Options, AnotherLayoutOrOtherQuitUsersAskForTheTree) {
+  struct Case {
+    const char* stored;
+    std::vector<std::size_t> layoutsClicked;
+    bool togglesQuitUsers;
+    const char* saved;
+    bool asks;
+  };
+  const Case cases[] = {{"0", {2}, false, "2", true},
+                        {"0", {1, 0}, false, "0", false},
+                        {"0", {}, true, "0", true},
+                        {"9", {}, false, "9", false}};
+  for (const Case& c : cases) {
+    settings.WriteSetting("OPTION-TREEVIEW", "TreeViewType", c.stored);
+    const std::size_t asked = view.messages().size();
+    view.forgetCalls();
+    form.Form_Load();
+    form.lstSelectOption_Click(kTreeViewPage);
+    for (const std::size_t layout : c.layoutsClicked)
+      form.optOption_Click(layout);
+    if (c.togglesQuitUsers) form.chkOption_Click(5);
+    if (c.togglesQuitUsers) form.lstSelectOption_Click(kCommandLinePage);
+    form.cmdOK_Click();
+    EXPECT_EQ(view.messages().size() - asked, c.asks ? 1U : 0U) << c.stored;
+    EXPECT_EQ(view.callsStartingWith("tree header").size(), c.asks ? 1U : 0U);
+    EXPECT_EQ(settings.ReadSetting("OPTION-TREEVIEW", "TreeViewType"), c.saved);
+  }
+  EXPECT_EQ(settings.ReadSetting("OPTION-TREEVIEW", "DisplayQUITUsers"), "0");
 }
 
 TEST_F(Options, TheBufferPageShowsTheSizeAndSavesNothing) {

@@ -1,8 +1,10 @@
-// A main window with a small log whose sessions were found and put into the tree.
+// A main window for the tests of its commands, and one with a small log whose sessions were found and put into the
+// tree.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,6 +12,7 @@
 #include "app/tree_commands.h"
 #include "core/servu_find_user_info.h"
 #include "core/users_file.h"
+#include "tests/support/failing_files.h"
 #include "tests/support/recording_view.h"
 #include "tests/support/temp_folder.h"
 
@@ -41,14 +44,39 @@ inline std::string logLines(std::string_view part) {
   return text;
 }
 
-class ScannedLogTest : public testing::Test, private FindObserver {
+/// Fresh settings in a folder of their own, and every yield taken.
+class CommandTest : public testing::Test {
+ protected:
+  CommandTest() {
+    state.programFolder = folder.path();
+    state.logTitle = "a.log";
+    settings.WriteDefaultSettingsFile();
+  }
+  [[nodiscard]] std::string message() const { return view.messages().empty() ? "" : view.messages().back().text; }
+  /// Attempts something on files whose operation 1, 2, 3 ... fails, until none does. Returns the number of attempts.
+  int failEachOperation(const std::function<void(CommandContext&, const FailingFiles&)>& attempt) {
+    for (int failing = 1;; ++failing) {
+      SCOPED_TRACE("operation " + std::to_string(failing));
+      FailingFiles files(failing);
+      CommandContext other{files, settings, state, view, pacer};
+      attempt(other, files);
+      if (!files.hasFailed()) return failing;
+    }
+  }
+
+  TempFolder folder;
+  Settings settings{systemFiles(), folder.path()};
+  MainWindowState state;
+  RecordingView view;
+  Pacer pacer{Pacer::Clock::duration::zero()};
+  CommandContext context{systemFiles(), settings, state, view, pacer};
+};
+
+class ScannedLogTest : public CommandTest, private FindObserver {
  protected:
   ScannedLogTest() {
-    state.programFolder = folder.path();
     state.logPath = folder.write("a.log", logLines(""));
-    state.logTitle = "a.log";
     state.logTypeName = "Serv-U log file";
-    settings.WriteDefaultSettingsFile();
     const auto log = LogFile::open(systemFiles(), state.logPath);
     EXPECT_TRUE(ServuFindUserInfo(log.value(), {}, *this).isOk());
     m_writer.flush();
@@ -65,14 +93,6 @@ class ScannedLogTest : public testing::Test, private FindObserver {
     state.batchFlag = true;
     state.batchOutputFile = folder / "out.txt";
   }
-  [[nodiscard]] std::string message() const { return view.messages().empty() ? "" : view.messages().back().text; }
-
-  TempFolder folder;
-  Settings settings{systemFiles(), folder.path()};
-  MainWindowState state;
-  RecordingView view;
-  Pacer pacer{Pacer::Clock::duration::zero()};
-  CommandContext context{systemFiles(), settings, state, view, pacer};
 
  private:
   void onSession(const UserAct& record) override { m_writer.WriteSessionRecord(record, record.LogonNo); }

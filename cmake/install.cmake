@@ -3,7 +3,7 @@ include(GNUInstallDirs)
 
 install(TARGETS quorvel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES packaging/quorvel.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES README.md docs/architecture.md docs/file_formats.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md docs/architecture.md docs/file_formats.md docs/performance.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
 if(QUORVEL_GUI)
   install(FILES packaging/quorvel.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)

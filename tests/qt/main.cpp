@@ -20,7 +20,7 @@ void failOnWarning(QtMsgType type, const QMessageLogContext&, const QString& mes
 }  // namespace
 
 int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
+  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   testing::InitGoogleTest(&argc, argv);
   qInstallMessageHandler(failOnWarning);
   QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);

@@ -54,7 +54,8 @@ inline std::string sessionLog(int number, const std::string& ip, const std::stri
 
 class WindowTest : public testing::Test {
  protected:
-  WindowTest() {
+  /// The commands run the interface at every step, unless told otherwise.
+  explicit WindowTest(Pacer::Clock::duration interval = Pacer::Clock::duration::zero()) : pacer(interval) {
     settings.prepareFile();
     settings.resetOtherVersion();
     window.connectCommands(commands);
@@ -112,7 +113,7 @@ class WindowTest : public testing::Test {
   TempFolder folder;
   Settings settings{systemFiles(), folder.path()};
   AnsweredFileDialogs dialogs;
-  Pacer pacer{Pacer::Clock::duration::zero()};  // the commands run the interface at every step
+  Pacer pacer;
   MainWindow window{dialogs};
   frmMain commands{systemFiles(), settings, window, pacer, folder.path()};
 };

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "app/find_users_command.h"
 #include "app/open_log_command.h"
 #include "core/text.h"
@@ -148,11 +150,49 @@ TEST_F(FindUsersTest, ARecordTooLongIsLoggedAndTold) {
   EXPECT_EQ(view.messages().size(), 1U);
 }
 
+/// Real files, save that big.log is one session at the start, zero bytes, and another session beyond 2 GB.
+class FarLogFiles : public FailingFiles {
+ public:
+  FarLogFiles() : FailingFiles(0) {}
+  Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) override {
+    if (path.filename() != "big.log") return FailingFiles::open(path, mode);
+    return Result<std::unique_ptr<File>>(std::make_unique<FarLog>());
+  }
+
+ private:
+  class FarLog : public File {
+   public:
+    Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const override {
+      std::fill(buffer.begin(), buffer.end(), '\0');
+      put(0, m_first, offset, buffer);
+      put(kFar, m_second, offset, buffer);
+      const std::uint64_t end = kFar + m_second.size();
+      return static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), end - std::min(offset, end)));
+    }
+    Status writeAt(std::uint64_t, std::string_view) override { return Error{ErrorCode::PermissionDenied, {}}; }
+    Status append(std::string_view) override { return Error{ErrorCode::PermissionDenied, {}}; }
+    Status resize(std::uint64_t) override { return Error{ErrorCode::PermissionDenied, {}}; }
+    Result<std::uint64_t> size() const override { return kFar + m_second.size(); }
+    Status sync() override { return {}; }
+
+   private:
+    static constexpr std::uint64_t kFar = 0x80000000U;
+    /// The part of text, which stands at position, that lies in the buffer read from offset.
+    static void put(std::uint64_t position, std::string_view text, std::uint64_t offset, std::span<char> buffer) {
+      for (std::size_t i = 0; i < text.size(); ++i)
+        if (position + i >= offset && position + i - offset < buffer.size())
+          buffer[static_cast<std::size_t>(position + i - offset)] = text[i];
+    }
+    std::string m_first = logLines("(000001)");
+    std::string m_second = logLines("(000002)");
+  };
+};
+
 TEST_F(FindUsersTest, ASessionBeyondWhatARecordHoldsEndsTheScan) {
-  useText(logLines("(000001)"));
-  std::filesystem::resize_file(state.logPath, 0x80000000U);  // a hole up to 2 GB
-  std::ofstream(state.logPath, std::ios::binary | std::ios::app) << logLines("(000002)");
-  findUsers(context);
+  FarLogFiles files;
+  useLog(context, folder / "big.log", "big.log", LogType::ServU);
+  CommandContext other{files, settings, state, view, pacer};
+  findUsers(other);
   EXPECT_EQ(names(), Lines{"alice"});
   EXPECT_EQ(state.tree.nodeCount(), 2);
   EXPECT_EQ(message(), kErrorsLogged);

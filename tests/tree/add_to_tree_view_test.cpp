@@ -58,21 +58,11 @@ class AddToTreeViewTest : public testing::Test {
 
 using Indexes = std::vector<std::int32_t>;
 
-TEST_F(AddToTreeViewTest, NamesAndBuildsTheFourLayouts) {
-  write("bob 10.0.0.2 T1\nann 10.0.0.1 T2\nbob 10.0.0.1 T3\n");
-  const std::array<const char*, kTreeLayoutCount> headers = {"Username\r\n|--Logontime", "Username\r\n|--IP",
-                                                             "IP\r\n|--Username", "IP\r\n|--Logontime"};
-  const std::array<const char*, kTreeLayoutCount> expected = {
-      "1 bob\n  2 T1\n  5 T3\n3 ann\n  4 T2\n",
-      "1 bob\n  2 10.0.0.2\n  5 10.0.0.1\n3 ann\n  4 10.0.0.1\n",
-      "1 10.0.0.2\n  2 bob\n3 10.0.0.1\n  4 ann\n  5 bob\n",
-      "1 10.0.0.2\n  2 T1\n3 10.0.0.1\n  4 T2\n  5 T3\n",
-  };
-  for (std::size_t layout = 0; layout < expected.size(); ++layout) {
-    build(static_cast<int>(layout));
-    EXPECT_EQ(text(), expected[layout]);
-    EXPECT_EQ(treeHeader(static_cast<int>(layout)), headers[layout]);
-  }
+TEST_F(AddToTreeViewTest, NamesTheFourLayouts) {
+  const std::array<const char*, 6> headers = {
+      "", "Username\r\n|--Logontime", "Username\r\n|--IP", "IP\r\n|--Username", "IP\r\n|--Logontime", ""};
+  for (int layout = -1; layout <= kTreeLayoutCount; ++layout)
+    EXPECT_EQ(treeHeader(layout), headers[static_cast<std::size_t>(layout + 1)]);
 }
 
 TEST_F(AddToTreeViewTest, StoppingLeavesTheRestOfTheRecordsAlone) {
@@ -87,10 +77,8 @@ TEST_F(AddToTreeViewTest, AnUnknownLayoutChangesNothingAnEmptyFileEmptiesTheTree
   write("ann i T1\n");
   build(0);
   write("bob i T1\n");
-  for (const int layout : {-1, 4, 65536}) {
+  for (const int layout : {-1, 4, 65536})
     build(layout);
-    EXPECT_EQ(treeHeader(layout), "");
-  }
   EXPECT_EQ(text(), "1 ann\n  2 T1\n");
   EXPECT_EQ(treeIndexes(), Indexes{kOldIndex});
   folder.write("users.qva", "");

@@ -57,6 +57,7 @@ TEST_F(EndToEnd, EachCodeWritesItsResults) {
       {"300", {{"Counter results: All transfers", 1}, {"15360", 1}}},
       {"0100 350 10.0.0.7", {{"Counter results: IP: 10.0.0.7", 1}, {"5120", 1}}},
       {"100 360 alice", {{"Counter results: username: alice", 1}, {"10240", 1}}},
+      {"360 300 100", {{"Counter results: username: 300", 1}, {"Counter results", 1}}},
       {"300 100 300 210 210", {{"Counter results", 1}, {"Connected to", 3}}},
   };
   for (const auto& c : cases) {
@@ -66,9 +67,8 @@ TEST_F(EndToEnd, EachCodeWritesItsResults) {
     EXPECT_EQ(result.status, 0) << c.codes;
     EXPECT_EQ(result.out + result.err, "") << c.codes;
     const std::string results = work.read("out.txt");
-    for (const auto& [text, count] : c.found) {
+    for (const auto& [text, count] : c.found)
       EXPECT_EQ(countOf(results, text), count) << c.codes << ": " << text << "\n" << results;
-    }
     EXPECT_EQ(home.read("a.log"), kLog) << c.codes;
     EXPECT_FALSE(home.has("users.qva")) << c.codes;
     EXPECT_EQ(home.read("quorvel.ini"), defaultSettingsText()) << c.codes;
@@ -79,16 +79,13 @@ TEST_F(EndToEnd, EachProblemIsOneLineAndStatus1) {
   ASSERT_EQ(::mkfifo((home / "pipe").c_str(), 0600), 0);
   const std::pair<std::string, std::string> cases[] = {
       {"missing.log", "HOME/missing.log: File not found."},
-      {"missing.log 100 210 out.txt", "HOME/missing.log: File not found."},
       {"\"$(printf 'mis\\033]0;t\\007sing.log')\" 100", "HOME/mis?]0;t?sing.log: File not found."},
       {"a.log/x 100", "HOME/a.log/x: Path not found."},
       {"/ 100 300 out.txt", "/: Path/File access error."},
       {"pipe 100", "HOME/pipe: Path/File access error."},
       {"a.log 300 350 10.0.0.5 out.txt", "Code 350 needs the sessions that code 100 finds; add code 100."},
       {"a.log 100 260", "Subscript out of range: code 260 needs a value (user name)."},
-      {"a.log 350", "Subscript out of range: code 350 needs a value (IP address)."},
       {"a.log 100 210", "Code 210 needs a file for its results as the last argument; it is missing."},
-      {"a.log 300 100", "Code 300 needs a file for its results as the last argument; it is missing."},
       {"a.log 100 360 bob", "Code 360 needs a file for its results as the last argument; it is missing."},
       {"a.log 100 300 '" + (home / "a.log").string() + "'",
        "HOME/a.log: this is the log; results cannot be written into it."},
@@ -111,15 +108,11 @@ TEST_F(EndToEnd, EachProblemIsOneLineAndStatus1) {
 }
 
 TEST_F(EndToEnd, AnyLogIsReadToItsEnd) {
-  const std::string cut = kLog.substr(0, kLog.size() / 2);
   const std::pair<std::string, std::size_t> cases[] = {
       {"", 0},
-      {std::string(5000, '\0'), 0},
       {kLog + std::string(5000, '\0') + kLog.substr(0, 60), 4},
-      {cut, 2},
-      {kLog.substr(0, 25), 0},
+      {kLog.substr(0, kLog.size() / 2), 2},
       {logLine("000001", "Connected to 10.0.0.5 x") + std::string(9000, 'x'), 1},
-      {") Connected to ) Connected to ", 0},
   };
   for (const auto& [log, connects] : cases) {
     home.write("a.log", log);
@@ -135,24 +128,19 @@ TEST_F(EndToEnd, AnyLogIsReadToItsEnd) {
 }
 
 TEST_F(EndToEnd, OneEndlessLineIsNoProblem) {
-  constexpr std::uintmax_t kLength = 100 * 1024 * 1024;
   home.write("a.log", logLine("000001", "Connected to 10.0.0.5 x"));
-  std::filesystem::resize_file(home / "a.log", kLength);
+  std::filesystem::resize_file(home / "a.log", 100 * 1024 * 1024);
   const auto result = run("a.log 100 360 NO_USER_FOUND out.txt");
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(std::to_string(result.status) + result.err, "0");
   EXPECT_EQ(countOf(work.read("out.txt"), "Counter results"), 1U);
 }
 
 TEST_F(EndToEnd, SettingsAreReadAsFarAsTheyMakeSense) {
   home.write("a.log", kLog);
-  const struct {
-    std::string_view key, value;
-    int status;
-  } cases[] = {{"MaxArguments", "many", 0}, {"AutoExit", "yes", 0}, {"MaxArguments", "3", 1}, {"MaxArguments", "9", 0}};
-  for (const auto& c : cases) {
-    setSetting(c.key, c.value);
-    EXPECT_EQ(run("a.log 100 210 out.txt").status, c.status) << c.key << "=" << c.value;
+  setSetting("AutoExit", "yes");
+  for (const auto& [value, status] : {std::pair("many", 0), {"3", 1}, {"9", 0}}) {
+    setSetting("MaxArguments", value);
+    EXPECT_EQ(run("a.log 100 210 out.txt").status, status) << value;
   }
 }
 

@@ -11,20 +11,12 @@ namespace {
 
 TEST(PlainLine, HoldsNothingATerminalObeys) {
   const std::pair<std::string_view, std::string_view> cases[] = {
-      {"a.log: File not found.", "a.log: File not found."},
-      {" Error 5\r\n\r\n  again \n", "Error 5 again"},
-      {"\x1B]0;title\x07\x7F\t!",
-       "?]0;title??"
-       "?!"},
-      {"a\x9B\x90\x9D"
-       "b",
-       "a\xE2\x80\xBA??b"},
-      {"\xE5ngstr\xF6m", "\xC3\xA5ngstr\xC3\xB6m"},
-      {"\r\n", ""},
+      {"a.log: File not found.", "a.log: File not found."}, {" Error 5\r\n\r\n  again \n", "Error 5 again"},
+      {"\x1B]0;title\x07\x7F\t!", "?]0;title??\?!"},        {"a\x9B\x90\x9Dz", "a\xE2\x80\xBA??z"},
+      {"\xE5ngstr\xF6m", "\xC3\xA5ngstr\xC3\xB6m"},         {"\r\n", ""},
   };
-  for (const auto& [text, expected] : cases) {
+  for (const auto& [text, expected] : cases)
     EXPECT_EQ(plainLine(text), expected);
-  }
 }
 
 TEST(ConsoleView, WritesOneLineForAMessageAndNothingElseWhereThereIsNoTerminal) {

@@ -3,89 +3,58 @@
 
 #include <array>
 #include <string>
-#include <vector>
 
-#include "core/servu_find_user_info.h"
+#include "tests/core/found_sessions.h"
 #include "tests/reference/session_scan.h"
 #include "tests/support/log_maker.h"
-#include "tests/support/memory_log.h"
-#include "tests/support/records.h"
 
-namespace quorvel {
+namespace quorvel::test {
 namespace {
 
-using test::makeLog;
-using test::scanSessions;
+/// Expects the finder to agree with the reference; prints the first record it differs in otherwise.
+void expectSame(const std::string& log, const FindOptions& options, const std::vector<UserAct>& expected) {
+  const auto found = findSessions(log, options).records;
+  if (found == expected) return;
+  const auto [e, f] = std::mismatch(expected.begin(), expected.end(), found.begin(), found.end());
+  ADD_FAILURE() << "a log of " << log.size() << " bytes, read " << options.blockSize << " at once, trunk "
+                << options.trunkLongUsernames << ": " << found.size() << " sessions for " << expected.size()
+                << "\nexpected " << (e == expected.end() ? "none" : describe(*e)) << "\nfound    "
+                << (f == found.end() ? "none" : describe(*f));
+}
 
-struct Collector : FindObserver {
-  std::vector<UserAct> records;
-  void onSession(const UserAct& record) override { records.push_back(record); }
-  bool keepGoing(LogPosition) override { return true; }
-};
-
-class FinderComparison : public ::testing::Test {
- protected:
-  std::vector<UserAct> find(const std::string& log, const FindOptions& options) {
-    Collector collector;
-    const auto end = ServuFindUserInfo(test::openLog(log), options, collector);
-    EXPECT_TRUE(end.isOk());
-    return std::move(collector.records);
-  }
-
-  /// True when the finder agrees with the reference; prints the first record it differs in otherwise.
-  bool agrees(const std::string& log, const FindOptions& options, const std::vector<UserAct>& expected) {
-    const auto found = find(log, options);
-    if (found == expected) return true;
-    const auto [e, f] = std::mismatch(expected.begin(), expected.end(), found.begin(), found.end());
-    ADD_FAILURE() << "a log of " << log.size() << " bytes, read " << options.blockSize << " at once, trunk "
-                  << options.trunkLongUsernames << ": " << found.size() << " sessions for " << expected.size()
-                  << ", first difference in record " << e - expected.begin() + 1 << "\nexpected "
-                  << (e == expected.end() ? "none" : test::describe(*e)) << "\nfound    "
-                  << (f == found.end() ? "none" : test::describe(*f));
-    return false;
-  }
-};
-
-class MadeUpLogs : public FinderComparison, public ::testing::WithParamInterface<int> {};
-
-constexpr int kLogsPerRange = 250;
+class MadeUpLogs : public testing::TestWithParam<std::uint64_t> {};
+constexpr std::uint64_t kLogsPerRange = 250;
 
 TEST_P(MadeUpLogs, FindsWhatTheBlockWiseScanFinds) {
   constexpr std::array<std::size_t, 8> kReadSizes = {256, 1000, 4000, 4096, 5001, 10007, 65536, 1 << 20};
-  const int first = GetParam() * kLogsPerRange;
-  for (int seed = first; seed < first + kLogsPerRange; ++seed) {
-    const std::string log = makeLog(static_cast<std::uint64_t>(seed));
+  const std::uint64_t first = GetParam() * kLogsPerRange;
+  for (std::uint64_t seed = first; seed < first + kLogsPerRange; ++seed) {
+    const std::string log = makeLog(seed);
     FindOptions options;
     options.trunkLongUsernames = seed % 3 != 0;
     const auto expected = scanSessions(log, options.trunkLongUsernames);
-    bool same = agrees(log, options, expected);
-    options.blockSize = kReadSizes[static_cast<std::size_t>(seed) % kReadSizes.size()];
-    same = agrees(log, options, expected) && same;
-    ASSERT_TRUE(same) << "seed " << seed;
+    expectSame(log, options, expected);
+    options.blockSize = kReadSizes[seed % kReadSizes.size()];
+    expectSame(log, options, expected);
+    ASSERT_FALSE(HasFailure()) << "seed " << seed;
   }
 }
+INSTANTIATE_TEST_SUITE_P(Seeds, MadeUpLogs, testing::Range<std::uint64_t>(0, 12));
 
-TEST_F(FinderComparison, MarksAtTheVeryStartOfALog) {
-  for (const char* log :
-       {") Connected to ", ") Connected to x", ") Connected to - Starting FTP Server...",
-        ") Connected to -        ) Closing connection", ") Connected to 10.0 -        ) Closing connection",
-        ") Connected to 10.0.-        ) Closing connection", ") Connected to 10.0 - Starting FTP Server...",
-        "(000001) Connected to \r", "(000001) Connected to 1 (000001) USER \r",
-        "(000001) Connected to 1 (000001) USER"}) {
-    EXPECT_TRUE(agrees(log, {}, scanSessions(log, true))) << log;
-  }
-}
-
-TEST_F(FinderComparison, TextsAroundTheEndOfTheOnlyBlockOfAnUnendedSession) {
+TEST(FinderComparison, MarksAtTheEdgesOfALogAndOfABlock) {
+  std::vector<std::string> logs = {") Connected to ",
+                                   ") Connected to - Starting FTP Server...",
+                                   ") Connected to 10.0.-        ) Closing connection",
+                                   "(000001) Connected to \r",
+                                   "(000001) Connected to 1 (000001) USER \r",
+                                   "(000001) Connected to 1 (000001) USER"};
   for (const std::string event : {"- (000012) Connected to 2 ", "(000012) USER alice\r", "(000012) QUIT"}) {
-    for (std::size_t gap = 3900; gap < 4000; ++gap) {
-      const std::string log = "* (000012) Connected to 1 " + std::string(gap, '.') + event + std::string(9000, '.');
-      EXPECT_TRUE(agrees(log, {}, scanSessions(log, true))) << event << " after " << gap;
-    }
+    for (std::size_t gap = 3900; gap < 4000; ++gap)
+      logs.push_back("* (000012) Connected to 1 " + std::string(gap, '.') + event + std::string(9000, '.'));
   }
+  for (const std::string& log : logs)
+    expectSame(log, {}, scanSessions(log, true));
 }
-
-INSTANTIATE_TEST_SUITE_P(Seeds, MadeUpLogs, ::testing::Range(0, 12));
 
 }  // namespace
-}  // namespace quorvel
+}  // namespace quorvel::test

@@ -13,34 +13,22 @@ namespace {
 using namespace std::string_literals;
 
 const UserAct kRecord{0x01020304, "al\xEF\0e"s, "(000012)", "10.0.0.5", "c", "", "L", 5, -2};
+const std::string kBytes = "\x04\x03\x02\x01\x05\0al\xEF\0e\x08\0(000012)\x08\0"s + "10.0.0.5\x01\0c\0\0\x01\0L"s +
+                           "\x05\0\0\0\xFE\xFF\xFF\xFF"s;
 
 TEST(RecordFormat, IsLittleEndianPackedAndInFieldOrder) {
   std::array<char, kRecordSize> slot{};
-  const auto size = encodeRecord(kRecord, slot);
-  const std::string expected =
-      "\x04\x03\x02\x01"
-      "\x05\0al\xEF\0e"
-      "\x08\0(000012)"
-      "\x08\0"
-      "10.0.0.5"
-      "\x01\0c"
-      "\0\0"
-      "\x01\0L"
-      "\x05\0\0\0"
-      "\xFE\xFF\xFF\xFF"s;
-  ASSERT_EQ(size, expected.size());
-  EXPECT_EQ(std::string(slot.data(), *size), expected);
+  ASSERT_EQ(encodeRecord(kRecord, slot), kBytes.size());
+  EXPECT_EQ(std::string(slot.data(), kBytes.size()), kBytes);
   EXPECT_EQ(decodeRecord({slot.data(), slot.size()}), kRecord);
 }
 
 TEST(RecordFormat, HoldsAsMuchAsTheSlot) {
   std::array<char, kRecordSize> slot;
-  slot.fill('#');
   UserAct record;
   record.Name.assign(kRecordSize - kRecordOverhead, 'n');
   EXPECT_EQ(encodeRecord(record, slot), kRecordSize);
   EXPECT_EQ(decodeRecord({slot.data(), slot.size()}), record);
-
   slot.fill('#');
   record.IP.push_back('1');
   EXPECT_FALSE(encodeRecord(record, slot));
@@ -48,14 +36,10 @@ TEST(RecordFormat, HoldsAsMuchAsTheSlot) {
 }
 
 TEST(RecordFormat, RefusesDamage) {
-  std::array<char, kRecordSize> slot{};
-  const std::string bytes(slot.data(), *encodeRecord(kRecord, slot));
-  for (std::size_t length = 0; length < bytes.size(); ++length) {
-    const std::string cut(slot.data(), length);
-    EXPECT_FALSE(decodeRecord(cut)) << "cut at " << length;
-  }
+  for (std::size_t length = 0; length < kBytes.size(); ++length)
+    EXPECT_FALSE(decodeRecord(kBytes.substr(0, length))) << "cut at " << length;
   for (const std::size_t lengthWord : {4u, 11u}) {  // of Name and of NumberInLog
-    std::string damaged = bytes;
+    std::string damaged = kBytes;
     damaged[lengthWord + 1] = '\xFF';
     EXPECT_FALSE(decodeRecord(damaged)) << "length word at " << lengthWord;
   }

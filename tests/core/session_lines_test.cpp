@@ -18,9 +18,8 @@ std::size_t wantedLines(const UserAct& session) {
   return session.LogonNo % 5 == 0 ? static_cast<std::size_t>(session.LogonNo % 7) : kAllLines;
 }
 
-std::string lineCall(bool isOfSession, bool isServerStart, std::string_view text) {
-  std::string call = isOfSession ? "S" : "-";
-  return call.append(isServerStart ? "R " : "- ").append(text);
+std::string call(bool isOfSession, bool isServerStart, std::string_view text) {
+  return std::string(isOfSession ? "S" : "").append(isServerStart ? "R " : " ").append(text);
 }
 
 /// Writes down all it is told; one text a call.
@@ -31,7 +30,7 @@ struct Recorder : SessionLineConsumer {
     return left > 0;
   }
   bool line(const SessionLine& line) override {
-    calls.push_back(lineCall(line.hasSessionMark, line.hasServerStart, line.text));
+    calls.push_back(call(line.hasSessionMark, line.hasServerStart, line.text));
     return --left > 0;
   }
   void endSession(const UserAct& session) override { calls.push_back("end " + std::to_string(session.LogonNo)); }
@@ -52,9 +51,8 @@ std::vector<std::string> expectedCalls(const MadeUpLog& log) {
     lines.resize(std::min(lines.size(), wantedLines(session)));
     for (const std::string& line : lines) {
       const std::string folded = lowerCase(line);
-      const bool isOfSession = folded.find(lowerCase(session.NumberInLog)) != std::string::npos;
-      const bool isStart = folded.find("- starting ftp server...") != std::string::npos;
-      calls.push_back(lineCall(isOfSession, isStart, line));
+      const auto mark = [&](std::string_view text) { return folded.find(text) != std::string::npos; };
+      calls.push_back(call(mark(lowerCase(session.NumberInLog)), mark("- starting ftp server..."), line));
     }
     calls.push_back("end " + std::to_string(session.LogonNo));
   }
@@ -69,12 +67,7 @@ TEST(SessionLines, AreTheLinesThatConcernTheSession) {
     for (const std::size_t readSize : {std::size_t{256 * 1024}, kReadSizes[seed % kReadSizes.size()]}) {
       Recorder recorder;
       ASSERT_TRUE(readSessionLines(log.file, log.source(), recorder, readSize).isOk());
-      const auto& found = recorder.calls;
-      const auto [e, f] = std::mismatch(expected.begin(), expected.end(), found.begin(), found.end());
-      ASSERT_TRUE(found == expected) << "seed " << seed << ", a log of " << log.text.size() << " bytes read "
-                                     << readSize << " at once: " << found.size() << " calls for " << expected.size()
-                                     << "\nexpected " << (e == expected.end() ? "none" : visible(*e)) << "\nfound    "
-                                     << (f == found.end() ? "none" : visible(*f));
+      ASSERT_EQ(recorder.calls, expected) << "seed " << seed << ", read " << readSize << " at once";
     }
   }
 }
@@ -87,7 +80,6 @@ TEST(SessionLines, EndTheSessionInProgressWhenToldToStop) {
     recorder.stopAt = stopAt;
     EXPECT_TRUE(readSessionLines(log.file, log.source(), recorder).isOk());
     EXPECT_EQ(recorder.questions, stopAt);
-    ASSERT_FALSE(recorder.calls.empty());
     EXPECT_TRUE(recorder.calls.back().starts_with("end ")) << recorder.calls.back();
   }
 }

@@ -10,62 +10,33 @@ namespace {
 constexpr auto kMax = std::numeric_limits<std::int64_t>::max();
 constexpr auto kMin = std::numeric_limits<std::int64_t>::min();
 
-TEST(FixedPoint, ReadsDecimalNumbers) {
-  struct Case {
-    std::string text;
-    std::int64_t value;
-  };
-  const Case cases[] = {{"40960", 409'600'000},
-                        {" 1.5\t", 15'000},
-                        {"+2.", 20'000},
-                        {".25", 2'500},
-                        {"-3", -30'000},
-                        {"1e3", 10'000'000},
-                        {"12.5E-1", 12'500},
-                        {"1e+2", 1'000'000},
-                        {"0.00005", 0},
-                        {"0.00015", 2},
-                        {"0.000051", 1},
-                        {"0.00004" + std::string(300, '9'), 0},
-                        {"0.0001e-400", 0},
-                        {std::string(400, '0') + "7", 70'000},
-                        {"0." + std::string(400, '0') + "7e401", 70'000},
-                        {"922337203685477.5807", kMax}};
-  for (const Case& c : cases)
-    EXPECT_EQ(parseFixedPoint(c.text), c.value) << c.text;
-}
-
-TEST(FixedPoint, RefusesEverythingElse) {
-  const std::string cases[] = {"",
-                               " ",
-                               "-",
-                               ".",
-                               "12 34",
-                               "1,024",
-                               "0x10",
-                               "1e",
-                               "1e+-2",
-                               "1e99999999999",
-                               "nan",
-                               "inf",
-                               "1.2.3",
-                               "--1",
-                               "922337203685477.5808",
-                               std::string(400, '9'),
-                               std::string(5'000, '0'),
-                               std::string("1\0", 2)};
-  for (const std::string& text : cases)
+TEST(FixedPoint, ReadsDecimalNumbersAndNothingElse) {
+  const std::pair<std::string, std::int64_t> numbers[] = {{" 1.5\t", 15'000},
+                                                          {"+2.", 20'000},
+                                                          {".25", 2'500},
+                                                          {"-3", -30'000},
+                                                          {"12.5E-1", 12'500},
+                                                          {"1e+2", 1'000'000},
+                                                          {"0.00005", 0},
+                                                          {"0.00015", 2},
+                                                          {"0.000051", 1},
+                                                          {"0.0001e-400", 0},
+                                                          {std::string(400, '0') + "7", 70'000},
+                                                          {"0." + std::string(400, '0') + "7e401", 70'000},
+                                                          {"922337203685477.5807", kMax}};
+  for (const auto& [text, value] : numbers)
+    EXPECT_EQ(parseFixedPoint(text), value) << text;
+  for (const char* text : {"", " ", "-", ".", "12 34", "1,024", "0x10", "1e", "1e+-2", "1e99999999999", "nan", "1.2.3",
+                           "--1", "922337203685477.5808"})
+    EXPECT_FALSE(parseFixedPoint(text)) << text;
+  for (const std::string& text : {std::string(400, '9'), std::string(5'000, '0'), std::string("1\0", 2)})
     EXPECT_FALSE(parseFixedPoint(text)) << text;
 }
 
 TEST(FixedPoint, PrintsSumsWithoutClosingZeros) {
   EXPECT_EQ(fixedPointSumText(409'600'000, 10'240'000), "41984");
-  EXPECT_EQ(fixedPointText(0), "0");
-  EXPECT_EQ(fixedPointText(5'000), "0.5");
-  EXPECT_EQ(fixedPointText(10'001), "1.0001");
-  EXPECT_EQ(fixedPointText(-5'000), "-0.5");
+  EXPECT_EQ(fixedPointSumText(10'000, 1), "1.0001");
   EXPECT_EQ(fixedPointSumText(10'000, -15'000), "-0.5");
-  EXPECT_EQ(fixedPointSumText(30'000, -5'000), "2.5");
   EXPECT_EQ(fixedPointSumText(-30'000, 5'000), "-2.5");
   EXPECT_EQ(fixedPointSumText(kMax, kMax), "1844674407370955.1614");
   EXPECT_EQ(fixedPointSumText(kMin, kMin), "-1844674407370955.1616");
@@ -75,14 +46,13 @@ TEST(TransferCount, NeverWrapsAround) {
   std::int32_t count = std::numeric_limits<std::int32_t>::max();
   countOne(count);
   EXPECT_EQ(count, std::numeric_limits<std::int32_t>::max());
-  std::int64_t sum = kMax - 1;
-  addBytes(sum, 2);
-  EXPECT_EQ(sum, kMax - 1);
-  addBytes(sum, 1);
-  EXPECT_EQ(sum, kMax);
-  sum = kMin + 1;
-  addBytes(sum, -2);
-  EXPECT_EQ(sum, kMin + 1);
+  for (const auto& [sum, added] : {std::pair(kMax - 1, 2), {kMin + 1, -2}}) {
+    std::int64_t total = sum;
+    addBytes(total, added);
+    EXPECT_EQ(total, sum);
+    addBytes(total, added / 2);
+    EXPECT_EQ(total, sum + added / 2);
+  }
 }
 
 }  // namespace

@@ -37,28 +37,18 @@ std::string lowerCase(std::string_view text) {
   return folded;
 }
 
-BlockSearch::BlockSearch(std::string_view log, std::size_t blockSize)
-    : m_length(size64(log)), m_blockSize(static_cast<std::int64_t>(blockSize)) {
-  const std::string blanks(blockSize, ' ');
+BlockSearch::BlockSearch(std::string_view log) : m_length(size64(log)) {
+  const std::string blanks(kBlockSize, ' ');
   m_log = blanks + std::string(log) + blanks;
   m_folded = lowerCase(m_log);
 }
 
 std::string_view BlockSearch::foldedBlock(std::int64_t position) const {
-  return std::string_view(m_folded).substr(static_cast<std::size_t>(position - 1 + m_blockSize),
-                                           static_cast<std::size_t>(m_blockSize));
+  return std::string_view(m_folded).substr(static_cast<std::size_t>(position - 1 + kBlockSize), kBlockSize);
 }
 
 std::int64_t BlockSearch::FindForward(std::string_view text, std::int64_t start) const {
-  const std::string wanted = lowerCase(text);
-  std::int64_t position = start;
-  while (position < m_length) {
-    const std::size_t index = foldedBlock(position).find(wanted);
-    if (index != std::string_view::npos) return position + static_cast<std::int64_t>(index);
-    if (size64(text) >= m_blockSize) return 0;  // the next block would not lie further on
-    position += m_blockSize - size64(text);
-  }
-  return 0;
+  return start >= m_length ? 0 : FindForwardLimited(text, start, m_length);
 }
 
 std::int64_t BlockSearch::FindForwardLimited(std::string_view text, std::int64_t start, std::int64_t limit) const {
@@ -68,8 +58,8 @@ std::int64_t BlockSearch::FindForwardLimited(std::string_view text, std::int64_t
   while (position < m_length) {
     const std::size_t index = foldedBlock(position).find(wanted);
     if (index != std::string_view::npos) return position + static_cast<std::int64_t>(index);
-    if (size64(text) >= m_blockSize) return 0;
-    position += m_blockSize - size64(text);
+    if (size64(text) >= kBlockSize) return 0;  // the next block would not lie further on
+    position += kBlockSize - size64(text);
     if (position > limit) return 0;
   }
   return 0;
@@ -87,7 +77,7 @@ BlockSearch::SessionEnd BlockSearch::FindSessionEnd(std::int64_t start, std::str
     if (first != std::string_view::npos) {
       return {position + static_cast<std::int64_t>(first), serverIndex < closeIndex};
     }
-    position += m_blockSize - size64(close) - size64(serverStart);
+    position += kBlockSize - size64(close) - size64(serverStart);
   }
   return {};
 }
@@ -96,7 +86,7 @@ std::string BlockSearch::bytesAt(std::int64_t position, std::size_t count) const
   std::string bytes(count, ' ');
   for (std::size_t i = 0; i < count; ++i) {
     const std::int64_t at = position + static_cast<std::int64_t>(i);
-    if (at >= 1 && at <= m_length) bytes[i] = m_log[static_cast<std::size_t>(at - 1 + m_blockSize)];
+    if (at >= 1 && at <= m_length) bytes[i] = m_log[static_cast<std::size_t>(at - 1 + kBlockSize)];
   }
   return bytes;
 }

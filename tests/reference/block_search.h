@@ -19,10 +19,10 @@ class BlockSearch {
     bool isServerStart = false;
   };
 
-  static constexpr std::size_t kBlockSize = 4000;
+  static constexpr std::int64_t kBlockSize = 4000;
 
   /// Positions searched from may lie up to one block below 1.
-  explicit BlockSearch(std::string_view log, std::size_t blockSize = kBlockSize);
+  explicit BlockSearch(std::string_view log);
 
   [[nodiscard]] std::int64_t length() const { return m_length; }
 
@@ -39,7 +39,6 @@ class BlockSearch {
   [[nodiscard]] std::string_view foldedBlock(std::int64_t position) const;
 
   std::int64_t m_length;
-  std::int64_t m_blockSize;
   std::string m_log;     ///< the log with a block of blanks on either side
   std::string m_folded;  ///< the same in lower case
 };

@@ -97,8 +97,8 @@ UserAct recordAt(const BlockSearch& log, std::int64_t position, char nameEnd, bo
 
 }  // namespace
 
-std::vector<UserAct> scanSessions(std::string_view text, bool trunkLongUsernames, std::size_t blockSize) {
-  const BlockSearch log(text, blockSize);
+std::vector<UserAct> scanSessions(std::string_view text, bool trunkLongUsernames) {
+  const BlockSearch log(text);
   const char nameEnd = nameEndOf(text);
   std::vector<UserAct> records;
   std::int64_t position = 1;

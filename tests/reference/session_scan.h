@@ -10,7 +10,6 @@
 namespace quorvel::test {
 
 /// The records of every session of the log, in log order.
-[[nodiscard]] std::vector<UserAct> scanSessions(std::string_view log, bool trunkLongUsernames,
-                                                std::size_t blockSize = BlockSearch::kBlockSize);
+[[nodiscard]] std::vector<UserAct> scanSessions(std::string_view log, bool trunkLongUsernames);
 
 }  // namespace quorvel::test

@@ -16,112 +16,52 @@ using namespace std::string_view_literals;
 
 constexpr std::int64_t kBlock = 4000;
 
-constexpr std::array kUsualNumbers = {"(000001)"sv, "(000007)"sv, "(000012)"sv, "(000013)"sv,
-                                      "(000123)"sv, "(999999)"sv, "(100000)"sv, "(000012)"sv};
-constexpr std::array kOddNumbers = {"(1)"sv,
-                                    "(12)"sv,
-                                    "(00012)"sv,
-                                    "(0000012)"sv,
-                                    "(ABCdef)"sv,
-                                    "(abcDEF)"sv,
-                                    "(------)"sv,
-                                    "(0 0 0 )"sv,
-                                    "()"sv,
-                                    "((((((("sv,
-                                    "(\xC9\xE8\xDC\x8A\xD7\xDF)"sv,
-                                    "(\xE9\xC8\xFC\x9A\xD7\xDF)"sv,
-                                    "(\xC9\xE8\xDC\x8A\xF7\xDF)"sv,
-                                    "(a\0b\0c\0)"sv,
-                                    "- (12)"sv,
-                                    "(000001"sv,
-                                    "(      )"sv,
-                                    "(000012) (000013)"sv};
+/// The texts of a table between its bars.
+std::vector<std::string_view> split(std::string_view table) {
+  std::vector<std::string_view> texts;
+  for (std::size_t bar = table.find('|'); bar != std::string_view::npos; bar = table.find('|')) {
+    texts.push_back(table.substr(0, bar));
+    table.remove_prefix(bar + 1);
+  }
+  texts.push_back(table);
+  return texts;
+}
 
-constexpr std::array kNames = {"alice"sv,
-                               "bob"sv,
-                               "anonymous"sv,
-                               "anonymous"sv,
-                               "Anonymous"sv,
-                               "QUIT"sv,
-                               "quit"sv,
-                               "NO_USER_FOUND"sv,
-                               "twelve_chars"sv,
-                               "thirteen_char"sv,
-                               "thirteen_chaR"sv,
-                               ""sv,
-                               " "sv,
-                               "two words "sv,
-                               "x logged in"sv,
-                               "bob logged in - User alice"sv,
-                               "a.*[b](c)+\\d"sv,
-                               "<b>bold</b>&amp;"sv,
-                               "J\xD6RG"sv,
-                               "j\xF6rg"sv,
-                               "\x8A\x8C\x8E\x9F"sv,
-                               "x) Connected to 10.9.8.7 y"sv,
-                               "(000012) QUIT"sv,
-                               "- (000007) Closing connection"sv,
-                               "nul\0nul"sv,
-                               "tab\tquote\"%s\x1b[31m"sv};
+const auto kUsualNumbers = split("(000001)|(000007)|(000012)|(000013)|(000123)|(999999)|(100000)|(000012)"sv);
+const auto kOddNumbers = split(
+    "(1)|(12)|(00012)|(0000012)|(ABCdef)|(abcDEF)|(------)|(0 0 0 )|()|(((((((|(\xC9\xE8\xDC\x8A\xD7\xDF)|"
+    "(\xE9\xC8\xFC\x9A\xD7\xDF)|(\xC9\xE8\xDC\x8A\xF7\xDF)|(a\0b\0c\0)|- (12)|(000001|(      )|(000012) (000013)"sv);
+
+const auto kNames = split(
+    "alice|bob|anonymous|anonymous|Anonymous|QUIT|quit|NO_USER_FOUND|twelve_chars|thirteen_char|thirteen_chaR|| |"
+    "two words |x logged in|bob logged in - User alice|a.*[b](c)+\\d|<b>bold</b>&amp;|J\xD6RG|j\xF6rg|"
+    "\x8A\x8C\x8E\x9F|x) Connected to 10.9.8.7 y|(000012) QUIT|- (000007) Closing connection|nul\0nul|"
+    "tab\tquote\"%s\x1b[31m"sv);
 
 /// What a session's line may say; an asterisk stands for its user's name.
-constexpr std::array kEvents = {"USER *"sv,
-                                "USER *"sv,
-                                "USER *"sv,
-                                "USER"sv,
-                                "User * logged in"sv,
-                                "User * logged in"sv,
-                                "User * logged in"sv,
-                                "anonymous logged in"sv,
-                                "PASS xxxxx"sv,
-                                "331 User name okay, need password."sv,
-                                "530 Not logged in - password incorrect"sv,
-                                "530 Incorrect password."sv,
-                                "530 Not logged in - unauthorized IP address."sv,
-                                "530 Not logged in - cannot find home directory."sv,
-                                "530 Not logged in."sv,
-                                "530"sv,
-                                "QUIT"sv,
-                                "QUIT"sv,
-                                "221 Goodbye!"sv,
-                                "RETR a.zip"sv,
-                                "STOR b.txt"sv,
-                                "150 Opening BINARY mode data connection for a.zip (40960 bytes)."sv,
-                                "Sent file C:\\ftp\\a.zip successfully (12.5 Kb/sec - 40960 bytes)"sv,
-                                "Received file C:\\ftp\\b.txt successfully (3.1 Kb/sec - 1024 bytes)"sv,
-                                "Received file C:\\ftp\\Sent file x successfully (3.1 Kb/sec - many bytes)"sv,
-                                "Sent file without a count"sv,
-                                "Error sending file C:\\ftp\\c.zip, aborted"sv,
-                                "Error receiving file C:\\ftp\\d.zip, aborted"sv,
-                                "550 /test.txt: No such file or directory."sv,
-                                "550 Access denied"sv,
-                                "501 Syntax error"sv,
-                                "DELE old.txt"sv,
-                                "DELE old.txt"sv,
-                                "250 File deleted."sv,
-                                "SITE HELP"sv,
-                                "200 Command okay."sv,
-                                "MDTM a.zip"sv,
-                                "213 20050119132808"sv,
-                                "253 Date/time changed okay."sv,
-                                "553 Not allowed."sv,
-                                "Connected to 10.0.0.5 (Local address 10.0.0.1)"sv,
-                                "Connected to 10.0.0.77"sv,
-                                "Closing connection"sv};
+const auto kEvents = split(
+    "USER *|USER *|USER *|USER|User * logged in|User * logged in|User * logged in|anonymous logged in|PASS xxxxx|"
+    "331 User name okay, need password.|530 Not logged in - password incorrect|530 Incorrect password.|"
+    "530 Not logged in - unauthorized IP address.|530 Not logged in - cannot find home directory.|"
+    "530 Not logged in.|530|QUIT|QUIT|221 Goodbye!|RETR a.zip|STOR b.txt|"
+    "150 Opening BINARY mode data connection for a.zip (40960 bytes).|"
+    "Sent file C:\\ftp\\a.zip successfully (12.5 Kb/sec - 40960 bytes)|"
+    "Received file C:\\ftp\\b.txt successfully (3.1 Kb/sec - 1024 bytes)|"
+    "Received file C:\\ftp\\Sent file x successfully (3.1 Kb/sec - many bytes)|Sent file without a count|"
+    "Error sending file C:\\ftp\\c.zip, aborted|Error receiving file C:\\ftp\\d.zip, aborted|"
+    "550 /test.txt: No such file or directory.|550 Access denied|501 Syntax error|DELE old.txt|DELE old.txt|"
+    "250 File deleted.|SITE HELP|200 Command okay.|MDTM a.zip|213 20050119132808|253 Date/time changed okay.|"
+    "553 Not allowed.|Connected to 10.0.0.5 (Local address 10.0.0.1)|Connected to 10.0.0.77|Closing connection"sv);
 
 /// Texts the searches look for; logs like to end inside or directly behind one.
-constexpr std::array kTokens = {
-    ") Connected to"sv, " USER"sv,         " QUIT"sv, " logged in"sv, " Closing connection"sv,
-    " 530"sv,           "FTP Server..."sv, "\r"sv,    "("sv};
+const auto kTokens = split(") Connected to| USER| QUIT| logged in| Closing connection| 530|FTP Server...|\r|("sv);
 
 class LogMaker {
  public:
   explicit LogMaker(std::uint64_t seed) : m_random(seed) {}
 
   std::string make() {
-    const std::size_t size = pickSize();
-    pickHabits(size);
-    while (m_log.size() < size)
+    while (m_log.size() < m_size)
       step();
     cutEnd();
     if (chance(20)) m_log.erase(0, below(80));
@@ -150,22 +90,6 @@ class LogMaker {
     if (kind < 900) return 3000 + below(14000);
     if (kind < 995) return 10000 + below(60000);
     return 60000 + below(340000);
-  }
-
-  void pickHabits(std::size_t size) {
-    m_lineFeedOnly = chance(15);
-    m_mixedLineEnds = chance(5);
-    m_bracketPercent = pick<std::size_t>(std::array<std::size_t, 4>{0, 100, 100, 50});
-    m_casePercent = chance(50) ? 0 : 20;
-    m_oddPercent = chance(60) ? 0 : 40;
-    m_noisePercent = chance(50) ? 5 : 20;
-    m_alignPercent = chance(50) ? 0 : 8;
-    m_closePercent = pick<std::size_t>(std::array<std::size_t, 4>{0, 10, 10, 25});
-    m_restartPercent = chance(60) ? 0 : 3;
-    m_longNames = chance(3);
-    // Long logs get few sessions: each that never ends is searched for up to the end of the log.
-    m_connectPercent = size > 80000 ? 2 : 5 + below(30);
-    m_mostOpen = 1 + below(12);
   }
 
   void step() {
@@ -253,16 +177,9 @@ class LogMaker {
   }
 
   void noise() {
-    constexpr std::array kNoise = {""sv,
-                                   " "sv,
-                                   "(000012)"sv,
-                                   ") Connected to"sv,
-                                   "- (000012) "sv,
-                                   ") Connected to  x"sv,
-                                   "- Starting FTP"sv,
-                                   "\0\0\0"sv,
-                                   "- Starting FTP Server.."sv,
-                                   "(((((((((((((((((((((((((((((((((((("sv};
+    static const auto kNoise = split(
+        "| |(000012)|) Connected to|- (000012) |) Connected to  x|- Starting FTP|\0\0\0|- Starting FTP Server..|"
+        "(((((((((((((((((((((((((((((((((((("sv);
     if (chance(70)) return line(std::string(pick<std::string_view>(kNoise)));
     fill(below(chance(95) ? 400 : 9000));
   }
@@ -296,12 +213,9 @@ class LogMaker {
   }
 
   std::string alignedLine(const Session& session) {
-    constexpr std::array kAligned = {"USER alice"sv,
-                                     "QUIT"sv,
-                                     "Closing connection"sv,
-                                     "530 Incorrect password"sv,
-                                     "530 Not logged in - password incorrect"sv,
-                                     "User alice logged in"sv};
+    static const auto kAligned = split(
+        "USER alice|QUIT|Closing connection|530 Incorrect password|530 Not logged in - password incorrect|"
+        "User alice logged in"sv);
     if (chance(20)) return stamp() + " - Starting FTP Server...\r\n";
     return stamp() + " - " + session.number + " " + std::string(pick<std::string_view>(kAligned)) + "\r\n";
   }
@@ -348,18 +262,22 @@ class LogMaker {
   std::string m_log;
   std::vector<Session> m_open;
   std::size_t m_clock = 0;
-  bool m_lineFeedOnly = false;
-  bool m_mixedLineEnds = false;
-  bool m_longNames = false;
-  std::size_t m_bracketPercent = 0;
-  std::size_t m_casePercent = 0;
-  std::size_t m_oddPercent = 0;
-  std::size_t m_noisePercent = 0;
-  std::size_t m_alignPercent = 0;
-  std::size_t m_closePercent = 0;
-  std::size_t m_restartPercent = 0;
-  std::size_t m_connectPercent = 0;
-  std::size_t m_mostOpen = 1;
+
+  // The habits of this log, drawn in this order.
+  const std::size_t m_size = pickSize();
+  const bool m_lineFeedOnly = chance(15);
+  const bool m_mixedLineEnds = chance(5);
+  const std::size_t m_bracketPercent = pick<std::size_t>(std::array<std::size_t, 4>{0, 100, 100, 50});
+  const std::size_t m_casePercent = chance(50) ? 0 : 20;
+  const std::size_t m_oddPercent = chance(60) ? 0 : 40;
+  const std::size_t m_noisePercent = chance(50) ? 5 : 20;
+  const std::size_t m_alignPercent = chance(50) ? 0 : 8;
+  const std::size_t m_closePercent = pick<std::size_t>(std::array<std::size_t, 4>{0, 10, 10, 25});
+  const std::size_t m_restartPercent = chance(60) ? 0 : 3;
+  const bool m_longNames = chance(3);
+  // Long logs get few sessions: each that never ends is searched for up to the end of the log.
+  const std::size_t m_connectPercent = m_size > 80000 ? 2 : 5 + below(30);
+  const std::size_t m_mostOpen = 1 + below(12);
 };
 
 }  // namespace

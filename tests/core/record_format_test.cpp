@@ -36,8 +36,10 @@ TEST(RecordFormat, HoldsAsMuchAsTheSlot) {
 }
 
 TEST(RecordFormat, RefusesDamage) {
-  for (std::size_t length = 0; length < kBytes.size(); ++length)
-    EXPECT_FALSE(decodeRecord(kBytes.substr(0, length))) << "cut at " << length;
+  for (std::size_t length = 0; length < kBytes.size(); ++length) {
+    std::string cut = kBytes.substr(0, length);
+    EXPECT_FALSE(decodeRecord(cut) || encodeTreeIndex(7, cut)) << "cut at " << length;
+  }
   for (const std::size_t lengthWord : {4u, 11u}) {  // of Name and of NumberInLog
     std::string damaged = kBytes;
     damaged[lengthWord + 1] = '\xFF';

@@ -79,6 +79,19 @@ TEST_F(MainWindowTest, AutoFilterIsReadFromOneSectionAndWrittenToAnother) {
   }
 }
 
+TEST_F(MainWindowTest, EachLayoutItemChoosesItsLayout) {
+  using Click = void (frmMain::*)();
+  const std::pair<Click, std::string> kItems[] = {{&frmMain::mnuShowUsernameIP_Click, "1"},
+                                                  {&frmMain::mnuShowIPUsername_Click, "2"},
+                                                  {&frmMain::mnuShowIPLogontime_Click, "3"},
+                                                  {&frmMain::mnuShowUsernameLogontime_Click, "0"}};
+  for (const auto& [click, layout] : kItems) {
+    window.TreeView1_RightButton();
+    (window.*click)();
+    EXPECT_EQ(settings.ReadSetting("OPTION-TREEVIEW", "TreeViewType"), layout);
+  }
+}
+
 TEST_F(MainWindowTest, TheWebCommandsHandOutAddresses) {
   window.mnuWebVisitWebsite_Click();
   window.mnuWebSendEmail_Click();

@@ -48,7 +48,7 @@ class Photographer {
 
   void showSession() {
     m_commands.openLogFile(m_log);
-    findUsers();
+    choose(MenuItem::mnuFindUsers);
     openFirst();
   }
 
@@ -106,7 +106,7 @@ class Photographer {
       often += once;
     m_commands.openLogFile(m_folder.write("busy-server.log", often));
     QTimer::singleShot(0, &m_window, [this] { takeScanLater(4); });
-    findUsers();
+    choose(MenuItem::mnuFindUsers);
   }
 
   void takeSplash() {
@@ -117,16 +117,6 @@ class Photographer {
 
  private:
   void choose(MenuItem item) { m_window.menus().action(item).trigger(); }
-
-  /// The sample holds a session that cannot be saved, so a message is to be answered.
-  void findUsers() {
-    QTimer answer;
-    QObject::connect(&answer, &QTimer::timeout, [] {
-      if (auto* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) dialog->accept();
-    });
-    answer.start(10);
-    choose(MenuItem::mnuFindUsers);
-  }
 
   /// Opens the first name of the tree and shows its first session.
   void openFirst() {
@@ -163,8 +153,12 @@ class Photographer {
   }
 
   void save(const QPixmap& picture, const QString& name) {
+    constexpr int kBestCompression = 0;
+    QImage smallest = picture.toImage();
+    if (name != QStringLiteral("icon")) smallest.convertTo(QImage::Format_RGB888);  // no transparency
     const QString fileName = m_output + u'/' + name + QStringLiteral(".png");
-    std::printf("%s %s\n", picture.save(fileName) ? "wrote" : "cannot write", qPrintable(fileName));
+    std::printf("%s %s\n", smallest.save(fileName, "PNG", kBestCompression) ? "wrote" : "cannot write",
+                qPrintable(fileName));
   }
 
   TempFolder m_folder;

@@ -58,6 +58,7 @@ TEST_F(WindowTest, ALogIsOpenedItsUsersFoundAndASessionShown) {
   EXPECT_EQ(treeLines(), QStringList({QStringLiteral("alice"), QStringLiteral(" Mon 05Mar01 10:15:02"),
                                       QStringLiteral(" Mon 05Mar01 10:15:02"), QStringLiteral("bob"),
                                       QStringLiteral(" Mon 05Mar01 10:15:02")}));
+  EXPECT_EQ(window.focusWidget(), &window.panes().tree());
   window.panes().tree().expandAll();
   click(row(1, 0));
   EXPECT_TRUE(window.userInfo().starts_with("Username:   bob\r\nFrom IP:    10.0.0.6\r\n")) << window.userInfo();

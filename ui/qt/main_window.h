@@ -101,6 +101,7 @@ class MainWindow final : public QMainWindow, public MainWindowView {
   QShortcut* m_stopShortcut;  // Esc, only while a command runs
   std::unique_ptr<SessionTreeModel> m_treeModel;
   QPoint m_treeMenuPosition;
+  bool m_treeHadFocus = false;  // when it was disabled
   bool m_isClosing = false;
 };
 

@@ -81,7 +81,10 @@ void MainWindow::treeChecksHaveChanged() {
 }
 
 void MainWindow::enableTree(bool enabled) {
-  m_panes->tree().setEnabled(enabled);
+  SessionTreeBox& tree = m_panes->tree();
+  if (!enabled) m_treeHadFocus = focusWidget() == &tree;
+  tree.setEnabled(enabled);  // disabled, it loses the keyboard to the next box
+  if (enabled && m_treeHadFocus) tree.setFocus();
 }
 
 void MainWindow::showTree(bool visible) {

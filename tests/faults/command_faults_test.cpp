@@ -72,7 +72,9 @@ void startUp(ProgramWorld& world) {
 
 void replaceResults(MemoryFiles& disk) {
   std::string text = disk.content(kSettings);
-  disk.put(kSettings, text.replace(text.find("AppendWhenFilter=1") + 17, 1, "0"));
+  constexpr std::string_view kKey = "AppendWhenFilter=";
+  text[text.find(kKey) + kKey.size()] = '0';
+  disk.put(kSettings, text);
 }
 
 const Command kCommands[] = {

@@ -13,7 +13,7 @@ namespace quorvel::test {
 /// A fresh settings file with what makes the commands touch more files, and an entry of somebody else's at its end.
 inline std::string busySettings() {
   std::string text = defaultSettingsText();
-  const auto turnOn = [&text](std::string_view key) { text.replace(text.find(key) + key.size(), 1, "1"); };
+  const auto turnOn = [&text](std::string_view key) { text[text.find(key) + key.size()] = '1'; };
   turnOn("GetFilenameOnTransferError=");
   turnOn("CheckBoxInTreeView=");
   return text + "[OTHER]\r\nKept=yes\r\n";

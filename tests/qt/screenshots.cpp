@@ -1,9 +1,11 @@
 // Takes the pictures of the documentation from the real window: quorvel_screenshots LOG FOLDER [all|main NAME [dark]]
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDeadlineTimer>
 #include <QDialog>
 #include <QHash>
 #include <QImage>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPalette>
 #include <QProgressBar>
@@ -117,6 +119,14 @@ class Photographer {
     choose(MenuItem::mnuCountAllTransfers);
   }
 
+  void takeTools() {
+    takeTool(MenuItem::mnuGotoPosition, "goto-position", "5000");
+    takeTool(MenuItem::mnuGetComputersIP, "computer-ip", "localhost");
+    takeTool(MenuItem::mnuOptions, "options");
+    takeTool(MenuItem::mnuHelpCommandLineReference, "command-line-reference");
+    takeTool(MenuItem::mnuAbout, "about");
+  }
+
   void takeScan() {
     const std::string once = m_folder.read("ftp-server.log");
     std::string often;
@@ -163,6 +173,25 @@ class Photographer {
     });
   }
 
+  /// With a text for its first field, which Enter then hands to the tool.
+  void takeTool(MenuItem item, const char* name, const char* text = nullptr) {
+    onDialog([this, name, text](QDialog& dialog) {
+      auto* const field = text == nullptr ? nullptr : dialog.findChild<QLineEdit*>();
+      if (field != nullptr) {
+        field->setText(QString::fromLatin1(text));
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, {});
+        QCoreApplication::sendEvent(field, &enter);
+        // A name is looked up on another thread.
+        const QDeadlineTimer enough(1500);
+        while (!enough.hasExpired())
+          QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+      }
+      take(QString::fromLatin1(name), &dialog);
+      dialog.reject();
+    });
+    choose(item);
+  }
+
   /// Lets the scan come some way before its picture is taken.
   void takeScanLater() {
     const auto* const bar = m_window.findChild<QProgressBar*>();
@@ -201,6 +230,7 @@ int run(const QStringList& arguments) {
   photographer.takeLayouts();
   photographer.takePopUpAndCheckBoxes();
   photographer.takeCounterResult();
+  photographer.takeTools();
   photographer.takeScan();
   photographer.takeSplash();
   return 0;

@@ -98,8 +98,8 @@ class WindowTest : public testing::Test {
       auto* const dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
       if (dialog == nullptr) return;
       timer->stop();
+      act(*dialog);  // may run events, which must not delete the timer, and this function with it
       timer->deleteLater();
-      act(*dialog);
     });
     timer->start();
   }

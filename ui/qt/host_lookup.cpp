@@ -8,7 +8,8 @@ HostLookup::~HostLookup() {
 
 void HostLookup::start(const QString& host) {
   cancel();
-  m_id = QHostInfo::lookupHost(host, this, &HostLookup::onLookedUp);
+  // By name: Qt loses the memory of a slot given as a pointer when the lookup is given up.
+  m_id = QHostInfo::lookupHost(host, this, SLOT(onLookedUp(QHostInfo)));
 }
 
 void HostLookup::cancel() {

@@ -21,9 +21,10 @@ class HostLookup : public QObject {
   /// error() of info tells whether it was found.
   void found(const QHostInfo& info);
 
- private:
+ private slots:
   void onLookedUp(const QHostInfo& info);
 
+ private:
   int m_id = -1;  // -1: none in progress
 };
 

@@ -90,8 +90,9 @@ Exit status
      or a code has no value behind it; one line on standard error says which
 
 Further files in the program folder: users.qva holds the sessions found and
-is deleted at the end, bad_trans.txt lists failed transfers, error.log tells
-what went wrong while a log was searched.
+is deleted at the end, error.log tells what went wrong while a log was
+searched, and bad_trans.txt lists failed transfers when the setting
+[OPTION-COUNTER] GetFilenameOnTransferError is 1.
 )";
 
 std::string codeLine(const CommandCode& code) {

@@ -70,17 +70,17 @@ bool roundsUp(std::string_view digits, int cut, bool lastDigitIsOdd) {
 
 std::optional<std::int64_t> scaled(const Decimal& number) {
   const int wanted = number.pointAt + kDecimals;
+  constexpr std::uint64_t kLargest = std::numeric_limits<std::int64_t>::max();
+  const std::uint64_t limit = number.isNegative ? kLargest + 1 : kLargest;
   std::uint64_t value = 0;
   for (int i = 0; i < wanted; ++i) {
     const bool isGiven = i < static_cast<int>(number.digits.size());
     const auto digit = static_cast<std::uint64_t>(isGiven ? number.digits[static_cast<std::size_t>(i)] - '0' : 0);
-    constexpr std::uint64_t kLargest = std::numeric_limits<std::int64_t>::max();
-    if (value > (kLargest - digit) / 10) return std::nullopt;
+    if (value > (limit - digit) / 10) return std::nullopt;
     value = value * 10 + digit;
   }
-  auto result = static_cast<std::int64_t>(value);
-  if (roundsUp(number.digits, wanted, result % 2 != 0)) addBytes(result, 1);
-  return number.isNegative ? -result : result;
+  if (roundsUp(number.digits, wanted, value % 2 != 0) && value++ == limit) return std::nullopt;
+  return static_cast<std::int64_t>(number.isNegative ? 0 - value : value);
 }
 
 }  // namespace

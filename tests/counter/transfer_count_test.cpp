@@ -23,11 +23,12 @@ TEST(FixedPoint, ReadsDecimalNumbersAndNothingElse) {
                                                           {"0.0001e-400", 0},
                                                           {std::string(400, '0') + "7", 70'000},
                                                           {"0." + std::string(400, '0') + "7e401", 70'000},
-                                                          {"922337203685477.5807", kMax}};
+                                                          {"922337203685477.5807", kMax},
+                                                          {"-922337203685477.5808", kMin}};
   for (const auto& [text, value] : numbers)
     EXPECT_EQ(parseFixedPoint(text), value) << text;
   for (const char* text : {"", " ", "-", ".", "12 34", "1,024", "0x10", "1e", "1e+-2", "1e99999999999", "nan", "1.2.3",
-                           "--1", "922337203685477.5808"})
+                           "--1", "922337203685477.5808", "922337203685477.58075"})
     EXPECT_FALSE(parseFixedPoint(text)) << text;
   for (const std::string& text : {std::string(400, '9'), std::string(5'000, '0'), std::string("1\0", 2)})
     EXPECT_FALSE(parseFixedPoint(text)) << text;

@@ -5,6 +5,7 @@
 #include <deque>
 #include <thread>
 
+#include "tests/support/echo_reply.h"
 #include "tools/lookup.h"
 
 namespace quorvel::test {
@@ -12,21 +13,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using Kind = PingEvent::Kind;
-
-std::string reply(IpFamily family, const Echo& echo) {
-  std::string message = echoRequest(family, echo);
-  if (family == IpFamily::V6) {
-    message[0] = static_cast<char>(129);
-    return message;
-  }
-  // The reply's type is 8 less than the request's, so its checksum is 8 * 256 more.
-  message[0] = 0;
-  unsigned sum = static_cast<unsigned char>(message[2]) * 256U + static_cast<unsigned char>(message[3]) + 8 * 256U;
-  sum = (sum & 0xFFFF) + (sum >> 16);
-  message[2] = static_cast<char>(sum >> 8);
-  message[3] = static_cast<char>(sum & 0xFF);
-  return message;
-}
 
 /// The other end of a network that the test controls.
 struct Network {
@@ -36,7 +22,7 @@ struct Network {
   bool isUp = true;
 
   /// Answers the request sent last.
-  void answer(std::uint16_t sequence) { waiting.push_back(reply(family, {sequence, sent.back().substr(8)})); }
+  void answer(std::uint16_t sequence) { waiting.push_back(echoReply(family, {sequence, sent.back().substr(8)})); }
 };
 
 struct FakeSocket : IcmpSocket {
@@ -109,8 +95,8 @@ TEST_F(PingTest, GoesOnAfterATimeOutAndWhenNothingCanBeSent) {
 TEST_F(PingTest, PassesOverWhatIsNotTheAwaitedReply) {
   EXPECT_TRUE(ping.start("10.0.0.5", now).empty());
   network.answer(2);
-  network.waiting.push_back(network.sent.back());                          // a request, not a reply
-  network.waiting.push_back(reply(IpFamily::V4, {1, "another's token"}));  // somebody else's ping
+  network.waiting.push_back(network.sent.back());                              // a request, not a reply
+  network.waiting.push_back(echoReply(IpFamily::V4, {1, "another's token"}));  // somebody else's ping
   network.answer(1);
   network.waiting.back()[20] ^= 1;  // damaged on the way
   network.waiting.insert(network.waiting.end(), {"", std::string(3, '\x45')});

@@ -1,0 +1,57 @@
+// Any command line: the arguments are what stands between the blanks, and the codes come in their order.
+
+#include "cli/command_line_argument.h"
+#include "core/text.h"
+#include "tests/fuzz/fuzz_input.h"
+#include "tools/command_codes.h"
+
+namespace {
+
+using namespace quorvel;
+using namespace quorvel::test;
+
+std::vector<std::string> split(std::string_view text, std::size_t most) {
+  std::vector<std::string> arguments{""};
+  bool isInside = false;
+  for (const char c : text) {
+    const bool isSeparator = c == ' ' || c == '\t';
+    if (!isSeparator && !isInside) {
+      if (arguments.size() > most) break;
+      arguments.emplace_back();
+    }
+    if (!isSeparator) arguments.back() += c;
+    isInside = !isSeparator;
+  }
+  return arguments;
+}
+
+std::vector<std::string> sort(const std::vector<std::string>& raw) {
+  std::vector<std::string> sorted{"", raw.size() > 1 ? raw[1] : ""};
+  for (const CommandCode& code : kCommandCodes) {
+    for (std::size_t i = 0; i < raw.size(); ++i) {
+      if (parseInteger(raw[i]) != code.code) continue;
+      sorted.push_back(std::to_string(code.code));
+      if (code.takesValue()) sorted.push_back(i + 1 < raw.size() ? raw[i + 1] : "");
+      break;
+    }
+  }
+  sorted.insert(sorted.end(), {raw.back(), ""});
+  return sorted;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  FuzzInput input(data, size);
+  MemoryFiles files;
+  Settings settings(files, "folder");
+  const std::size_t most = input.byte();
+  settings.WriteSetting("COMMAND-LINE-ARGUMENTS", "MaxArguments", std::to_string(most));
+  classCommandLineArgument arguments(settings, "folder");
+  (void)arguments.GetCommandLine(input.rest());
+  require(arguments.rawArguments() == split(input.rest(), most), "arguments stand between blanks");
+  require(arguments.sortedArguments() == sort(arguments.rawArguments()), "codes are sorted");
+  require(!arguments.endsWithOutputFile() || arguments.argumentCount() > 1, "the log is no output file");
+  arguments.fix_filenames_from_command_array(arguments.sortedArguments()[1]);
+  return 0;
+}

@@ -1,0 +1,71 @@
+// What every fuzz target starts from: the input taken apart, and a check that stops the program.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <string_view>
+
+#include "tests/support/memory_log.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+namespace quorvel::test {
+
+/// Ends the program, as a finding, unless the condition holds.
+inline void require(bool condition, std::string_view what) {
+  if (condition) return;
+  std::cerr << "Not true: " << what << '\n';
+  std::abort();
+}
+
+/// Choices are taken from the end of the input, so that what is left in front reads as the text it is about.
+class FuzzInput {
+ public:
+  FuzzInput(const std::uint8_t* data, std::size_t size) : m_bytes(reinterpret_cast<const char*>(data), size) {}
+
+  /// The next byte; 0 when none is left.
+  [[nodiscard]] unsigned byte() {
+    if (m_bytes.empty()) return 0;
+    const auto last = static_cast<unsigned char>(m_bytes.back());
+    m_bytes.remove_suffix(1);
+    return last;
+  }
+  [[nodiscard]] bool flag() { return byte() % 2 != 0; }
+  [[nodiscard]] std::uint32_t number(int bytes) {
+    std::uint32_t value = 0;
+    for (int i = 0; i < bytes; ++i)
+      value = value << 8 | byte();
+    return value;
+  }
+  /// A text of up to longest bytes; its length is the next byte.
+  [[nodiscard]] std::string text(std::size_t longest = 255) {
+    const std::size_t length = std::min({std::size_t{byte()}, longest, m_bytes.size()});
+    const std::string taken(m_bytes.substr(m_bytes.size() - length));
+    m_bytes.remove_suffix(length);
+    return taken;
+  }
+  /// All that is left.
+  [[nodiscard]] std::string_view rest() const { return m_bytes; }
+  /// The same with each byte 1 and the byte n behind it as n x n dots: large logs from small inputs.
+  [[nodiscard]] std::string expandedRest(std::size_t longest) const {
+    std::string text;
+    for (std::size_t i = 0; i < m_bytes.size() && text.size() < longest; ++i) {
+      if (m_bytes[i] != '\1' || i + 1 == m_bytes.size()) {
+        text += m_bytes[i];
+        continue;
+      }
+      const std::size_t n = static_cast<unsigned char>(m_bytes[++i]);
+      text.append(n * n, '.');
+    }
+    return text.substr(0, longest);
+  }
+
+ private:
+  std::string_view m_bytes;
+};
+
+}  // namespace quorvel::test

@@ -1,0 +1,65 @@
+// Any bytes as a users file: what can be read can be written and read again, and setting a tree index changes no more.
+#include "core/record_format.h"
+#include "core/users_file.h"
+#include "tests/fuzz/fuzz_input.h"
+
+namespace {
+
+using namespace quorvel;
+using namespace quorvel::test;
+
+void checkSlot(std::string_view slot) {
+  const auto record = decodeRecord(slot);
+  require(record.has_value() == decodeTreeIndex(slot).has_value(), "a record has a tree index");
+  if (!record) return;
+  std::string written(slot.size(), '#');
+  const auto length = encodeRecord(*record, written);
+  require(length.has_value(), "a record that was read has room in its slot");
+  require(written.substr(0, *length) == slot.substr(0, *length), "a record is written as it was read");
+}
+
+void checkFile(MemoryFiles& files, std::int32_t newIndex) {
+  auto opened = UsersFile::open(files, "users.qva", OpenMode::ReadWrite);
+  require(opened.isOk(), "any file can be opened");
+  UsersFile& file = opened.value();
+  for (std::int32_t n = 1; n <= file.recordCount(); ++n) {
+    auto record = file.read(n);
+    require(record.has_value(), "every slot can be read");
+    const auto treeIndex = file.treeIndex(n);
+    file.setTreeIndex(n, newIndex);
+    if (treeIndex) record->TreeIndex = newIndex;
+    require(file.read(n) == record, "the tree index alone changes");
+  }
+  require(file.flush().isOk() && !file.read(file.recordCount() + 1), "the file ends behind its records");
+}
+
+void checkWriter(FuzzInput& input) {
+  const auto any = [&input] { return static_cast<std::int32_t>(input.number(4)); };
+  const UserAct record{any(), input.text(), input.text(), input.text(), input.text(), input.text(), input.text(), 3, 0};
+  MemoryFiles files;
+  std::int32_t failed = 0;
+  {
+    UsersFileWriter writer(files, "users.qva", [&](const UserAct&, std::int32_t n, const Error&) { failed = n; });
+    writer.WriteSessionRecord(record, 3);
+    writer.WriteSessionRecord(UserAct(), 4);
+  }
+  auto opened = UsersFile::open(files, "users.qva");
+  require(opened.isOk() && opened.value().recordCount() == 4, "every number is used up");
+  require(opened.value().read(3) == (failed == 3 ? UserAct() : record), "a record reads as it was written");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  FuzzInput input(data, size);
+  const auto newIndex = static_cast<std::int32_t>(input.number(4));
+  MemoryFiles files;
+  files.put("users.qva", input.rest());
+  for (std::size_t at = 0; at < input.rest().size(); at += kRecordSize)
+    checkSlot(input.rest().substr(at, kRecordSize));
+  const std::size_t length = input.rest().size();
+  checkFile(files, newIndex);
+  require(files.content("users.qva").size() == length, "the file keeps its length");
+  checkWriter(input);
+  return 0;
+}

@@ -29,14 +29,17 @@ void takeDigits(std::string_view& text, std::string& digits) {
   }
 }
 
-/// Takes "e+12" off text, if it starts so; false when the exponent is malformed or out of any reason.
+/// Takes "e+12" off text, if it starts so; false when the exponent is malformed. One that no number of kLongestNumber
+/// digits could make up for is as good as any larger one.
 bool takeExponent(std::string_view& text, int& exponent) {
   if (text.empty() || (text.front() != 'e' && text.front() != 'E')) return true;
   text.remove_prefix(1);
   if (text.size() > 1 && text.front() == '+' && isDigit(text[1])) text.remove_prefix(1);
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), exponent);
+  if (error == std::errc::invalid_argument) return false;
   constexpr int kLargestExponent = 9999;
-  if (error != std::errc() || exponent > kLargestExponent || exponent < -kLargestExponent) return false;
+  if (error == std::errc::result_out_of_range) exponent = text.front() == '-' ? -kLargestExponent : kLargestExponent;
+  exponent = std::clamp(exponent, -kLargestExponent, kLargestExponent);
   text.remove_prefix(static_cast<std::size_t>(end - text.data()));
   return true;
 }

@@ -42,6 +42,10 @@ bool killDuring(const std::function<void()>& work, std::chrono::microseconds aft
     work();
     ::_exit(0);
   }
+  if (child < 0) {  // signals sent to "process -1" reach every process of the user
+    ADD_FAILURE() << "no process could be started";
+    return false;
+  }
   std::this_thread::sleep_for(after);
   ::kill(child, signal);
   int status = 0;

@@ -49,6 +49,7 @@ class ToolDialogs : public ::testing::Test {
 
   static void show(QDialog& dialog) {
     dialog.show();
+    dialog.activateWindow();  // no window manager does it
     ASSERT_TRUE(hasKeyboard(dialog));
   }
   /// To whatever has the keyboard.
@@ -275,7 +276,8 @@ TEST_F(ToolMenu, EveryToolOpensItsDialogInTheMiddleOfTheWindow) {
       EXPECT_TRUE(hasKeyboard(dialog));
       opened = dialog.objectName();
       const QPoint off = dialog.geometry().center() - window.geometry().center();
-      EXPECT_LT(off.manhattanLength(), 40) << name << ' ' << off.x() << ' ' << off.y();
+      // Where no window manager tells the frame's size, Qt leaves 10 x 40 pixels for it.
+      EXPECT_LT(off.manhattanLength(), 60) << name << ' ' << off.x() << ' ' << off.y();
       QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
       EXPECT_FALSE(dialog.isVisible()) << name;
       dialog.reject();

@@ -70,6 +70,19 @@ LogPosition BlockWindow::findLast(char c, LogPosition from, LogPosition end) {
   return from - 1;
 }
 
+void BlockWindow::prefetch(LogPosition position) const {
+#if defined(__GNUC__)
+  constexpr std::ptrdiff_t kCacheLine = 64;
+  const auto& block = m_blocks[static_cast<std::size_t>(position - 1) / m_blockSize % m_blocks.size()];
+  if (!block || position < block->first || position >= block->end()) return;
+  const char* const text = block->data() + (position - block->first);
+  for (const std::ptrdiff_t offset : {-kCacheLine, std::ptrdiff_t{0}, kCacheLine})
+    __builtin_prefetch(text + offset);
+#else
+  (void)position;
+#endif
+}
+
 const LogBlock& BlockWindow::blockAt(LogPosition position) {
   if (m_last != nullptr && position >= m_last->first && position < m_last->end()) return *m_last;
   const std::size_t number = static_cast<std::size_t>(position - 1) / m_blockSize;

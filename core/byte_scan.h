@@ -12,7 +12,7 @@ inline constexpr std::size_t kScanSlack = 64;
 
 enum class ScanFor {
   SessionEvents,  ///< ") " and the first letter of an event that a session record is made from, or "- S"
-  SessionLines,   ///< ")", which ends every session number, or "- S"
+  SessionLines,   ///< ")", which ends every session number, "- S", or a line end
   Transfers,      ///< " Se", " Re", " Er": the starts of the four transfer marks, in this case only
 };
 

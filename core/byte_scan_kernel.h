@@ -21,7 +21,9 @@ struct SessionEvents {
 
 template <typename V>
 struct SessionLines {
-  static auto test(V a, V b, V c) { return (a.eq(')') | (a.eq('-') & b.eq(' ') & c.lower().eq('s'))).mask(); }
+  static auto test(V a, V b, V c) {
+    return (a.eq(')') | a.eq('\n') | (a.eq('-') & b.eq(' ') & c.lower().eq('s'))).mask();
+  }
 };
 
 template <typename V>

@@ -1,5 +1,7 @@
 #include "core/log_marks.h"
 
+#include <array>
+#include <bit>
 #include <cstring>
 #include <random>
 
@@ -36,20 +38,27 @@ bool standsAt(const char* from, std::string_view text) {
   return true;
 }
 
+void addMark(LogBlock& block, const char* at, MarkKind kind, SessionId id) {
+  const LogPosition position = block.first + (at - block.data());
+  block.findings.push_back((static_cast<std::uint64_t>(position) << kKindBits) | static_cast<std::uint64_t>(kind));
+  block.findings.push_back(id);
+}
+
+bool isServerStart(const char* dash) {
+  return standsAt(dash, kServerStartMark);
+}
+
 /// Writes the marks of one block.
 class MarkWriter {
  public:
   MarkWriter(LogBlock& block, char lineEnd, std::size_t longestName)
       : m_block(block), m_lineEnd(lineEnd), m_longestName(longestName) {}
 
-  void examineNumber(const char* at, const SessionIdSet& wanted) {
-    if (*at == '-') return examineServerStart(at);
-    const SessionId id = sessionIdAt(at);
-    if (wanted.contains(id)) add(at, MarkKind::Line, id);
-  }
-
   void examineEvent(const char* at) {
-    if (*at == '-') return examineServerStart(at);
+    if (*at == '-') {
+      if (isServerStart(at)) add(at, MarkKind::ServerStart, 0);
+      return;
+    }
     const char* const event = at + 1;
     switch (foldCase(event[1])) {
       case 'c':
@@ -73,10 +82,6 @@ class MarkWriter {
   static bool hasDash(const char* bracket) {
     const char* const dash = bracket - (kSessionNumberLength + 1);
     return dash[0] == '-' && dash[1] == ' ';
-  }
-
-  void examineServerStart(const char* at) {
-    if (standsAt(at, kServerStartMark)) add(at, MarkKind::ServerStart, 0);
   }
 
   void examineConnectOrClose(const char* at, const char* event) {
@@ -110,15 +115,52 @@ class MarkWriter {
     }
   }
 
-  void add(const char* at, MarkKind kind, SessionId id) {
-    const LogPosition position = m_block.first + (at - m_block.data());
-    m_block.findings.push_back((static_cast<std::uint64_t>(position) << kKindBits) | static_cast<std::uint64_t>(kind));
-    m_block.findings.push_back(id);
-  }
+  void add(const char* at, MarkKind kind, SessionId id) { addMark(m_block, at, kind, id); }
 
   LogBlock& m_block;
   const char m_lineEnd;
   const std::size_t m_longestName;
+};
+
+/// Writes the session numbers of one block, each with the extent of its line.
+class LineWriter {
+ public:
+  LineWriter(LogBlock& block, const SessionIdSet& wanted) : m_block(block), m_wanted(wanted) {
+    if (block.first == 1 || block.data()[-1] == '\n') m_lineBegin = block.data();
+  }
+
+  void examine(const char* at) {
+    if (*at == '\n') {
+      endLine(at);
+    } else if (*at == '-') {
+      if (isServerStart(at)) addMark(m_block, at, MarkKind::ServerStart, 0);
+    } else if (const SessionId id = sessionIdAt(at); m_wanted.contains(id)) {
+      addMark(m_block, at, MarkKind::Line, id);
+      m_numbers.push_back({at, m_block.findings.size()});
+      m_block.findings.push_back(std::bit_cast<std::uint64_t>(LineExtent{}));
+    }
+  }
+
+ private:
+  struct Number {
+    const char* at;
+    std::size_t detail;  ///< index in the findings
+  };
+
+  void endLine(const char* lineEnd) {
+    for (const Number& number : m_numbers) {
+      const auto before = m_lineBegin != nullptr ? number.at - m_lineBegin : 0;
+      m_block.findings[number.detail] = std::bit_cast<std::uint64_t>(
+          LineExtent{static_cast<std::uint32_t>(before), static_cast<std::uint32_t>(lineEnd - number.at)});
+    }
+    m_numbers.clear();
+    m_lineBegin = lineEnd + 1;
+  }
+
+  LogBlock& m_block;
+  const SessionIdSet& m_wanted;
+  const char* m_lineBegin = nullptr;  ///< null while the line started before the block
+  std::vector<Number> m_numbers;      ///< of the line looked at
 };
 
 std::uint64_t randomSeed() {
@@ -129,15 +171,18 @@ std::uint64_t randomSeed() {
 }  // namespace
 
 SessionId sessionIdAt(const char* bracket) {
+  constexpr auto kZero = std::bit_cast<std::uint64_t>(std::array{'(', '0', '0', '0', '0', '0', '0', ')'});
+  constexpr auto kCarry = std::bit_cast<std::uint64_t>(std::array<std::uint8_t, 8>{0, 6, 6, 6, 6, 6, 6, 0});
+  constexpr auto kBeyond =
+      std::bit_cast<std::uint64_t>(std::array<std::uint8_t, 8>{0xFF, 0xF0, 0xF0, 0xF0, 0xF0, 0xF0, 0xF0, 0xFF});
   const char* const text = bracket - (kSessionNumberLength - 1);
-  SessionId number = 0;
-  bool isPlain = text[0] == '(';
-  for (int i = 1; i < kSessionNumberLength - 1; ++i) {
-    const auto digit = static_cast<unsigned char>(text[i] - '0');
-    isPlain = isPlain && digit <= 9;
-    number = number * 10 + digit;
+  std::uint64_t digits = 0;
+  std::memcpy(&digits, text, sizeof digits);
+  digits ^= kZero;  // leaves a digit's value in each byte, and 0 for the parentheses
+  if (((digits | (digits + kCarry)) & kBeyond) == 0) {
+    const auto digit = std::bit_cast<std::array<std::uint8_t, 8>>(digits);
+    return digit[1] * 100'000u + digit[2] * 10'000u + digit[3] * 1'000u + digit[4] * 100u + digit[5] * 10u + digit[6];
   }
-  if (isPlain) return number;
   SessionId bytes = 0;
   for (int i = 0; i < kSessionNumberLength; ++i) {
     bytes |= SessionId{static_cast<unsigned char>(foldCase(text[i]))} << (8 * i);
@@ -177,9 +222,9 @@ void SessionIdSet::insert(SessionId id) {
 void findSessionNumbers(LogBlock& block, const SessionIdSet& wanted) {
   thread_local std::vector<std::uint32_t> offsets;
   scanBytes(ScanFor::SessionLines, block.data(), block.count, offsets);
-  MarkWriter writer(block, '\r', 0);
+  LineWriter writer(block, wanted);
   for (const std::uint32_t offset : offsets)
-    writer.examineNumber(block.data() + offset, wanted);
+    writer.examine(block.data() + offset);
 }
 
 LogMark takeMark(const std::vector<std::uint64_t>& findings, std::size_t& index) {
@@ -188,7 +233,7 @@ LogMark takeMark(const std::vector<std::uint64_t>& findings, std::size_t& index)
   mark.position = static_cast<LogPosition>(word >> kKindBits);
   mark.kind = static_cast<MarkKind>(word & ((1u << kKindBits) - 1));
   mark.id = findings[index++];
-  if (mark.kind == MarkKind::LoggedIn) mark.nameHash = findings[index++];
+  if (hasDetail(mark.kind)) mark.detail = findings[index++];
   return mark;
 }
 

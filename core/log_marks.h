@@ -25,9 +25,19 @@ enum class MarkKind : std::uint8_t {
   NoHomeDirectory,    ///< "- ", number, " 530 Not logged in - cannot find home directory"
   Other530,           ///< "- ", number, " 530" and anything else
   Anonymous,          ///< "- ", number, " anonymous logged in"
-  LoggedIn,           ///< "- ", number, " User ", a name, " logged in"; the name's hash comes with it
-  Line,               ///< the number itself, anywhere in a line
+  LoggedIn,           ///< "- ", number, " User ", a name, " logged in"; its detail is the name's hash
+  Line,               ///< the number itself, anywhere in a line; its detail is a LineExtent
   ServerStart,        ///< kServerStartMark; belongs to no session number
+};
+
+[[nodiscard]] constexpr bool hasDetail(MarkKind kind) {
+  return kind == MarkKind::LoggedIn || kind == MarkKind::Line;
+}
+
+/// The line that a Line mark stands in. Either number is 0 where the line goes beyond the mark's block.
+struct LineExtent {
+  std::uint32_t before = 0;  ///< bytes of the line in front of the mark
+  std::uint32_t behind = 0;  ///< from the mark to the line end
 };
 
 /// A session number as a number: its value for six digits in parentheses, else its eight bytes in lower case (which
@@ -47,7 +57,7 @@ struct LogMark {
   LogPosition position = 0;
   MarkKind kind = MarkKind::Connect;
   SessionId id = 0;
-  std::uint64_t nameHash = 0;  ///< of LoggedIn
+  std::uint64_t detail = 0;  ///< where hasDetail(kind)
 };
 
 /// Finds every mark in a block and leaves it in block.findings. Names longer than longestName are passed over;

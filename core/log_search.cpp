@@ -53,16 +53,19 @@ std::size_t lengthOf(const EventText& text) {
 LogSearch::LogSearch(const LogFile& log, Options options)
     : m_log(log),
       m_options(std::move(options)),
-      m_reader(log, 1, m_options.blockSize,
-               [lineEnd = log.lineEnd(), longestName = std::min(m_options.longestName, kLongestIndexedName)](
-                   LogBlock& block) { findMarks(block, lineEnd, longestName); }),
-      m_window(log, m_options.blockSize) {}
+      m_stream(
+          log, m_options.blockSize,
+          [lineEnd = log.lineEnd(), longestName = std::min(m_options.longestName, kLongestIndexedName)](
+              LogBlock& block) { findMarks(block, lineEnd, longestName); },
+          [this](const LogBlock& block) { return takeMarks(block); }) {
+  m_stream.start(1);
+}
 
 ConnectMark LogSearch::FindForward(LogPosition start) {
   while (true) {
     const MarkNumber next = m_marks.connectAfter(m_current);
     if (next == 0) {
-      if (!readMore()) return {};
+      if (!m_stream.readMore()) return {};
       continue;
     }
     m_current = next;
@@ -81,7 +84,7 @@ SessionEnd LogSearch::FindSessionEnd(const ConnectMark& session) {
     const LogPosition close = mark != 0 ? m_marks.position(mark) - kBackToDash : 0;
     const LogPosition start = m_serverStarts.empty() ? 0 : m_serverStarts.front();
     if (start != 0 && (close == 0 || start < close)) return {start, true};
-    if (close != 0 || !readMore()) return {close, false};
+    if (close != 0 || !m_stream.readMore()) return {close, false};
   }
 }
 
@@ -103,7 +106,7 @@ LogPosition LogSearch::FindLogonLine(const ConnectMark& session, std::string_vie
   const LogPosition last = lastAccepted(session.position, limit, length);
   if (name.size() > std::min(m_options.longestName, kLongestIndexedName)) {
     std::string text = "- ";
-    text.append(m_window.text(session.position - kBackToNumber, kSessionNumberLength));
+    text.append(m_stream.window().text(session.position - kBackToNumber, kSessionNumberLength));
     return findText(text.append(kUser).append(name).append(kLoggedIn), session.position, last);
   }
   readTo(last + kBackToDash);
@@ -111,34 +114,21 @@ LogPosition LogSearch::FindLogonLine(const ConnectMark& session, std::string_vie
   return hit != 0 ? m_marks.position(hit) - kBackToDash : 0;
 }
 
-const Status& LogSearch::status() const {
-  return m_reader.status().isOk() ? m_window.status() : m_reader.status();
-}
-
-bool LogSearch::readMore() {
-  if (m_isAtEnd) return false;
-  auto block = m_reader.next();
-  if (!block) {
-    m_isAtEnd = true;
-    m_readTo = m_log.length();
-    return false;
-  }
-  for (std::size_t index = 0; index < block->findings.size();) {
-    const LogMark mark = takeMark(block->findings, index);
+bool LogSearch::takeMarks(const LogBlock& block) {
+  for (std::size_t index = 0; index < block.findings.size();) {
+    const LogMark mark = takeMark(block.findings, index);
     if (mark.kind == MarkKind::ServerStart) {
       m_serverStarts.push_back(mark.position);
     } else {
       m_marks.append(mark);
     }
   }
-  m_readTo = block->end() - 1;
-  if (auto displaced = m_window.put(std::move(block))) m_reader.recycle(std::move(displaced));
-  if (m_options.keepGoing && !m_options.keepGoing(m_readTo)) m_isAtEnd = m_wasStopped = true;
-  return !m_isAtEnd;
+  m_wasStopped = m_options.keepGoing && !m_options.keepGoing(m_stream.readTo());
+  return !m_wasStopped;
 }
 
 void LogSearch::readTo(LogPosition position) {
-  while (m_readTo < position && readMore()) {
+  while (m_stream.readTo() < position && m_stream.readMore()) {
   }
 }
 
@@ -162,7 +152,7 @@ MarkNumber LogSearch::firstOf(const ConnectMark& session, const Wanted& wanted, 
   MarkNumber next = m_marks.nextOfSession(passed);
   for (; next != 0 && m_marks.position(next) <= furthest; next = m_marks.nextOfSession(next), ++steps) {
     const MarkKind kind = m_marks.kind(next);
-    if ((bit(kind) & wanted.kinds) != 0 && (kind != MarkKind::LoggedIn || m_marks.nameHash(next) == wanted.nameHash)) {
+    if ((bit(kind) & wanted.kinds) != 0 && (kind != MarkKind::LoggedIn || m_marks.detail(next) == wanted.nameHash)) {
       break;
     }
     passed = next;
@@ -172,7 +162,7 @@ MarkNumber LogSearch::firstOf(const ConnectMark& session, const Wanted& wanted, 
 }
 
 SessionId LogSearch::idOf(const ConnectMark& session) {
-  return sessionIdAt(&m_window.text(session.position - kBackToNumber, kSessionNumberLength).back());
+  return sessionIdAt(&m_stream.window().text(session.position - kBackToNumber, kSessionNumberLength).back());
 }
 
 /// Reads the text itself: for names too long to be kept with the marks.
@@ -180,7 +170,7 @@ LogPosition LogSearch::findText(std::string_view text, LogPosition start, LogPos
   constexpr LogPosition kPiece = 64 * 1024;
   for (LogPosition at = start; at <= std::min(last, m_log.length()); at += kPiece) {
     const auto hits = static_cast<std::size_t>(std::min(kPiece, last - at + 1));
-    const std::string_view piece = m_window.text(at, hits + text.size() - 1);
+    const std::string_view piece = m_stream.window().text(at, hits + text.size() - 1);
     if (const auto hit = findFolded(piece, text); hit != std::string_view::npos) {
       return at + static_cast<LogPosition>(hit);
     }

@@ -14,10 +14,9 @@
 #include <string_view>
 #include <utility>
 
-#include "core/block_reader.h"
-#include "core/block_window.h"
 #include "core/log_file.h"
 #include "core/log_marks.h"
+#include "core/log_stream.h"
 #include "core/mark_lists.h"
 
 namespace quorvel {
@@ -77,14 +76,14 @@ class LogSearch {
   [[nodiscard]] LogPosition FindLogonLine(const ConnectMark& session, std::string_view name, LogPosition limit);
 
   /// The log's text, see BlockWindow.
-  [[nodiscard]] BlockWindow& window() { return m_window; }
+  [[nodiscard]] BlockWindow& window() { return m_stream.window(); }
   [[nodiscard]] bool wasStopped() const { return m_wasStopped; }
   /// What kept the log from being read.
-  [[nodiscard]] const Status& status() const;
+  [[nodiscard]] const Status& status() const { return m_stream.status(); }
 
  private:
-  /// Reads one more block; false at the end.
-  bool readMore();
+  /// Takes the marks of a block; false when nothing more shall be read.
+  bool takeMarks(const LogBlock& block);
   void readTo(LogPosition position);
   [[nodiscard]] LogPosition lastAccepted(LogPosition start, LogPosition limit, std::size_t textLength) const;
   /// What a walk along the marks of a session number looks for.
@@ -100,16 +99,13 @@ class LogSearch {
 
   const LogFile& m_log;
   const Options m_options;
-  BlockReader m_reader;
-  BlockWindow m_window;
+  LogStream m_stream;
   MarkLists m_marks;
   /// How far the marks of a number were walked without a hit, where that was far: sessions that share a number, or
   /// blocks still to be read, must not make the program walk it again.
   std::map<std::pair<SessionId, Wanted>, MarkNumber> m_passed;
   std::deque<LogPosition> m_serverStarts;  ///< from the current session on
   MarkNumber m_current = 0;                ///< connect mark taken last
-  LogPosition m_readTo = 0;                ///< every mark up to here is known
-  bool m_isAtEnd = false;
   bool m_wasStopped = false;
 };
 

@@ -1,7 +1,6 @@
 #include "core/mark_lists.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace quorvel {
 namespace {
@@ -37,9 +36,8 @@ MarkNumber MarkLists::append(const LogMark& mark) {
   Tail& tail = tailOf(mark.id);
   if (!isConnect(mark.kind) && !isWanted(tail, mark.kind)) return 0;
 
-  const MarkNumber number = add(mark.position, mark.kind);
-  if (mark.kind == MarkKind::LoggedIn) addHash(mark.nameHash);
-  if (tail.last >= m_keptFrom) chunkOf(tail.last).marks[tail.last & (kChunkSize - 1)].next = number;
+  const MarkNumber number = add(mark);
+  if (tail.last >= m_keptFrom) chunkOf(tail.last).marks[indexOf(tail.last)].next = number;
   tail.last = number;
   tail.kindsSeen = isConnect(mark.kind) ? 0 : static_cast<std::uint16_t>(tail.kindsSeen | bitOf(mark.kind));
   return number;
@@ -53,31 +51,13 @@ void MarkLists::dropBefore(MarkNumber number) {
 
 MarkNumber MarkLists::connectAfter(MarkNumber number) const {
   while (true) {
-    const MarkKind passed = number != 0 ? kind(number) : MarkKind::Connect;
-    number += passed == MarkKind::LoggedIn ? 2 : 1;
-    while ((number >> kChunkBits) - m_firstChunk < m_chunks.size() &&
-           (number & (kChunkSize - 1)) >= chunkOf(number).count) {
+    number += number != 0 && hasDetail(kind(number)) ? 2u : 1u;
+    while ((number >> kChunkBits) - m_firstChunk < m_chunks.size() && indexOf(number) >= chunkOf(number).count) {
       number = ((number >> kChunkBits) + 1) << kChunkBits;
     }
     if ((number >> kChunkBits) - m_firstChunk >= m_chunks.size()) return 0;
     if (isConnect(kind(number))) return number;
   }
-}
-
-MarkNumber MarkLists::nextOfSession(MarkNumber number) const {
-  return mark(number).next;
-}
-
-LogPosition MarkLists::position(MarkNumber number) const {
-  return chunkOf(number).base + (mark(number).offsetAndKind >> kKindBits);
-}
-
-MarkKind MarkLists::kind(MarkNumber number) const {
-  return static_cast<MarkKind>(mark(number).offsetAndKind & ((1u << kKindBits) - 1));
-}
-
-std::uint64_t MarkLists::nameHash(MarkNumber number) const {
-  return std::bit_cast<std::uint64_t>(mark(number + 1));
 }
 
 MarkLists::Tail& MarkLists::tailOf(SessionId id) {
@@ -95,23 +75,20 @@ bool MarkLists::isWanted(const Tail& tail, MarkKind kind) const {
   return tail.last >= m_keptFrom && (tail.kindsSeen & coveredBy(kind)) == 0;
 }
 
-MarkNumber MarkLists::add(LogPosition position, MarkKind kind) {
-  const std::uint32_t room = kind == MarkKind::LoggedIn ? 2 : 1;
+MarkNumber MarkLists::add(const LogMark& mark) {
+  const std::uint32_t room = hasDetail(mark.kind) ? 2 : 1;
   Chunk* chunk = m_chunks.back().get();
-  if (chunk->count + room > kChunkSize || position - chunk->base > LogPosition{kLargestOffset}) {
+  if (chunk->count + room > kChunkSize || mark.position - chunk->base > LogPosition{kLargestOffset}) {
     m_chunks.push_back(std::make_unique<Chunk>());
     chunk = m_chunks.back().get();
-    chunk->base = position;
+    chunk->base = mark.position;
   }
-  const std::uint32_t at = chunk->count++;
-  const auto offset = static_cast<std::uint32_t>(position - chunk->base);
-  chunk->marks[at] = {(offset << kKindBits) | static_cast<std::uint32_t>(kind), 0};
+  const std::uint32_t at = chunk->count;
+  const auto offset = static_cast<std::uint32_t>(mark.position - chunk->base);
+  chunk->marks[at] = {(offset << kKindBits) | static_cast<std::uint32_t>(mark.kind), 0};
+  if (room > 1) chunk->marks[at + 1] = std::bit_cast<Mark>(mark.detail);
+  chunk->count += room;
   return ((m_firstChunk + static_cast<std::uint32_t>(m_chunks.size()) - 1) << kChunkBits) + at;
-}
-
-void MarkLists::addHash(std::uint64_t hash) {
-  Chunk& chunk = *m_chunks.back();
-  chunk.marks[chunk.count++] = std::bit_cast<Mark>(hash);
 }
 
 void MarkLists::purgeOddTails() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -15,7 +16,8 @@ namespace quorvel {
 using MarkNumber = std::uint32_t;
 
 /// Keeps what a search can still ask for: for every connect mark not yet passed by, the first mark of each other kind
-/// behind it that carries the same session number. Takes about 8 bytes a mark.
+/// behind it that carries the same session number. Takes 8 bytes a
+/// mark, and 8 for its detail.
 class MarkLists {
  public:
   MarkLists();
@@ -31,12 +33,17 @@ class MarkLists {
   /// The first connect mark behind number; 0 when there is none yet.
   [[nodiscard]] MarkNumber connectAfter(MarkNumber number) const;
   /// The next kept mark with the same session number; 0 when there is none yet.
-  [[nodiscard]] MarkNumber nextOfSession(MarkNumber number) const;
+  [[nodiscard]] MarkNumber nextOfSession(MarkNumber number) const { return mark(number).next; }
 
-  [[nodiscard]] LogPosition position(MarkNumber number) const;
-  [[nodiscard]] MarkKind kind(MarkNumber number) const;
-  /// Of a LoggedIn mark.
-  [[nodiscard]] std::uint64_t nameHash(MarkNumber number) const;
+  [[nodiscard]] LogPosition position(MarkNumber number) const {
+    const Chunk& chunk = chunkOf(number);
+    return chunk.base + (chunk.marks[indexOf(number)].offsetAndKind >> kKindBits);
+  }
+  [[nodiscard]] MarkKind kind(MarkNumber number) const {
+    return static_cast<MarkKind>(mark(number).offsetAndKind & ((1u << kKindBits) - 1));
+  }
+  /// Of a mark whose kind has one.
+  [[nodiscard]] std::uint64_t detail(MarkNumber number) const { return std::bit_cast<std::uint64_t>(mark(number + 1)); }
 
  private:
   static constexpr std::uint32_t kChunkBits = 12;
@@ -44,7 +51,7 @@ class MarkLists {
   static constexpr int kKindBits = 4;
   static constexpr std::uint32_t kLargestOffset = (1u << (32 - kKindBits)) - 1;
 
-  /// A LoggedIn mark is followed by its name's hash in place of a mark.
+  /// The detail of a mark takes the place of the mark behind it.
   struct Mark {
     std::uint32_t offsetAndKind;  ///< distance to the chunk's base, and the kind
     MarkNumber next;              ///< of the same session number
@@ -70,16 +77,15 @@ class MarkLists {
   }
   [[nodiscard]] Tail& tailOf(SessionId id);
   [[nodiscard]] bool isWanted(const Tail& tail, MarkKind kind) const;
-  [[nodiscard]] MarkNumber add(LogPosition position, MarkKind kind);
-  void addHash(std::uint64_t hash);
+  [[nodiscard]] MarkNumber add(const LogMark& mark);
   void purgeOddTails();
 
-  [[nodiscard]] std::uint32_t firstChunk() const { return m_firstChunk; }
+  [[nodiscard]] static std::uint32_t indexOf(MarkNumber number) { return number & (kChunkSize - 1); }
   [[nodiscard]] const Chunk& chunkOf(MarkNumber number) const {
     return *m_chunks[(number >> kChunkBits) - m_firstChunk];
   }
   [[nodiscard]] Chunk& chunkOf(MarkNumber number) { return *m_chunks[(number >> kChunkBits) - m_firstChunk]; }
-  [[nodiscard]] const Mark& mark(MarkNumber number) const { return chunkOf(number).marks[number & (kChunkSize - 1)]; }
+  [[nodiscard]] const Mark& mark(MarkNumber number) const { return chunkOf(number).marks[indexOf(number)]; }
 
   std::deque<std::unique_ptr<Chunk>> m_chunks;
   std::uint32_t m_firstChunk = 0;  ///< number of m_chunks.front()

@@ -1,21 +1,22 @@
 #include "core/session_lines.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "core/block_reader.h"
-#include "core/block_window.h"
 #include "core/log_marks.h"
+#include "core/log_stream.h"
 #include "core/mark_lists.h"
 
 namespace quorvel {
 namespace {
 
 constexpr LogPosition kLookBack = 50;
+/// From the ")" of a session number back to its first byte.
+constexpr LogPosition kBackToNumber = kSessionNumberLength - 1;
 constexpr LogPosition kNever = std::numeric_limits<LogPosition>::max();
 /// So many sessions share one pass over the log: few enough to keep their records, and the places of their lines, in
 /// memory, many enough that a log full of sessions without an end is read only a few times.
@@ -40,9 +41,10 @@ SessionId idOf(const UserAct& session) {
 /// One pass over the log for sessions in ascending order of Position.
 class Pass {
  public:
-  Pass(const LogFile& log, BlockWindow& window, std::vector<UserAct> sessions, SessionLineConsumer& consumer)
-      : m_log(log),
-        m_window(window),
+  Pass(const LogFile& log, std::size_t blockSize, std::vector<UserAct> sessions, SessionLineConsumer& consumer)
+      : m_stream(
+            log, blockSize, [this](LogBlock& block) { findSessionNumbers(block, m_wanted); },
+            [this](const LogBlock& block) { return takeMarks(block); }),
         m_sessions(std::move(sessions)),
         m_consumer(consumer),
         m_starts(m_sessions.size()) {
@@ -62,13 +64,18 @@ class Pass {
   }
 
   /// What kept the log from being read to its end.
-  [[nodiscard]] const Status& status() const { return m_status; }
+  [[nodiscard]] const Status& status() const { return m_stream.status(); }
 
  private:
-  /// Where the next line of the session at the head starts to be looked for.
+  /// How far the lines of the session at the head were handed out.
   struct Cursor {
-    MarkNumber number;        ///< the last place of the session number passed
+    MarkNumber passed;        ///< the last place of the session number passed, or the session's start
+    std::size_t serverStart;  ///< index of the first server start not passed
     LogPosition deliveredTo;  ///< lines in front of this position are done
+  };
+  struct Line {
+    LogPosition begin;
+    LogPosition end;
   };
 
   void deliver(const UserAct& session) {
@@ -76,84 +83,92 @@ class Pass {
     while (m_activated <= m_head && readMore()) {
     }
     if (m_activated <= m_head) return;
-    Cursor cursor{m_starts[m_head], startOf(session)};
-    m_marks.dropBefore(cursor.number);
+    Cursor cursor{m_starts[m_head], firstServerStart(startOf(session)), startOf(session)};
+    m_marks.dropBefore(cursor.passed);
     for (int lines = 1; m_goOn && deliverLine(cursor); ++lines) {
-      if (m_activated == m_head + 1) m_marks.dropBefore(cursor.number);
+      if (m_activated == m_head + 1) m_marks.dropBefore(cursor.passed);
       if (lines % kLinesBetweenQuestions == 0) ask(cursor.deliveredTo);
     }
   }
 
   /// Hands out the next line of the session; false at its end.
   bool deliverLine(Cursor& cursor) {
-    const LogPosition from = cursor.deliveredTo;
-    LogPosition number = nextNumber(cursor);
-    LogPosition start = nextServerStart(from);
-    while (std::min(number, start) == kNever && readMore()) {
+    MarkNumber number = nextNumber(cursor);
+    while (number == 0 && cursor.serverStart == m_serverStarts.size()) {
+      if (!readMore()) return false;
       number = nextNumber(cursor);
-      start = nextServerStart(from);
     }
-    const LogPosition hit = std::min(number, start);
-    if (hit == kNever) return false;
-
-    const LogPosition end = endOfLine(hit);
-    number = nextNumber(cursor);  // the rest of a long line was read meanwhile
-    start = nextServerStart(from);
-    const LogPosition begin = m_window.findLast('\n', from, hit) + 1;
-    std::string_view text = m_window.text(begin, static_cast<std::size_t>(end - begin));
-    if (!text.empty() && text.back() == '\r') text.remove_suffix(1);
-    cursor.deliveredTo = end + 1;
-    return m_consumer.line({text, number < end, start < end});
+    const Line line = lineOf(number, cursor);
+    const MarkNumber next = takeNumbers(cursor, line);
+    if (next != 0) m_stream.window().prefetch(m_marks.position(next));
+    const bool hasServerStart = passServerStarts(cursor, line.end);
+    cursor.deliveredTo = line.end + 1;
+    std::string_view text = m_stream.window().text(line.begin, static_cast<std::size_t>(line.end - line.begin));
+    if (text.ends_with('\r')) text.remove_suffix(1);
+    return m_consumer.line({text, m_numbers, hasServerStart});
   }
 
-  /// Moves the cursor to the place in front of the first session number not delivered yet; returns its position.
-  LogPosition nextNumber(Cursor& cursor) const {
-    for (MarkNumber next = m_marks.nextOfSession(cursor.number); next != 0; next = m_marks.nextOfSession(next)) {
-      const LogPosition position = m_marks.position(next);
-      if (m_marks.kind(next) == MarkKind::Line && position >= cursor.deliveredTo) return position;
-      cursor.number = next;
+  /// The line that holds the session number, or the next server start if that comes first. Everything in it is known
+  /// afterwards.
+  Line lineOf(MarkNumber number, const Cursor& cursor) {
+    LogPosition hit = number != 0 ? m_marks.position(number) : kNever;
+    LineExtent extent;
+    if (cursor.serverStart < m_serverStarts.size() && m_serverStarts[cursor.serverStart] < hit) {
+      hit = m_serverStarts[cursor.serverStart];
+    } else {
+      extent = std::bit_cast<LineExtent>(m_marks.detail(number));
     }
-    return kNever;
+    Line line{hit - extent.before, hit + extent.behind};
+    if (extent.behind == 0) line.end = m_stream.endOfLine(hit);
+    if (extent.before == 0) line.begin = m_stream.window().findLast('\n', cursor.deliveredTo, hit) + 1;
+    line.begin = std::max(line.begin, cursor.deliveredTo);
+    return line;
   }
 
-  [[nodiscard]] LogPosition nextServerStart(LogPosition from) const {
-    const auto next = std::lower_bound(m_serverStarts.begin(), m_serverStarts.end(), from);
-    return next == m_serverStarts.end() ? kNever : *next;
+  /// Notes where the session number stands in the line; returns the first one behind the line, 0 when it is not known.
+  MarkNumber takeNumbers(Cursor& cursor, const Line& line) {
+    m_numbers.clear();
+    MarkNumber number = nextNumber(cursor);
+    for (; number != 0 && m_marks.position(number) < line.end; number = nextNumber(cursor)) {
+      m_numbers.push_back(static_cast<std::size_t>(m_marks.position(number) - kBackToNumber - line.begin));
+      cursor.passed = number;
+    }
+    return number;
   }
 
-  /// Reads on to the end of the line that holds position, so that everything in it is known.
-  LogPosition endOfLine(LogPosition position) {
-    while (true) {
-      const LogPosition known = m_readTo + 1;
-      const LogPosition end = m_window.find('\n', position, known);
-      if (end < known || !readMore()) return end;
-      position = known;
-    }
+  /// The next place of the session number, 0 when it is not known. Passes the starts of other sessions.
+  MarkNumber nextNumber(Cursor& cursor) const {
+    MarkNumber next = m_marks.nextOfSession(cursor.passed);
+    for (; next != 0 && m_marks.kind(next) != MarkKind::Line; next = m_marks.nextOfSession(next))
+      cursor.passed = next;
+    return next;
+  }
+
+  [[nodiscard]] std::size_t firstServerStart(LogPosition from) const {
+    return static_cast<std::size_t>(std::lower_bound(m_serverStarts.begin(), m_serverStarts.end(), from) -
+                                    m_serverStarts.begin());
+  }
+
+  /// Whether a server start lies in front of end.
+  bool passServerStarts(Cursor& cursor, LogPosition end) const {
+    const std::size_t first = cursor.serverStart;
+    while (cursor.serverStart < m_serverStarts.size() && m_serverStarts[cursor.serverStart] < end)
+      ++cursor.serverStart;
+    return cursor.serverStart != first;
   }
 
   /// Starts reading at a session that lies far ahead of, or before, what was read so far.
   void startReading(LogPosition start) {
-    if (m_activated > m_head || (m_reader && start - m_readTo < kGap)) return;
-    const auto blockSize = static_cast<LogPosition>(m_window.blockSize());
-    const LogPosition first = (start - 1) / blockSize * blockSize + 1;
-    m_reader.reset();
-    m_reader = std::make_unique<BlockReader>(m_log, first, m_window.blockSize(),
-                                             [this](LogBlock& block) { findSessionNumbers(block, m_wanted); });
-    m_isAtEnd = false;
-    m_readTo = first - 1;
+    if (m_activated > m_head || (m_isReading && start - m_stream.readTo() < kGap)) return;
+    m_stream.start(start);
+    m_isReading = true;
   }
 
-  /// Reads one more block; false at the end of the log.
-  bool readMore() {
-    if (m_isAtEnd || !m_goOn) return false;
-    auto block = m_reader->next();
-    if (!block) {
-      if (!m_reader->status().isOk()) m_status = m_reader->status();
-      m_isAtEnd = true;
-      return false;
-    }
-    for (std::size_t index = 0; index < block->findings.size();) {
-      const LogMark mark = takeMark(block->findings, index);
+  bool readMore() { return m_goOn && m_stream.readMore(); }
+
+  bool takeMarks(const LogBlock& block) {
+    for (std::size_t index = 0; index < block.findings.size();) {
+      const LogMark mark = takeMark(block.findings, index);
       activateSessions(mark);
       if (mark.kind == MarkKind::ServerStart) {
         m_serverStarts.push_back(mark.position);
@@ -161,16 +176,13 @@ class Pass {
         m_marks.append(mark);
       }
     }
-    m_readTo = block->end() - 1;
-    if (auto displaced = m_window.put(std::move(block))) m_reader->recycle(std::move(displaced));
-    ask(m_readTo);
+    ask(m_stream.readTo());
     return m_goOn;
   }
 
   /// Puts a start into the list of each session that begins at or before the mark.
   void activateSessions(const LogMark& mark) {
-    const LogPosition textStart =
-        mark.kind == MarkKind::ServerStart ? mark.position : mark.position - (kSessionNumberLength - 1);
+    const LogPosition textStart = mark.position - (mark.kind == MarkKind::Line ? kBackToNumber : 0);
     while (m_activated < m_sessions.size() && startOf(m_sessions[m_activated]) <= textStart) {
       m_starts[m_activated] = m_marks.append({mark.position, MarkKind::Connect, idOf(m_sessions[m_activated])});
       ++m_activated;
@@ -179,21 +191,18 @@ class Pass {
 
   void ask(LogPosition position) { m_goOn = m_goOn && m_consumer.keepGoing(static_cast<std::uint64_t>(position)); }
 
-  const LogFile& m_log;
-  BlockWindow& m_window;
+  LogStream m_stream;
+  bool m_isReading = false;
   const std::vector<UserAct> m_sessions;
   SessionLineConsumer& m_consumer;
   SessionIdSet m_wanted;
-  std::unique_ptr<BlockReader> m_reader;
   MarkLists m_marks;
   std::vector<MarkNumber> m_starts;  ///< of the activated sessions: where their places begin
   std::vector<LogPosition> m_serverStarts;
-  std::size_t m_head = 0;       ///< the session whose lines are handed out
-  std::size_t m_activated = 0;  ///< so many sessions have their start in their list
-  LogPosition m_readTo = 0;
-  bool m_isAtEnd = false;
+  std::vector<std::size_t> m_numbers;  ///< in the line handed out
+  std::size_t m_head = 0;              ///< the session whose lines are handed out
+  std::size_t m_activated = 0;         ///< so many sessions have their start in their list
   bool m_goOn = true;
-  Status m_status;
 };
 
 /// Takes sessions off source as long as they ascend, starting with first, which becomes the one behind them.
@@ -211,14 +220,13 @@ std::vector<UserAct> takePass(const SessionSource& source, std::optional<UserAct
 
 Status readSessionLines(const LogFile& log, const SessionSource& source, SessionLineConsumer& consumer,
                         std::size_t blockSize) {
-  BlockWindow window(log, blockSize);
   std::optional<UserAct> next = source();
   while (next) {
-    Pass pass(log, window, takePass(source, next), consumer);
-    if (!pass.run()) return {};
+    Pass pass(log, blockSize, takePass(source, next), consumer);
+    if (!pass.run()) break;
     if (!pass.status().isOk()) return pass.status();
   }
-  return window.status();
+  return {};
 }
 
 }  // namespace quorvel

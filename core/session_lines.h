@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include "core/log_file.h"
@@ -13,11 +14,23 @@
 namespace quorvel {
 
 /// A line of the log that concerns a session: it contains the session number, or the server start mark, or both
-/// (compared without regard to case). text has no line end and is valid only during the call it is handed to.
+/// (compared without regard to case). Everything here is valid only during the call it is handed to.
 struct SessionLine {
-  std::string_view text;
-  bool hasSessionMark = false;
+  std::string_view text;                 ///< without its line end
+  std::span<const std::size_t> numbers;  ///< where in text the session number starts, in ascending order
   bool hasServerStart = false;
+
+  [[nodiscard]] bool hasSessionNumber() const { return !numbers.empty(); }
+
+  /// Calls what(before, after) with the text in front of and behind each session number until it returns true;
+  /// returns whether it did.
+  template <typename Function>
+  bool anyNumber(Function what) const {
+    for (const std::size_t at : numbers) {
+      if (what(text.substr(0, at), text.substr(at + kSessionNumberLength))) return true;
+    }
+    return false;
+  }
 };
 
 /// Takes the lines of one session after the other.

@@ -4,9 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/block_reader.h"
-#include "core/block_window.h"
 #include "core/byte_scan.h"
+#include "core/log_stream.h"
 #include "counter/counted_line.h"
 #include "counter/transfer_counter.h"
 
@@ -61,57 +60,45 @@ struct LongLine {
 class WholeLogCounter {
  public:
   WholeLogCounter(const LogFile& log, CountRun run)
-      : m_run(run), m_reader(log, 1, kDefaultBlockSize, findTokens), m_window(log, kDefaultBlockSize) {}
+      : m_run(run),
+        m_stream(log, kDefaultBlockSize, findTokens, [this](const LogBlock& block) { return takeTokens(block); }) {
+    m_stream.start(1);
+  }
 
   Status run() {
     while (m_goOn) {
       if (m_tokens.empty()) {
-        if (!readMore()) break;
+        if (!m_stream.readMore()) break;
       } else if (m_tokens.front() < m_countedTo) {
         m_tokens.pop_front();
       } else {
         countLineAt(m_tokens.front());
       }
     }
-    return m_reader.status().isOk() ? m_window.status() : m_reader.status();
+    return m_stream.status();
   }
 
  private:
-  /// Reads one more block; false at the end of the log.
-  bool readMore() {
-    auto block = m_goOn ? m_reader.next() : nullptr;
-    if (!block) return false;
-    for (const std::uint64_t position : block->findings)
+  bool takeTokens(const LogBlock& block) {
+    for (const std::uint64_t position : block.findings)
       m_tokens.push_back(static_cast<LogPosition>(position));
-    m_readTo = block->end() - 1;
-    if (auto displaced = m_window.put(std::move(block))) m_reader.recycle(std::move(displaced));
-    m_goOn = m_run.observer.keepGoing(m_readTo);
-    return true;
+    m_goOn = m_run.observer.keepGoing(m_stream.readTo());
+    return m_goOn;
   }
 
   void countLineAt(LogPosition token) {
-    const LogPosition end = endOfLine(token);
-    const LogPosition begin = m_window.findLast('\n', m_countedTo, token) + 1;
+    const LogPosition end = m_stream.endOfLine(token);
+    const LogPosition begin = m_stream.window().findLast('\n', m_countedTo, token) + 1;
     m_countedTo = end + 1;
     if (!m_goOn) return;
     if (end - begin > kLongestWhole) return countLongLine(begin, end);
-    std::string_view line = m_window.text(begin, static_cast<std::size_t>(end - begin));
+    std::string_view line = m_stream.window().text(begin, static_cast<std::size_t>(end - begin));
     if (line.ends_with('\r')) line.remove_suffix(1);
     countLine(transferTokensIn(line), line, byteCountText(line), m_run);
   }
 
-  /// Reads on to the end of the line that holds position.
-  LogPosition endOfLine(LogPosition position) {
-    while (true) {
-      const LogPosition known = m_readTo + 1;
-      const LogPosition end = m_window.find('\n', position, known);
-      if (end < known || !readMore()) return end;
-      position = known;
-    }
-  }
-
   void countLongLine(LogPosition begin, LogPosition end) {
-    if (m_window.text(end - 1, 1) == "\r") --end;
+    if (m_stream.window().text(end - 1, 1) == "\r") --end;
     LongLine line;
     for (LogPosition at = begin; at < end && m_goOn; at += kLongestWhole) {
       line.lookThrough(textOf(at, std::min(end, at + kLongestWhole + kOverlap)), at);
@@ -131,15 +118,13 @@ class WholeLogCounter {
 
   /// The log from begin to end, not included; empty when end lies before begin.
   [[nodiscard]] std::string_view textOf(LogPosition begin, LogPosition end) {
-    return m_window.text(begin, static_cast<std::size_t>(std::max<LogPosition>(0, end - begin)));
+    return m_stream.window().text(begin, static_cast<std::size_t>(std::max<LogPosition>(0, end - begin)));
   }
 
   CountRun m_run;
-  BlockReader m_reader;
-  BlockWindow m_window;
+  LogStream m_stream;
   std::deque<LogPosition> m_tokens;  ///< of lines not counted yet
   LogPosition m_countedTo = 1;       ///< where the first line starts that is not counted yet
-  LogPosition m_readTo = 0;
   bool m_goOn = true;
 };
 

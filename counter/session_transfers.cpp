@@ -13,18 +13,18 @@ class SessionCounter final : public SessionLineConsumer {
   explicit SessionCounter(CountRun run) : m_run(run) {}
 
   bool beginSession(const UserAct& session) override {
-    m_number = "- " + session.NumberInLog;
-    m_connectText = session.ConnectTime + " " + m_number + " Connected to " + session.IP;
+    m_number = session.NumberInLog;
+    m_beforeConnect = session.ConnectTime + " - ";
+    m_behindConnect = " Connected to " + session.IP;
     m_isConnected = false;
     return session.Position != 0;
   }
 
   bool line(const SessionLine& line) override {
-    if (!line.hasSessionMark) return true;
-    if (!m_isConnected) m_isConnected = line.text.find(m_connectText) != std::string_view::npos;
+    if (!m_isConnected) m_isConnected = isConnectLine(line);
     if (!m_isConnected) return true;
     TransferTokens tokens;
-    const bool isClosing = findTokens(line.text, tokens);
+    const bool isClosing = findTokens(line, tokens);
     if (tokens.any()) countLine(tokens, line.text, byteCountText(line.text), m_run);
     return !isClosing;
   }
@@ -36,20 +36,36 @@ class SessionCounter final : public SessionLineConsumer {
   }
 
  private:
-  /// Notes the tokens that stand behind this session's number; returns whether the line closes the session.
-  [[nodiscard]] bool findTokens(std::string_view text, TransferTokens& tokens) const {
+  [[nodiscard]] bool isConnectLine(const SessionLine& line) const {
+    return anyExactNumber(line, [this](std::string_view before, std::string_view after) {
+      return before.ends_with(m_beforeConnect) && after.starts_with(m_behindConnect);
+    });
+  }
+
+  /// Notes the tokens that stand behind "- " and the session number; returns whether the line closes the session.
+  [[nodiscard]] bool findTokens(const SessionLine& line, TransferTokens& tokens) const {
     bool isClosing = false;
-    for (auto at = text.find(m_number); at != std::string_view::npos; at = text.find(m_number, at + 1)) {
-      const std::string_view after = text.substr(at + m_number.size());
+    anyExactNumber(line, [&](std::string_view before, std::string_view after) {
+      if (!before.ends_with("- ")) return false;
       tokens.addStartOf(after);
       if (after.starts_with(kClosing)) isClosing = true;
-    }
+      return false;
+    });
     return isClosing;
   }
 
+  /// As SessionLine::anyNumber, for numbers of the same case.
+  template <typename Function>
+  bool anyExactNumber(const SessionLine& line, Function what) const {
+    return line.anyNumber([&](std::string_view before, std::string_view after) {
+      return line.text.substr(before.size(), m_number.size()) == m_number && what(before, after);
+    });
+  }
+
   CountRun m_run;
-  std::string m_number;  ///< with "- " in front
-  std::string m_connectText;
+  std::string m_number;
+  std::string m_beforeConnect;
+  std::string m_behindConnect;
   bool m_isConnected = false;
 };
 

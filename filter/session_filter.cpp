@@ -72,9 +72,9 @@ constexpr std::array kMarkTexts = {
 };
 
 /// All marks that stand behind any occurrence of the session number.
-std::uint32_t marksIn(std::string_view line, const SessionMark& number) {
+std::uint32_t marksIn(const SessionLine& line) {
   std::uint32_t found = 0;
-  number.anyOccurrence(line, [&found](std::string_view before, std::string_view after) {
+  line.anyNumber([&found](std::string_view before, std::string_view after) {
     if (isClosing(before, after)) found |= kClosing;
     for (const MarkText& mark : kMarkTexts) {
       if (startsWithFolded(after, mark.text)) found |= mark.marks;
@@ -87,36 +87,33 @@ std::uint32_t marksIn(std::string_view line, const SessionMark& number) {
 }  // namespace
 
 void EntireSessionFilter::begin(const UserAct& session) {
-  m_session = session;
-  m_mark = SessionMark(session.NumberInLog);
+  m_connectTime = session.ConnectTime;
+  m_ip = session.IP;
   m_isConnected = false;
 }
 
 bool EntireSessionFilter::line(const SessionLine& line, FilterOutput& output) {
   if (!m_isConnected) m_isConnected = isConnectLine(line);
   if (!m_isConnected) return true;
-  if (line.hasSessionMark) output.writeLine(line.text);
-  if (line.hasServerStart) return false;
-  return !(line.hasSessionMark && m_mark.anyOccurrence(line.text, isClosing));
+  if (line.hasSessionNumber()) output.writeLine(line.text);
+  return !line.hasServerStart && !line.anyNumber(isClosing);
 }
 
 bool EntireSessionFilter::isConnectLine(const SessionLine& line) const {
-  return line.hasSessionMark &&
-         m_mark.anyOccurrence(line.text, [this](std::string_view before, std::string_view after) {
-           return takeSuffix(before, " - ") && takeSuffix(before, m_session.ConnectTime) &&
-                  takePrefix(after, " Connected to ") && takePrefix(after, m_session.IP);
-         });
+  return line.anyNumber([this](std::string_view before, std::string_view after) {
+    return takeSuffix(before, " - ") && takeSuffix(before, m_connectTime) && takePrefix(after, " Connected to ") &&
+           takePrefix(after, m_ip);
+  });
 }
 
-void CommandFilter::begin(const UserAct& session) {
+void CommandFilter::begin(const UserAct&) {
   *this = CommandFilter(m_options);
-  m_mark = SessionMark(session.NumberInLog);
 }
 
 bool CommandFilter::line(const SessionLine& line, FilterOutput& output) {
   if (line.hasServerStart) return false;
-  if (!line.hasSessionMark) return true;
-  const std::uint32_t marks = marksIn(line.text, m_mark);
+  if (!line.hasSessionNumber()) return true;
+  const std::uint32_t marks = marksIn(line);
   if ((marks & kClosing) != 0) return false;
   detectCommands(marks);
   writeBlockLine(marks, line.text, output);

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "core/session_lines.h"
 #include "core/user_act.h"
-#include "filter/session_mark.h"
 
 namespace quorvel {
 
@@ -46,8 +46,8 @@ class EntireSessionFilter final : public SessionFilter {
  private:
   [[nodiscard]] bool isConnectLine(const SessionLine& line) const;
 
-  UserAct m_session;
-  SessionMark m_mark;
+  std::string m_connectTime;
+  std::string m_ip;
   bool m_isConnected = false;
 };
 
@@ -73,7 +73,6 @@ class CommandFilter final : public SessionFilter {
   void writeDeleteReply(std::uint32_t marks, std::string_view text, FilterOutput& output);
 
   CommandFilterOptions m_options;
-  SessionMark m_mark;
   bool m_inTransfer = false;
   bool m_inDelete = false;
   bool m_deleteFirstLine = false;

@@ -14,7 +14,7 @@ namespace {
 bool isHit(ScanFor what, std::string_view at) {
   const char letter = static_cast<char>(at[2] | 0x20);
   const bool isServerStart = at.starts_with("- ") && letter == 's';
-  if (what == ScanFor::SessionLines) return isServerStart || at[0] == ')';
+  if (what == ScanFor::SessionLines) return isServerStart || at[0] == ')' || at[0] == '\n';
   if (what == ScanFor::SessionEvents)
     return isServerStart || (at.starts_with(") ") && std::string_view("ucq5a").find(letter) != std::string_view::npos);
   return at.starts_with(" Se") || at.starts_with(" Re") || at.starts_with(" Er");
@@ -22,7 +22,7 @@ bool isHit(ScanFor what, std::string_view at) {
 
 TEST(ByteScan, FindsWhatOneByteAtATimeFinds) {
   // Few different bytes, so that hits lie close together, also across the ends of what is read at once.
-  constexpr std::string_view kBytes = ")- SsEeRrUuQq5Aaxc";
+  constexpr std::string_view kBytes = ")- SsEeRrUuQq5Aaxc\n";
   constexpr std::size_t kCounts[] = {0, 1, 15, 16, 31, 32, 33, 63, 200, 4095, 4096, 4097, 20000};
   const ByteScanVariant portable = portableByteScan();
   const ByteScanFunction portableScans[] = {portable.sessionEvents, portable.sessionLines, portable.transfers};

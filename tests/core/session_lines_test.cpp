@@ -30,7 +30,7 @@ struct Recorder : SessionLineConsumer {
     return left > 0;
   }
   bool line(const SessionLine& line) override {
-    calls.push_back(call(line.hasSessionMark, line.hasServerStart, line.text));
+    calls.push_back(call(line.hasSessionNumber(), line.hasServerStart, line.text));
     return --left > 0;
   }
   void endSession(const UserAct& session) override { calls.push_back("end " + std::to_string(session.LogonNo)); }

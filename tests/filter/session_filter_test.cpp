@@ -28,8 +28,12 @@ Lines filter(SessionFilter& filter, const Lines& log) {
   Collected output;
   filter.begin(kSession);
   for (const std::string& text : log) {
-    const SessionLine line{text, containsFolded(text, kSession.NumberInLog), containsFolded(text, kServerStartMark)};
-    if ((line.hasSessionMark || line.hasServerStart) && !filter.line(line, output)) break;
+    std::vector<std::size_t> numbers;
+    for (auto at = text.find(kSession.NumberInLog); at != std::string::npos;
+         at = text.find(kSession.NumberInLog, at + 1))
+      numbers.push_back(at);
+    const SessionLine line{text, numbers, containsFolded(text, kServerStartMark)};
+    if ((line.hasSessionNumber() || line.hasServerStart) && !filter.line(line, output)) break;
   }
   return output.lines;
 }

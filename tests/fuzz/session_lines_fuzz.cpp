@@ -30,7 +30,7 @@ class Comparison final : public SessionLineConsumer {
     return true;
   }
   bool line(const SessionLine& line) override {
-    require(line.hasSessionMark || line.hasServerStart, "a line without a mark is not handed out");
+    require(line.hasSessionNumber() || line.hasServerStart, "a line without a mark is not handed out");
     m_lines.emplace_back(line.text);
     m_inEntire = m_inEntire && m_entireFilter.line(line, m_entire);
     m_inCommands = m_inCommands && m_commandFilter.line(line, m_commands);

@@ -1,5 +1,7 @@
 #include "core/background_appender.h"
 
+#include <new>
+#include <system_error>
 #include <utility>
 
 namespace quorvel {
@@ -15,7 +17,10 @@ BackgroundAppender::~BackgroundAppender() {
 }
 
 void BackgroundAppender::append(std::string& batch) {
-  if (!m_thread.joinable()) m_thread = std::thread([this] { work(); });
+  if (!m_thread.joinable() && !startThread()) {
+    if (m_status.isOk()) m_status = m_file.appendLines(batch);
+    return batch.clear();
+  }
   {
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return m_batch.empty(); });
@@ -23,6 +28,15 @@ void BackgroundAppender::append(std::string& batch) {
   }
   batch.clear();
   m_changed.notify_all();
+}
+
+bool BackgroundAppender::startThread() {
+  try {
+    m_thread = std::thread([this] { work(); });
+  } catch (const std::system_error&) {
+    return false;
+  }
+  return true;
 }
 
 Status BackgroundAppender::finish() {
@@ -37,11 +51,20 @@ void BackgroundAppender::work() {
     m_changed.wait(lock, [this] { return m_isStopping || !m_batch.empty(); });
     if (m_batch.empty()) return;
     lock.unlock();
-    Status status = m_file.appendLines(m_batch);  // nobody else touches a batch that is not empty
+    Status status = writeBatch();
     lock.lock();
     if (m_status.isOk()) m_status = std::move(status);
     m_batch.clear();
     m_changed.notify_all();
+  }
+}
+
+/// Nobody else touches a batch that is not empty.
+Status BackgroundAppender::writeBatch() {
+  try {
+    return m_file.appendLines(m_batch);
+  } catch (const std::bad_alloc&) {
+    return Error{ErrorCode::OutOfMemory, {}};
   }
 }
 

@@ -27,7 +27,10 @@ class BackgroundAppender {
   Status finish();
 
  private:
+  /// False when the system has no thread left: batches are then written as they come.
+  [[nodiscard]] bool startThread();
   void work();
+  [[nodiscard]] Status writeBatch();
 
   File& m_file;
   std::mutex m_mutex;  ///< guards the members below

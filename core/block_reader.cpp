@@ -1,6 +1,8 @@
 #include "core/block_reader.h"
 
 #include <algorithm>
+#include <new>
+#include <system_error>
 #include <utility>
 
 namespace quorvel {
@@ -30,10 +32,17 @@ Status readBlock(const LogFile& log, LogPosition first, std::size_t size, LogBlo
 }
 
 BlockReader::BlockReader(const LogFile& log, LogPosition first, std::size_t blockSize, Search search)
-    : m_log(log), m_blockSize(blockSize), m_search(std::move(search)), m_at(first) {
+    : m_log(log),
+      m_blockSize(blockSize),
+      m_search(std::move(search)),
+      m_outOfMemory(Error{ErrorCode::OutOfMemory, log.path()}),
+      m_at(first) {
   constexpr LogPosition kBlocksWorthAThread = 3;
-  if (log.length() - first > kBlocksWorthAThread * static_cast<LogPosition>(blockSize)) {
+  m_ready.reserve(kMostReady);
+  if (log.length() - first <= kBlocksWorthAThread * static_cast<LogPosition>(blockSize)) return;
+  try {
     m_thread = std::thread([this] { readAhead(); });
+  } catch (const std::system_error&) {  // the system has no thread left: next() reads
   }
 }
 
@@ -54,7 +63,7 @@ std::unique_ptr<LogBlock> BlockReader::next() {
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return !m_ready.empty(); });
     item = std::move(m_ready.front());
-    m_ready.pop_front();
+    m_ready.erase(m_ready.begin());
     lock.unlock();
     m_changed.notify_all();
   } else {
@@ -71,6 +80,14 @@ void BlockReader::recycle(std::unique_ptr<LogBlock> block) {
 }
 
 BlockReader::Item BlockReader::readNext() {
+  try {
+    return readBlockAtPlace();
+  } catch (const std::bad_alloc&) {
+    return {nullptr, std::move(m_outOfMemory)};
+  }
+}
+
+BlockReader::Item BlockReader::readBlockAtPlace() {
   if (m_at > m_log.length()) return {};
   std::unique_ptr<LogBlock> block;
   {

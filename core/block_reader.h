@@ -5,7 +5,6 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -65,22 +64,25 @@ class BlockReader {
     Status status;
   };
 
+  /// Does not throw when memory runs out: on a thread of its own nobody would catch it.
   [[nodiscard]] Item readNext();
+  [[nodiscard]] Item readBlockAtPlace();
   void readAhead();
 
   const LogFile& m_log;
   const std::size_t m_blockSize;
   const Search m_search;
-  LogPosition m_at;  ///< where the next block starts; belongs to the reading thread
+  Status m_outOfMemory;  ///< made while there is memory for it
+  LogPosition m_at;      ///< where the next block starts; belongs to the reading thread
   Status m_status;
   bool m_isAtEnd = false;
 
   std::mutex m_mutex;  ///< guards the members below
   std::condition_variable m_changed;
-  std::deque<Item> m_ready;
+  std::vector<Item> m_ready;  ///< room for all is reserved
   std::vector<std::unique_ptr<LogBlock>> m_spare;
   bool m_isStopping = false;
-  std::thread m_thread;  ///< not running for a log of a block or two
+  std::thread m_thread;  ///< not running for a log of a block or two, nor where there can be none
 };
 
 }  // namespace quorvel

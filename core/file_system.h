@@ -56,7 +56,8 @@ class FileSystem {
  public:
   virtual ~FileSystem() = default;
 
-  /// Opening a folder, or anything else that is no plain file, for reading fails with PathFileAccess.
+  /// Opening a folder, or anything else that is no plain file, for reading fails with PathFileAccess; so does opening a
+  /// terminal for writing, which would obey what a log says.
   [[nodiscard]] virtual Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) = 0;
   virtual Status remove(const std::filesystem::path& path) = 0;
   /// Gives the file from the name to, replacing a file of that name in one step.

@@ -116,13 +116,14 @@ class PosixFileSystem final : public FileSystem {
  public:
   Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) override {
     constexpr mode_t kReadableByAll = 0644;
-    const int descriptor = ::open(path.c_str(), flagsOf(mode) | O_CLOEXEC, kReadableByAll);
+    const int descriptor = ::open(path.c_str(), flagsOf(mode) | O_CLOEXEC | O_NOCTTY, kReadableByAll);
     if (descriptor < 0) return Error{codeOf(errno), path};
     auto file = std::make_unique<PosixFile>(descriptor, path);
     struct stat info {};
     if (mode == OpenMode::Read && (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode))) {
       return Error{ErrorCode::PathFileAccess, path};
     }
+    if (::isatty(descriptor) != 0) return Error{ErrorCode::PathFileAccess, path};
     return Result<std::unique_ptr<File>>(std::move(file));
   }
 

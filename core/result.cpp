@@ -8,6 +8,8 @@ std::string Error::description() const {
   switch (code) {
     case ErrorCode::Overflow:
       return "Overflow";
+    case ErrorCode::OutOfMemory:
+      return "Out of memory";
     case ErrorCode::SubscriptOutOfRange:
       return "Subscript out of range";
     case ErrorCode::FileNotFound:

@@ -14,6 +14,7 @@ namespace quorvel {
 /// written to disk, do not change.
 enum class ErrorCode {
   Overflow = 6,
+  OutOfMemory = 7,
   SubscriptOutOfRange = 9,
   FileNotFound = 53,
   DeviceIoError = 57,

@@ -102,6 +102,10 @@ bool containsFolded(std::string_view text, std::string_view needle) {
   return findFolded(text, needle) != std::string_view::npos;
 }
 
+void keepWholeLines(std::string& text) {
+  text.resize(text.rfind('\n') + 1);  // npos + 1 is 0: there is none
+}
+
 std::string_view trimBlanks(std::string_view text) {
   const auto first = text.find_first_not_of(" \t");
   if (first == std::string_view::npos) return {};

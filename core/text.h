@@ -31,6 +31,9 @@ extern const std::array<unsigned char, 256> kFoldTable;
 [[nodiscard]] std::size_t findFolded(std::string_view text, std::string_view needle, std::size_t from = 0);
 [[nodiscard]] bool containsFolded(std::string_view text, std::string_view needle);
 
+/// Cuts text behind its last line end.
+void keepWholeLines(std::string& text);
+
 /// text without the blanks and tabs around it.
 [[nodiscard]] std::string_view trimBlanks(std::string_view text);
 

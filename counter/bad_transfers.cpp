@@ -29,6 +29,7 @@ BadTransferLog::BadTransferLog(FileSystem& files, std::filesystem::path path)
     : m_files(files), m_path(std::move(path)) {}
 
 BadTransferLog::~BadTransferLog() {
+  keepWholeLines(m_batch);  // a line is begun only where memory ran out in the middle of it
   flush();
 }
 

@@ -34,6 +34,7 @@ void appendSessionBlockHeader(std::string& text, const UserAct& session) {
 ResultsFile::ResultsFile(FileSystem& files, std::filesystem::path path) : m_files(files), m_path(std::move(path)) {}
 
 ResultsFile::~ResultsFile() {
+  keepWholeLines(m_batch);  // a line is begun only where memory ran out in the middle of it
   flush();
 }
 

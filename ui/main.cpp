@@ -1,6 +1,7 @@
 // The program: wires the settings, a view and the commands together and picks how to run.
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include "app/pacer.h"
@@ -97,6 +98,9 @@ int main(int argc, char** argv) {
   quorvel::prepareStandardStreams();
   try {
     return quorvel::run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    std::cerr << "quorvel: Out of memory." << std::endl;
+    return quorvel::kFailure;
   } catch (const std::exception& error) {
     std::cerr << "quorvel: " << quorvel::plainLine(error.what()) << std::endl;
     return quorvel::kFailure;

@@ -1,5 +1,7 @@
 // The built program where the system refuses: limits, folders that cannot be written, full disks.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
@@ -21,6 +23,13 @@ class Limits : public testing::Test {
     home.write("a.log", log);
     home.write("quorvel.ini", busySettings());
     work.write("out.txt", kOldResults);
+  }
+  /// Long enough to be read and written by threads of their own.
+  void writeLongLog() const {
+    std::string log;
+    while (log.size() < 2'000'000)
+      log += logLines("");
+    home.write("a.log", log);
   }
   /// Runs the program from the shell, with commands in front of it.
   ProgramRun run(const std::string& before, const std::string& arguments) const {
@@ -78,6 +87,54 @@ TEST_F(Limits, AProgramFolderThatCannotBeWrittenIsTold) {
   EXPECT_NE(run("", "a.log 100 210 out.txt").err, "");
   std::filesystem::permissions(home.path(), std::filesystem::perms::owner_all);
   expectOldFilesAndWholeLines();
+}
+
+TEST_F(Limits, WithoutThreadsEverythingIsDoneOnOne) {
+  writeLongLog();
+  ASSERT_EQ(run("", "a.log 100 210 300 out.txt").status, 0);
+  const std::string expected = work.read("out.txt");
+  work.write("out.txt", kOldResults);
+  // No address space has room for a stack of 100 TB, so that no thread can be started.
+  const auto result = run("ulimit -s 100000000000 || exit 99", "a.log 100 210 300 out.txt");
+  if (result.status == 99) GTEST_SKIP() << "the size of stacks is limited here";
+  EXPECT_EQ(std::to_string(result.status) + result.err, "0");
+  EXPECT_EQ(work.read("out.txt"), expected);
+}
+
+#ifndef __SANITIZE_ADDRESS__  // which reserves more memory than any limit allows
+TEST_F(Limits, MemoryThatRunsOutIsTold) {
+  writeLongLog();
+  const auto under = [this](int kilobytes, const std::string& arguments) {
+    return run("ulimit -v " + std::to_string(kilobytes), arguments);
+  };
+  int least = 3'000;  // what it takes to start
+  while (under(least, "--version").status != 0)
+    least += least / 50;
+  int failed = 0;
+  for (int more = 0; more < 10'000 && !HasFailure(); more += 200) {
+    SCOPED_TRACE("ulimit -v " + std::to_string(least + more));
+    work.write("out.txt", kOldResults);
+    const auto result = under(least + more, "a.log 100 210 300 360 alice out.txt");
+    EXPECT_TRUE(result.status == 0 || result.status == 1) << result.status << ' ' << result.err;
+    EXPECT_EQ(result.err.find("Out of memory.") != std::string::npos, result.status == 1) << result.err;
+    expectOldFilesAndWholeLines();
+    failed += result.status;
+  }
+  EXPECT_GT(failed, 0);
+}
+#endif
+
+TEST_F(Limits, ATerminalTakesNoResults) {
+  const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0 || ::grantpt(terminal) != 0 || ::unlockpt(terminal) != 0) GTEST_SKIP() << "no terminals here";
+  home.write("a.log", logLines("") + "\x1B]0;title\x07");
+  const auto result = run("", std::string("a.log 100 210 300 ") + ::ptsname(terminal));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find("Path/File access error."), std::string::npos) << result.err;
+  ::fcntl(terminal, F_SETFL, O_NONBLOCK);
+  char received = 0;
+  EXPECT_LT(::read(terminal, &received, 1), 1);
+  ::close(terminal);
 }
 
 TEST_F(Limits, ResultsThatCannotBeWrittenAreTold) {

@@ -1,18 +1,13 @@
-// A main window for the tests of its commands, and one with a small log whose sessions were found and put into the
-// tree.
+// A main window with a small log whose sessions were found and put into the tree.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
-#include "app/command_context.h"
-#include "app/tree_commands.h"
-#include "core/servu_find_user_info.h"
+#include "app/main_window.h"
 #include "core/users_file.h"
-#include "tests/support/failing_files.h"
 #include "tests/support/recording_view.h"
 #include "tests/support/temp_folder.h"
 
@@ -44,61 +39,23 @@ inline std::string logLines(std::string_view part) {
   return text;
 }
 
-/// Fresh settings in a folder of their own, and every yield taken.
-class CommandTest : public testing::Test {
+/// Fresh settings in a folder of their own, the log's sessions in the tree, and every yield taken.
+class ScannedLogTest : public testing::Test {
  protected:
-  CommandTest() {
-    state.programFolder = folder.path();
-    state.logTitle = "a.log";
+  ScannedLogTest() {
     settings.WriteDefaultSettingsFile();
-  }
-  [[nodiscard]] std::string message() const { return view.messages().empty() ? "" : view.messages().back().text; }
-  /// Attempts something on files whose operation 1, 2, 3 ... fails, until none does. Returns the number of attempts.
-  int failEachOperation(const std::function<void(CommandContext&, const FailingFiles&)>& attempt) {
-    for (int failing = 1;; ++failing) {
-      SCOPED_TRACE("operation " + std::to_string(failing));
-      FailingFiles files(failing);
-      CommandContext other{files, settings, state, view, pacer};
-      attempt(other, files);
-      if (!files.hasFailed()) return failing;
-    }
+    window.useLog(folder.write("a.log", logLines("")), "a.log", LogType::ServU);
+    window.mnuFindUsers_Click();
+    view.forgetCalls();
   }
 
   TempFolder folder;
   Settings settings{systemFiles(), folder.path()};
-  MainWindowState state;
   RecordingView view;
   Pacer pacer{Pacer::Clock::duration::zero()};
-  CommandContext context{systemFiles(), settings, state, view, pacer};
-};
-
-class ScannedLogTest : public CommandTest, private FindObserver {
- protected:
-  ScannedLogTest() {
-    state.logPath = folder.write("a.log", logLines(""));
-    state.logTypeName = "Serv-U log file";
-    const auto log = LogFile::open(systemFiles(), state.logPath);
-    EXPECT_TRUE(ServuFindUserInfo(log.value(), {}, *this).isOk());
-    m_writer.flush();
-    buildSessionTree(context);
-    view.forgetCalls();
-  }
-  /// Clicks a node without filtering its session.
-  void click(std::int32_t node) {
-    settings.WriteSetting("OPTION-FILTER", "AutoFilterSession", "0");
-    clickNode(context, node);
-    view.forgetCalls();
-  }
-  void startBatch() {
-    state.batchFlag = true;
-    state.batchOutputFile = folder / "out.txt";
-  }
-
- private:
-  void onSession(const UserAct& record) override { m_writer.WriteSessionRecord(record, record.LogonNo); }
-  bool keepGoing(LogPosition) override { return true; }
-
-  UsersFileWriter m_writer{systemFiles(), folder / "users.qva", [](const UserAct&, std::int32_t, const Error&) {}};
+  frmMain window{systemFiles(), settings, view, pacer, folder.path()};
+  MainWindowState& state = window.state();
+  CommandContext& context = window.context();
 };
 
 // Nodes of the tree in the layout of fresh settings.

@@ -27,7 +27,7 @@ class CountProgress final : public CountObserver {
     if (m_keepsBadTransfers) m_badTransfers.LogBadTransfer(line, totals);
   }
   bool keepGoing(LogPosition position) override {
-    if (m_context.pacer.isDue()) {
+    if (m_context.pacer.isDueAmongMany()) {
       m_badTransfers.flush();
       m_context.view.setProgress(position);
       m_context.view.setPositionLabels("Current position:", std::to_string(position));

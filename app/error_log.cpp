@@ -1,9 +1,9 @@
 #include "app/error_log.h"
 
 #include <string>
+#include <utility>
 
 #include "app/program.h"
-#include "core/clock.h"
 #include "core/text.h"
 
 namespace quorvel {
@@ -14,74 +14,82 @@ constexpr int kNominalRecordLength = 36;  // six texts counted as 4 bytes each, 
 constexpr std::size_t kLongestValue = 4096;
 constexpr std::size_t kEmptyLinesBehindBlock = 4;
 
-/// Collects the lines of one block.
-class Block {
- public:
-  void line(std::string_view text, std::string_view value = {}) { m_text.append(text).append(value).append(kLineEnd); }
-  void field(std::string_view label, std::string_view value) {
-    constexpr std::size_t kValueColumn = 20;
-    line(atColumn(label, kValueColumn, value.substr(0, kLongestValue)));
-  }
-  void head(const Error& error) {
-    const DateTime now = localNow();
-    line("Quorvel version: ", kVersion);
-    line("Date and time: ", now.date + " " + now.time);
-    line("VB Error No. ", std::to_string(error.number()));
-    line("VB Error Description: ", error.description());
-  }
-  /// The order is not that of the record; tools that read the log rely on it.
-  void dump(const UserAct& record) {
-    line("DATA USERACT-------------------------");
-    field("Connect time:", record.ConnectTime);
-    field("IP:", record.IP);
-    field("Position:", std::to_string(record.Position));
-    field("Logon time:", record.LogonTime);
-    field("Logoff time:", record.LogoffTime);
-    field("Name:", record.Name);
-    field("Number in log:", record.NumberInLog);
-    field("Logon position:", std::to_string(record.LogonNo));
-    field("TreeIndex:", std::to_string(record.TreeIndex));
-    line("Len(userAct) = ", std::to_string(kNominalRecordLength));
-  }
-  [[nodiscard]] std::string finish() {
-    for (std::size_t i = 0; i < kEmptyLinesBehindBlock; ++i)
-      line({});
-    return std::move(m_text);
-  }
-
- private:
-  std::string m_text;
-};
+constexpr std::size_t kBatchSize = 256 * 1024;
 
 }  // namespace
 
 ErrorLog::ErrorLog(FileSystem& files, const std::filesystem::path& programFolder)
     : m_files(files), m_path(programFolder / kFileName) {}
 
+ErrorLog::~ErrorLog() {
+  flush();
+}
+
 void ErrorLog::recordNotSaved(const std::filesystem::path& log, const std::filesystem::path& usersFile,
                               const UserAct& record, std::int32_t recordNumber, const Error& error) {
-  Block block;
-  block.line(log.string() + " - error when saving post No " + std::to_string(recordNumber) + " into file ",
-             usersFile.string());
-  block.head(error);
-  block.dump(record);
-  append(block.finish());
+  m_batch.append(log.string()).append(" - error when saving post No ");
+  m_batch.append(std::to_string(recordNumber)).append(" into file ");
+  addLine(usersFile.string());
+  addHead(error);
+  addDump(record);
+  endBlock();
 }
 
 void ErrorLog::errorInScan(const std::filesystem::path& log, const Error& error) {
-  Block block;
-  block.head(error);
-  block.line(log.string());
-  append(block.finish());
+  addHead(error);
+  addLine(log.string());
+  endBlock();
 }
 
-void ErrorLog::append(std::string_view block) {
+void ErrorLog::flush() {
+  if (m_batch.empty()) return;
   if (!m_file) {
     auto file = m_files.open(m_path, OpenMode::Append);
-    if (!file.isOk()) return;
-    m_file = std::move(file.value());
+    if (file.isOk()) m_file = std::move(file.value());
   }
-  (void)m_file->appendLines(block);
+  if (m_file) (void)m_file->appendLines(m_batch);
+  m_batch.clear();
+  m_now = {};
+}
+
+void ErrorLog::addHead(const Error& error) {
+  if (m_now.date.empty()) m_now = localNow();
+  addLine("Quorvel version: ", kVersion);
+  m_batch.append("Date and time: ").append(m_now.date).append(" ");
+  addLine(m_now.time);
+  addLine("VB Error No. ", std::to_string(error.number()));
+  addLine("VB Error Description: ", error.description());
+}
+
+/// The order is not that of the record; tools that read the log rely on it.
+void ErrorLog::addDump(const UserAct& record) {
+  addLine("DATA USERACT-------------------------");
+  addField("Connect time:", record.ConnectTime);
+  addField("IP:", record.IP);
+  addField("Position:", std::to_string(record.Position));
+  addField("Logon time:", record.LogonTime);
+  addField("Logoff time:", record.LogoffTime);
+  addField("Name:", record.Name);
+  addField("Number in log:", record.NumberInLog);
+  addField("Logon position:", std::to_string(record.LogonNo));
+  addField("TreeIndex:", std::to_string(record.TreeIndex));
+  addLine("Len(userAct) = ", std::to_string(kNominalRecordLength));
+}
+
+void ErrorLog::addLine(std::string_view text, std::string_view value) {
+  m_batch.append(text).append(value).append(kLineEnd);
+}
+
+void ErrorLog::addField(std::string_view label, std::string_view value) {
+  constexpr std::size_t kValueColumn = 20;
+  appendAtColumn(m_batch, label, kValueColumn, value.substr(0, kLongestValue));
+  m_batch.append(kLineEnd);
+}
+
+void ErrorLog::endBlock() {
+  for (std::size_t i = 0; i < kEmptyLinesBehindBlock; ++i)
+    m_batch.append(kLineEnd);
+  if (m_batch.size() >= kBatchSize) flush();
 }
 
 }  // namespace quorvel

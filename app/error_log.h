@@ -4,19 +4,25 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <string_view>
 
+#include "core/clock.h"
 #include "core/file_system.h"
 #include "core/user_act.h"
 
 namespace quorvel {
 
-/// Appends blocks to error.log in the program folder. Failures to write it are ignored. The file is opened by the
-/// first block and stays open, so one ErrorLog should serve one command. Texts are written as the bytes they are; of
-/// a field of a record, at most 4096.
+/// Appends blocks to error.log in the program folder. Failures to write it are ignored. Blocks are collected and
+/// written in batches, all of them by flush(): a log can hold a million sessions that fit no record. The file is opened
+/// by the first batch and stays open, so one ErrorLog should serve one command. Texts are written as the bytes they
+/// are; of a field of a record, at most 4096.
 class ErrorLog {
  public:
   ErrorLog(FileSystem& files, const std::filesystem::path& programFolder);
+  ErrorLog(const ErrorLog&) = delete;
+  ErrorLog& operator=(const ErrorLog&) = delete;
+  ~ErrorLog();
 
   /// A session record that could not be written: a line with the log, the record number and the users file (a single
   /// blank before the latter), the four head lines and the record dump.
@@ -24,13 +30,20 @@ class ErrorLog {
                       std::int32_t recordNumber, const Error& error);
   /// Any other error of a scan: the four head lines, then the file's name and four empty lines.
   void errorInScan(const std::filesystem::path& log, const Error& error);
+  void flush();
 
  private:
-  void append(std::string_view block);
+  void addHead(const Error& error);
+  void addDump(const UserAct& record);
+  void addLine(std::string_view text, std::string_view value = {});
+  void addField(std::string_view label, std::string_view value);
+  void endBlock();
 
   FileSystem& m_files;
   std::filesystem::path m_path;
   std::unique_ptr<File> m_file;
+  std::string m_batch;  ///< whole blocks, but while one is added
+  DateTime m_now;       ///< when the batch was begun
 };
 
 }  // namespace quorvel

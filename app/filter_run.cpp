@@ -55,7 +55,7 @@ class FilterRun final : public SessionLineConsumer {
     if (session.Position != 0) m_target.endSession();
   }
   bool keepGoing(std::uint64_t position) override {
-    if (m_context.pacer.isDue()) {
+    if (m_context.pacer.isDueAmongMany()) {
       m_target.flush();
       if (m_showsProgress) m_context.view.setProgress(static_cast<std::int64_t>(position));
       m_context.view.yield();

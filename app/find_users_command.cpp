@@ -33,6 +33,7 @@ class ScanRecorder final : public FindObserver {
  public:
   ScanRecorder(CommandContext& context, ErrorLog& errorLog)
       : m_context(context),
+        m_errorLog(errorLog),
         m_writer(context.files, context.state.usersFilePath(),
                  [&context, &errorLog](const UserAct& record, std::int32_t recordNumber, const Error& error) {
                    context.state.errorsLogged = true;
@@ -54,8 +55,8 @@ class ScanRecorder final : public FindObserver {
     // The log is read ahead of the sessions handed out: how far shows only where reading finds no session.
     const LogPosition reached = m_foundSinceRead ? m_lastSession : position;
     if (position != m_lastSession) m_foundSinceRead = false;
-    if (!m_context.pacer.isDue()) return true;
-    m_writer.flush();  // other programs see complete records whenever the interface runs
+    if (!m_context.pacer.isDueAmongMany()) return true;
+    flush();  // other programs see complete records whenever the interface runs
     show(reached);
     m_context.view.yield();
     return !m_context.state.stopFlag;
@@ -63,11 +64,15 @@ class ScanRecorder final : public FindObserver {
 
   /// To be called at the end of the scan, whatever ended it.
   void finish() {
-    m_writer.flush();
+    flush();
     showLogons();
   }
 
  private:
+  void flush() {
+    m_writer.flush();
+    m_errorLog.flush();
+  }
   void show(LogPosition reached) {
     m_context.view.setPositionLabels("Current position:", std::to_string(reached));
     m_context.view.setProgress(reached);
@@ -76,6 +81,7 @@ class ScanRecorder final : public FindObserver {
   void showLogons() { m_context.view.setStatusPanel(StatusPanel::Logons, "Logons: " + std::to_string(m_logons)); }
 
   CommandContext& m_context;
+  ErrorLog& m_errorLog;
   UsersFileWriter m_writer;
   std::int32_t m_logons = 0;
   LogPosition m_lastSession = 1;  ///< where the scan begins, then the session found last

@@ -143,6 +143,8 @@ LogPosition LogSearch::lastAccepted(LogPosition start, LogPosition limit, std::s
 
 MarkNumber LogSearch::firstOf(const ConnectMark& session, const Wanted& wanted, LogPosition furthest) {
   constexpr int kFarWalk = 64;
+  const MarkNumber first = m_marks.nextOfSession(session.number);
+  if (first == 0 || m_marks.position(first) > furthest) return 0;  // before anything is looked up
   MarkNumber passed = session.number;
   if (!m_passed.empty()) {
     const auto known = m_passed.find({idOf(session), wanted});

@@ -11,6 +11,8 @@ namespace {
 
 constexpr std::size_t kBatchSize = 2048 * kRecordSize;
 constexpr std::int32_t kSlotsPerBlock = 512;
+/// The Position of a slot without a record, which none has.
+constexpr std::string_view kEmptySlotStart{"\0\0\0\0", 4};
 
 }  // namespace
 
@@ -25,7 +27,6 @@ void UsersFileWriter::WriteSessionRecord(const UserAct& record, std::int32_t rec
   std::array<char, kRecordSize> slot{};
   const auto size = encodeRecord(record, slot);
   if (!size) {
-    flush();
     m_onFailure(record, recordNumber, {ErrorCode::BadRecordLength, {}});
     return;
   }
@@ -55,6 +56,7 @@ void UsersFileWriter::writeBatch() {
 void UsersFileWriter::retryOneByOne(const Error& error) {
   for (std::size_t at = 0; at < m_batch.size(); at += kRecordSize) {
     const std::string_view slot = std::string_view(m_batch).substr(at, kRecordSize);
+    if (slot.starts_with(kEmptySlotStart)) continue;
     const std::int32_t recordNumber = m_firstInBatch + static_cast<std::int32_t>(at / kRecordSize);
     const Status written = m_file ? m_file->writeAt(recordOffset(recordNumber), slot) : Status(error);
     if (written.isOk()) continue;

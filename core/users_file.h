@@ -17,7 +17,7 @@ namespace quorvel {
 /// so far is complete in the file, so a scan flushes before it lets the interface, or another program, look.
 class UsersFileWriter {
  public:
-  /// Called for each record that could not be written, in record order, at the latest by flush().
+  /// Called for each record that could not be written, at the latest by flush().
   using FailureReporter = std::function<void(const UserAct& record, std::int32_t recordNumber, const Error& error)>;
 
   /// files must outlive the writer. The file is opened, and created where missing, by the first write.

@@ -1,6 +1,7 @@
 // The marks of a log that a session record is made from: recognising them, and passing them on in a compact form.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <unordered_set>
@@ -29,6 +30,8 @@ enum class MarkKind : std::uint8_t {
   Line,               ///< the number itself, anywhere in a line; its detail is a LineExtent
   ServerStart,        ///< kServerStartMark; belongs to no session number
 };
+
+inline constexpr std::size_t kMarkKinds = static_cast<std::size_t>(MarkKind::ServerStart) + 1;
 
 [[nodiscard]] constexpr bool hasDetail(MarkKind kind) {
   return kind == MarkKind::LoggedIn || kind == MarkKind::Line;

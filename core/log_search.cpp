@@ -117,6 +117,7 @@ LogPosition LogSearch::FindLogonLine(const ConnectMark& session, std::string_vie
 bool LogSearch::takeMarks(const LogBlock& block) {
   for (std::size_t index = 0; index < block.findings.size();) {
     const LogMark mark = takeMark(block.findings, index);
+    m_lastOfKind[static_cast<std::size_t>(mark.kind)] = mark.position;
     if (mark.kind == MarkKind::ServerStart) {
       m_serverStarts.push_back(mark.position);
     } else {
@@ -141,10 +142,18 @@ LogPosition LogSearch::lastAccepted(LogPosition start, LogPosition limit, std::s
   return start + (moreBlocks + 1) * step;
 }
 
+/// Whether any session has such a mark behind position: often one look at all marks saves a walk along a number's.
+bool LogSearch::isAhead(unsigned kinds, LogPosition position) const {
+  for (std::size_t kind = 0; kind < kMarkKinds; ++kind) {
+    if ((kinds & (1u << kind)) != 0 && m_lastOfKind[kind] > position) return true;
+  }
+  return false;
+}
+
 MarkNumber LogSearch::firstOf(const ConnectMark& session, const Wanted& wanted, LogPosition furthest) {
   constexpr int kFarWalk = 64;
   const MarkNumber first = m_marks.nextOfSession(session.number);
-  if (first == 0 || m_marks.position(first) > furthest) return 0;  // before anything is looked up
+  if (first == 0 || m_marks.position(first) > furthest || !isAhead(wanted.kinds, session.position)) return 0;
   MarkNumber passed = session.number;
   if (!m_passed.empty()) {
     const auto known = m_passed.find({idOf(session), wanted});

@@ -7,6 +7,7 @@
 // blanks.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -92,6 +93,7 @@ class LogSearch {
     std::uint64_t nameHash = 0;  ///< of a LoggedIn mark
     friend auto operator<=>(const Wanted&, const Wanted&) = default;
   };
+  [[nodiscard]] bool isAhead(unsigned kinds, LogPosition position) const;
   /// The first wanted mark of the session at or before position furthest; 0 when there is none yet.
   [[nodiscard]] MarkNumber firstOf(const ConnectMark& session, const Wanted& wanted, LogPosition furthest);
   [[nodiscard]] SessionId idOf(const ConnectMark& session);
@@ -104,8 +106,9 @@ class LogSearch {
   /// How far the marks of a number were walked without a hit, where that was far: sessions that share a number, or
   /// blocks still to be read, must not make the program walk it again.
   std::map<std::pair<SessionId, Wanted>, MarkNumber> m_passed;
-  std::deque<LogPosition> m_serverStarts;  ///< from the current session on
-  MarkNumber m_current = 0;                ///< connect mark taken last
+  std::array<LogPosition, kMarkKinds> m_lastOfKind{};  ///< how far each kind of mark was seen
+  std::deque<LogPosition> m_serverStarts;              ///< from the current session on
+  MarkNumber m_current = 0;                            ///< connect mark taken last
   bool m_wasStopped = false;
 };
 

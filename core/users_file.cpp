@@ -14,10 +14,17 @@ constexpr std::int32_t kSlotsPerBlock = 512;
 /// The Position of a slot without a record, which none has.
 constexpr std::string_view kEmptySlotStart{"\0\0\0\0", 4};
 
+std::int32_t slotsIn(std::string_view batch) {
+  return static_cast<std::int32_t>((batch.size() + kRecordSize - 1) / kRecordSize);
+}
+
 }  // namespace
 
 UsersFileWriter::UsersFileWriter(FileSystem& files, std::filesystem::path path, FailureReporter onFailure)
-    : m_files(files), m_path(std::move(path)), m_onFailure(std::move(onFailure)) {}
+    : m_files(files),
+      m_path(std::move(path)),
+      m_onFailure(std::move(onFailure)),
+      m_writer([this](const std::string& batch) { return writeBatch(batch); }) {}
 
 UsersFileWriter::~UsersFileWriter() {
   flush();
@@ -26,42 +33,52 @@ UsersFileWriter::~UsersFileWriter() {
 void UsersFileWriter::WriteSessionRecord(const UserAct& record, std::int32_t recordNumber) {
   std::array<char, kRecordSize> slot{};
   const auto size = encodeRecord(record, slot);
-  if (!size) {
-    m_onFailure(record, recordNumber, {ErrorCode::BadRecordLength, {}});
-    return;
-  }
-  if (m_batch.empty()) m_firstInBatch = recordNumber;
+  if (!size) return m_onFailure(record, recordNumber, {ErrorCode::BadRecordLength, {}});
   const auto index = static_cast<std::size_t>(recordNumber - m_firstInBatch);
   m_batch.resize(index * kRecordSize);
   m_batch.append(slot.data(), *size);
-  if (m_batch.size() >= kBatchSize) flush();
+  if (m_batch.size() < kBatchSize) return;
+  m_firstInBatch = recordNumber + 1;
+  m_writer.append(m_batch);
 }
 
 void UsersFileWriter::flush() {
-  if (m_batch.empty()) return;
-  writeBatch();
-  m_batch.clear();
+  (void)m_writer.finish();
+  if (!m_batch.empty()) {
+    m_firstInBatch += slotsIn(m_batch);
+    (void)writeBatch(m_batch);
+    m_batch.clear();
+  }
+  for (const Failure& failure : std::exchange(m_failures, {}))
+    m_onFailure(failure.record, failure.recordNumber, failure.error);
 }
 
-void UsersFileWriter::writeBatch() {
+Status UsersFileWriter::writeBatch(std::string_view batch) {
   if (!m_file) {
     auto opened = m_files.open(m_path, OpenMode::ReadWrite);
-    if (!opened.isOk()) return retryOneByOne(opened.error());
-    m_file = std::move(opened.value());
+    if (opened.isOk()) {
+      m_file = std::move(opened.value());
+    } else {
+      retryOneByOne(batch, opened.error());
+    }
   }
-  const Status written = m_file->writeAt(recordOffset(m_firstInBatch), m_batch);
-  if (!written.isOk()) retryOneByOne(written.error());
+  if (m_file) {
+    const Status written = m_file->writeAt(recordOffset(m_firstToWrite), batch);
+    if (!written.isOk()) retryOneByOne(batch, written.error());
+  }
+  m_firstToWrite += slotsIn(batch);
+  return {};  // later batches are tried all the same
 }
 
-void UsersFileWriter::retryOneByOne(const Error& error) {
-  for (std::size_t at = 0; at < m_batch.size(); at += kRecordSize) {
-    const std::string_view slot = std::string_view(m_batch).substr(at, kRecordSize);
+void UsersFileWriter::retryOneByOne(std::string_view batch, const Error& error) {
+  for (std::size_t at = 0; at < batch.size(); at += kRecordSize) {
+    const std::string_view slot = batch.substr(at, kRecordSize);
     if (slot.starts_with(kEmptySlotStart)) continue;
-    const std::int32_t recordNumber = m_firstInBatch + static_cast<std::int32_t>(at / kRecordSize);
+    const std::int32_t recordNumber = m_firstToWrite + static_cast<std::int32_t>(at / kRecordSize);
     const Status written = m_file ? m_file->writeAt(recordOffset(recordNumber), slot) : Status(error);
     if (written.isOk()) continue;
     if (m_file) cutAt(recordOffset(recordNumber));
-    m_onFailure(decodeRecord(slot).value_or(UserAct()), recordNumber, written.error());
+    m_failures.push_back({decodeRecord(slot).value_or(UserAct()), recordNumber, written.error()});
   }
 }
 

@@ -7,7 +7,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
+#include "core/background_writer.h"
 #include "core/file_system.h"
 #include "core/user_act.h"
 
@@ -32,17 +35,30 @@ class UsersFileWriter {
   void flush();
 
  private:
-  void writeBatch();
-  void retryOneByOne(const Error& error);
+  struct Failure {
+    UserAct record;
+    std::int32_t recordNumber;
+    Error error;
+  };
+
+  /// Puts whole batches into the file, in the background while more records come.
+  Status writeBatch(std::string_view batch);
+  void retryOneByOne(std::string_view batch, const Error& error);
   /// Takes away the part of a record that could not be written whole.
   void cutAt(std::uint64_t offset);
 
   FileSystem& m_files;
   std::filesystem::path m_path;
   FailureReporter m_onFailure;
+  std::string m_batch;  ///< whole slots, the last one cut behind its record
+  std::int32_t m_firstInBatch = 1;
+
+  // While a batch is written they belong to m_writer's thread.
   std::unique_ptr<File> m_file;
-  std::string m_batch;              ///< whole slots, the last one cut behind its record
-  std::int32_t m_firstInBatch = 0;  ///< record number of the first slot in m_batch
+  std::int32_t m_firstToWrite = 1;  ///< record number of the first slot in the next batch written
+  std::vector<Failure> m_failures;
+
+  BackgroundWriter m_writer;
 };
 
 /// Reads records by number, and sets their tree index.

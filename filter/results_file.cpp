@@ -83,7 +83,7 @@ void ResultsFile::open() {
   }
   m_length = length.value();
   m_file = std::move(file.value());
-  m_appender.emplace(*m_file);
+  m_appender.emplace([this](const std::string& batch) { return m_file->appendLines(batch); });
 }
 
 void ResultsFile::write(std::string_view text) {

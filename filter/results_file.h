@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/background_appender.h"
+#include "core/background_writer.h"
 #include "core/file_system.h"
 #include "filter/session_filter.h"
 
@@ -48,7 +48,7 @@ class ResultsFile final : public FilterTarget {
   FileSystem& m_files;
   std::filesystem::path m_path;
   std::unique_ptr<File> m_file;
-  std::optional<BackgroundAppender> m_appender;  ///< of m_file; takes the full batches
+  std::optional<BackgroundWriter> m_appender;  ///< of m_file; takes the full batches
   Status m_status;
   std::string m_batch;
   std::uint64_t m_length = 0;  ///< of the file, m_batch included

@@ -1,4 +1,4 @@
-#include "core/background_appender.h"
+#include "core/background_writer.h"
 
 #include <new>
 #include <system_error>
@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-BackgroundAppender::~BackgroundAppender() {
+BackgroundWriter::~BackgroundWriter() {
   if (!m_thread.joinable()) return;
   {
     const std::lock_guard lock(m_mutex);
@@ -16,9 +16,9 @@ BackgroundAppender::~BackgroundAppender() {
   m_thread.join();
 }
 
-void BackgroundAppender::append(std::string& batch) {
+void BackgroundWriter::append(std::string& batch) {
   if (!m_thread.joinable() && !startThread()) {
-    if (m_status.isOk()) m_status = m_file.appendLines(batch);
+    if (m_status.isOk()) m_status = m_write(batch);
     return batch.clear();
   }
   {
@@ -30,7 +30,7 @@ void BackgroundAppender::append(std::string& batch) {
   m_changed.notify_all();
 }
 
-bool BackgroundAppender::startThread() {
+bool BackgroundWriter::startThread() {
   try {
     m_thread = std::thread([this] { work(); });
   } catch (const std::system_error&) {
@@ -39,13 +39,13 @@ bool BackgroundAppender::startThread() {
   return true;
 }
 
-Status BackgroundAppender::finish() {
+Status BackgroundWriter::finish() {
   std::unique_lock lock(m_mutex);
   m_changed.wait(lock, [this] { return m_batch.empty(); });
   return m_status;
 }
 
-void BackgroundAppender::work() {
+void BackgroundWriter::work() {
   std::unique_lock lock(m_mutex);
   while (true) {
     m_changed.wait(lock, [this] { return m_isStopping || !m_batch.empty(); });
@@ -60,9 +60,9 @@ void BackgroundAppender::work() {
 }
 
 /// Nobody else touches a batch that is not empty.
-Status BackgroundAppender::writeBatch() {
+Status BackgroundWriter::writeBatch() {
   try {
-    return m_file.appendLines(m_batch);
+    return m_write(m_batch);
   } catch (const std::bad_alloc&) {
     return Error{ErrorCode::OutOfMemory, {}};
   }

@@ -1,29 +1,32 @@
-// Appends to a file on a second thread, so that making text and writing it go on at the same time.
+// Writes on a second thread, so that making what is written and writing it go on at the same time.
 #pragma once
 
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 
-#include "core/file_system.h"
 #include "core/result.h"
 
 namespace quorvel {
 
-class BackgroundAppender {
+class BackgroundWriter {
  public:
-  /// The file must outlive the appender, and nobody else may write to it meanwhile.
-  explicit BackgroundAppender(File& file) : m_file(file) {}
-  BackgroundAppender(const BackgroundAppender&) = delete;
-  BackgroundAppender& operator=(const BackgroundAppender&) = delete;
+  /// Writes a batch; may change it. Runs on the second thread, or on the caller's where the system has none left.
+  using Write = std::function<Status(std::string& batch)>;
+
+  explicit BackgroundWriter(Write write) : m_write(std::move(write)) {}
+  BackgroundWriter(const BackgroundWriter&) = delete;
+  BackgroundWriter& operator=(const BackgroundWriter&) = delete;
   /// Writes what was handed over.
-  ~BackgroundAppender();
+  ~BackgroundWriter();
 
   /// Takes the content of batch, which is empty afterwards. Waits for the batch before it to be written. Does nothing
   /// more after a failure.
   void append(std::string& batch);
-  /// Waits until everything is in the file; returns the first failure.
+  /// Waits until everything is written; returns the first failure.
   Status finish();
 
  private:
@@ -32,7 +35,7 @@ class BackgroundAppender {
   void work();
   [[nodiscard]] Status writeBatch();
 
-  File& m_file;
+  const Write m_write;
   std::mutex m_mutex;  ///< guards the members below
   std::condition_variable m_changed;
   std::string m_batch;  ///< being written, or empty

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/program.h"
+#include "core/clock.h"
 #include "core/text.h"
 
 namespace quorvel {
@@ -49,16 +50,19 @@ void ErrorLog::flush() {
   }
   if (m_file) (void)m_file->appendLines(m_batch);
   m_batch.clear();
-  m_now = {};
+  m_head.clear();  // its time is over
 }
 
 void ErrorLog::addHead(const Error& error) {
-  if (m_now.date.empty()) m_now = localNow();
-  addLine("Quorvel version: ", kVersion);
-  m_batch.append("Date and time: ").append(m_now.date).append(" ");
-  addLine(m_now.time);
-  addLine("VB Error No. ", std::to_string(error.number()));
-  addLine("VB Error Description: ", error.description());
+  if (m_head.empty() || error.code != m_headError) {
+    const DateTime now = localNow();
+    m_headError = error.code;
+    m_head.assign("Quorvel version: ").append(kVersion).append(kLineEnd);
+    m_head.append("Date and time: ").append(now.date).append(" ").append(now.time).append(kLineEnd);
+    m_head.append("VB Error No. ").append(std::to_string(error.number())).append(kLineEnd);
+    m_head.append("VB Error Description: ").append(error.description()).append(kLineEnd);
+  }
+  m_batch.append(m_head);
 }
 
 /// The order is not that of the record; tools that read the log rely on it.

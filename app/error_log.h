@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "core/clock.h"
 #include "core/file_system.h"
 #include "core/user_act.h"
 
@@ -43,7 +42,8 @@ class ErrorLog {
   std::filesystem::path m_path;
   std::unique_ptr<File> m_file;
   std::string m_batch;  ///< whole blocks, but while one is added
-  DateTime m_now;       ///< when the batch was begun
+  std::string m_head;   ///< of the last block in the batch, for the next ones
+  ErrorCode m_headError{};
 };
 
 }  // namespace quorvel

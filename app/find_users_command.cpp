@@ -35,13 +35,13 @@ class ScanRecorder final : public FindObserver {
       : m_context(context),
         m_errorLog(errorLog),
         m_writer(context.files, context.state.usersFilePath(),
-                 [&context, &errorLog](const UserAct& record, std::int32_t recordNumber, const Error& error) {
+                 [&context, &errorLog, usersFile = context.state.usersFilePath()](
+                     const UserAct& record, std::int32_t recordNumber, const Error& error) {
                    context.state.errorsLogged = true;
                    // A record that does not fit is a matter of the log, any other trouble one of this run.
                    if (context.state.batchFlag && error.code != ErrorCode::BadRecordLength)
                      context.state.batchFailed = true;
-                   errorLog.recordNotSaved(context.state.logPath, context.state.usersFilePath(), record, recordNumber,
-                                           error);
+                   errorLog.recordNotSaved(context.state.logPath, usersFile, record, recordNumber, error);
                  }) {}
 
   void onSession(const UserAct& record) override {

@@ -38,14 +38,21 @@ struct LongLine {
   LogPosition byteCount = 0;
   LogPosition byteCountEnd = 0;
 
+  /// Nothing further in the line can change what is noted.
+  [[nodiscard]] bool isComplete() const { return tokens.all() && byteCount != 0 && byteCountEnd != 0; }
+
   void lookThrough(std::string_view part, LogPosition position) {
+    if (!tokens.all()) noteTokens(part);
+    noteFirst(part, position, kBeforeByteCount, kBeforeByteCount.size(), byteCount);
+    noteFirst(part, position, kAfterByteCount, 0, byteCountEnd);
+  }
+
+  void noteTokens(std::string_view part) {
     const TransferTokens found = transferTokensIn(part);
     tokens.sent |= found.sent;
     tokens.received |= found.received;
     tokens.sendError |= found.sendError;
     tokens.receiveError |= found.receiveError;
-    noteFirst(part, position, kBeforeByteCount, kBeforeByteCount.size(), byteCount);
-    noteFirst(part, position, kAfterByteCount, 0, byteCountEnd);
   }
 
   static void noteFirst(std::string_view part, LogPosition position, std::string_view mark, std::size_t offset,
@@ -100,7 +107,7 @@ class WholeLogCounter {
   void countLongLine(LogPosition begin, LogPosition end) {
     if (m_stream.window().text(end - 1, 1) == "\r") --end;
     LongLine line;
-    for (LogPosition at = begin; at < end && m_goOn; at += kLongestWhole) {
+    for (LogPosition at = begin; at < end && m_goOn && !line.isComplete(); at += kLongestWhole) {
       line.lookThrough(textOf(at, std::min(end, at + kLongestWhole + kOverlap)), at);
       m_goOn = m_run.observer.keepGoing(at);
     }

@@ -22,6 +22,7 @@ struct TransferTokens {
   bool receiveError = false;
 
   [[nodiscard]] bool any() const { return sent || received || sendError || receiveError; }
+  [[nodiscard]] bool all() const { return sent && received && sendError && receiveError; }
   [[nodiscard]] bool isFailure() const { return sendError || receiveError; }
   /// Notes the token that text starts with, if any.
   void addStartOf(std::string_view text);

@@ -1,5 +1,7 @@
 #include "ui/qt/print_command.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QPrintDialog>
 #include <QPrinter>
 
@@ -36,13 +38,16 @@ void mnuPrint_Click(QWidget& window, frmMain& commands) {
   CommandContext& context = commands.context();
   const CommandGuard guard(context);
   if (!guard) return;
-  QPrinter printer;
+  QPrinter printer(QPrinter::HighResolution);
   if (!printer.isValid()) {
     showPlainMessage(&window, QStringLiteral("No printer is available."));
     return;
   }
   const PrintedDocument document = makeDocument(context);
-  printer.setDocName(toOneLine(toQString(document.title)));
+  const QString title = toOneLine(toQString(document.title));
+  printer.setDocName(title);
+  if (printer.outputFormat() == QPrinter::PdfFormat)  // there is no printer
+    printer.setOutputFileName(QDir::home().filePath(QFileInfo(title).completeBaseName() + QStringLiteral(".pdf")));
   QPrintDialog dialog(&printer, &window);
   dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
                     QAbstractPrintDialog::PrintShowPageSize | QAbstractPrintDialog::PrintCollateCopies);

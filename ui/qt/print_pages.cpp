@@ -11,18 +11,25 @@
 namespace quorvel {
 namespace {
 
-constexpr int kPointSize = 9;
+constexpr int kPointSize = 8;  // a hundred columns on A4
 
 /// How the lines of a document lie on the device's pages, in its own units.
 struct PageShape {
   explicit PageShape(QPainter& painter)
       : area(painter.viewport()),
         lineHeight(std::max(1, painter.fontMetrics().lineSpacing())),
-        columns(std::max(1, area.width() / std::max(1, painter.fontMetrics().horizontalAdvance(u'M')))),
+        columns(columnsOf(painter)),
         lines(std::max(1, area.height() / lineHeight - 4)) {}  // less head line, foot line and a blank one for each
 
   [[nodiscard]] QRect line(int number) const {
     return {area.left(), area.top() + number * lineHeight, area.width(), lineHeight};
+  }
+
+  /// A letter's width is no whole number: rounded down on each letter, a full line would be wider than the page.
+  [[nodiscard]] static int columnsOf(const QPainter& painter) {
+    constexpr int kMany = 1000;
+    const qreal width = QFontMetricsF(painter.font(), painter.device()).horizontalAdvance(QString(kMany, u'M'));
+    return std::max(1, static_cast<int>(painter.viewport().width() * kMany / std::max(1.0, width)));
   }
 
   QRect area;
@@ -39,13 +46,14 @@ void drawFrame(QPainter& painter, const PageShape& shape, const PrintedDocument&
   painter.drawText(head, Qt::AlignLeft | Qt::TextSingleLine,
                    painter.fontMetrics().elidedText(title, Qt::ElideMiddle, head.width() - dateWidth));
   painter.drawText(head, Qt::AlignRight | Qt::TextSingleLine, date);
-  painter.drawLine(head.left(), head.bottom(), head.right(), head.bottom());
+  constexpr int kLinesPerHeight = 10;
+  painter.fillRect(head.left(), head.bottom(), head.width(), std::max(1, head.height() / kLinesPerHeight), Qt::black);
   painter.drawText(shape.line(shape.lines + 3), Qt::AlignHCenter | Qt::TextSingleLine, number);
 }
 
 void drawLines(QPainter& painter, const PageShape& shape, const QStringList& lines) {
   for (int i = 0; i < lines.size(); ++i)
-    painter.drawText(shape.line(i + 2), Qt::AlignLeft | Qt::TextSingleLine, lines[i]);
+    painter.drawText(shape.line(i + 2), Qt::AlignLeft | Qt::TextSingleLine | Qt::TextDontClip, lines[i]);
 }
 
 QStringList takePage(PrintedLines& lines, int count) {

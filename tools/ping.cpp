@@ -20,6 +20,7 @@ std::string randomToken() {
 }
 
 std::string milliseconds(std::chrono::microseconds time) {
+  if (time < std::chrono::microseconds(50)) return "less than 0.1 ms";
   char text[32];
   const std::chrono::duration<double, std::milli> value = time;
   std::snprintf(text, sizeof text, "%.1f ms", value.count());

@@ -30,6 +30,7 @@ frmComputerIP::frmComputerIP(Settings& settings, std::string_view host, Ping::Op
       m_settings(settings),
       m_ping(std::move(opener), nullptr),
       m_input(new QLineEdit(this)),
+      m_stop(makeDialogButton(QStringLiteral("cmdStop"), QStringLiteral("&Stop"), false, this)),
       m_autoClear(new QCheckBox(QStringLiteral("Clear the list before each lookup"), this)),
       m_results(new PlainTextBox(this)) {
   setObjectName(QStringLiteral("frmComputerIP"));
@@ -46,10 +47,13 @@ frmComputerIP::frmComputerIP(Settings& settings, std::string_view host, Ping::Op
   auto* const find = makeDialogButton(QStringLiteral("cmdFind"), QStringLiteral("&Get IP/Ping"), true, this);
   auto* const close = makeDialogButton(QStringLiteral("cmdClose"), QStringLiteral("Close"), false, this);
   connect(find, &QPushButton::clicked, this, &frmComputerIP::cmdFind_Click);
+  m_stop->setEnabled(false);
+  connect(m_stop, &QPushButton::clicked, this, &frmComputerIP::cmdStop_Click);
   connect(close, &QPushButton::clicked, this, &QDialog::reject);
   connect(m_autoClear, &QCheckBox::clicked, this, &frmComputerIP::chkAutoClear_Click);
   connect(&m_lookup, &HostLookup::found, this, &frmComputerIP::onFound);
   connect(&m_ping, &PingRunner::line, this, &frmComputerIP::addLine);
+  connect(&m_ping, &PingRunner::finished, this, [this] { m_stop->setEnabled(false); });
   arrange(*find, *close);
 }
 
@@ -60,6 +64,7 @@ void frmComputerIP::arrange(QPushButton& find, QPushButton& close) {
   question->addWidget(label);
   question->addWidget(m_input, 1);
   question->addWidget(&find);
+  question->addWidget(m_stop);
   auto* const foot = new QHBoxLayout;
   foot->addWidget(m_autoClear);
   foot->addStretch();
@@ -68,7 +73,7 @@ void frmComputerIP::arrange(QPushButton& find, QPushButton& close) {
   rows->addLayout(question);
   rows->addWidget(m_results, 1);
   rows->addLayout(foot);
-  quorvel::setTabOrder({m_input, &find, m_results, m_autoClear, &close});
+  quorvel::setTabOrder({m_input, &find, m_stop, m_results, m_autoClear, &close});
   constexpr int kColumns = 72;
   constexpr int kLines = 16;
   resize(widthOfColumns(*m_results, kColumns), m_results->heightForLines(kLines));
@@ -77,9 +82,14 @@ void frmComputerIP::arrange(QPushButton& find, QPushButton& close) {
 }
 
 void frmComputerIP::done(int result) {
+  giveUp();
+  QDialog::done(result);
+}
+
+void frmComputerIP::giveUp() {
   m_lookup.cancel();
   m_ping.cancel();
-  QDialog::done(result);
+  m_stop->setEnabled(false);
 }
 
 void frmComputerIP::chkAutoClear_Click(bool checked) {
@@ -88,11 +98,17 @@ void frmComputerIP::chkAutoClear_Click(bool checked) {
 
 void frmComputerIP::cmdFind_Click() {
   m_host = m_input->text().trimmed();
-  m_ping.cancel();
-  m_lookup.cancel();
+  giveUp();
   if (m_settings.readFlag(kSection, kAutoClearKey)) m_results->setBytes({});
   if (!isHostOrAddress(m_host.toStdString())) return addLine(QStringLiteral("Not a computer name or IP address."));
+  m_stop->setEnabled(true);
   m_lookup.start(m_host);
+}
+
+void frmComputerIP::cmdStop_Click() {
+  giveUp();
+  addLine(QStringLiteral("Stopped."));
+  m_input->setFocus();
 }
 
 void frmComputerIP::onFound(const QHostInfo& info) {
@@ -108,7 +124,10 @@ void frmComputerIP::showName(const QHostInfo& info) {
 
 void frmComputerIP::showAddresses(const QHostInfo& info) {
   const QList<QHostAddress> addresses = info.addresses();
-  if (addresses.isEmpty()) return addLine(m_host + QStringLiteral(" was not found."));
+  if (addresses.isEmpty()) {
+    m_stop->setEnabled(false);
+    return addLine(m_host + QStringLiteral(" was not found."));
+  }
   for (const QHostAddress& address : addresses)
     addLine(m_host + QStringLiteral(" is ") + address.toString());
   m_ping.start(addresses.front().toString().toStdString());

@@ -10,8 +10,8 @@
 #include "ui/qt/ping_runner.h"
 
 class QCheckBox;
-class QLabel;
 class QLineEdit;
+class QPushButton;
 
 namespace quorvel {
 
@@ -31,6 +31,8 @@ class frmComputerIP : public QDialog {
  private:
   void arrange(QPushButton& find, QPushButton& close);
   void cmdFind_Click();
+  void cmdStop_Click();
+  void giveUp();
   void chkAutoClear_Click(bool checked);
   void onFound(const QHostInfo& info);
   void showName(const QHostInfo& info);
@@ -42,6 +44,7 @@ class frmComputerIP : public QDialog {
   PingRunner m_ping;
   QString m_host;  // what is looked up
   QLineEdit* m_input;
+  QPushButton* m_stop;  // enabled while there is something to stop
   QCheckBox* m_autoClear;
   PlainTextBox* m_results;
 };

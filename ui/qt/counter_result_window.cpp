@@ -1,10 +1,10 @@
 #include "ui/qt/counter_result_window.h"
 
 #include <QHBoxLayout>
-#include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
 
+#include "ui/qt/dialog_parts.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/text.h"
 
@@ -15,16 +15,14 @@ frmCounterResult::frmCounterResult(std::string_view caption, std::string_view te
     : QDialog(parent),
       m_paste(std::move(paste)),
       m_result(new PlainTextBox(this)),
-      m_pasteButton(new QPushButton(QStringLiteral("Paste into filter window"), this)),
-      m_closeButton(new QPushButton(QStringLiteral("Close"), this)) {
+      m_pasteButton(makeDialogButton(QStringLiteral("cmdPasteResultTortbFilter"),
+                                     QStringLiteral("&Paste into filter window"), false, this)),
+      m_closeButton(makeDialogButton(QStringLiteral("cmdClose"), QStringLiteral("Close"), true, this)) {
+  setObjectName(QStringLiteral("frmCounterResult"));
   setWindowTitle(toTitle(caption));
   m_result->setObjectName(QStringLiteral("rtbCounterResult"));
-  m_pasteButton->setObjectName(QStringLiteral("cmdPasteResultTortbFilter"));
-  m_closeButton->setObjectName(QStringLiteral("cmdClose"));
   m_result->setAccessibleName(QStringLiteral("Counter result"));
   m_result->setBytes(text);
-  m_pasteButton->setAutoDefault(false);
-  m_closeButton->setDefault(true);
   connect(m_pasteButton, &QPushButton::clicked, this, &frmCounterResult::cmdPasteResultTortbFilter_Click);
   connect(m_closeButton, &QPushButton::clicked, this, &QDialog::accept);
 
@@ -36,8 +34,9 @@ frmCounterResult::frmCounterResult(std::string_view caption, std::string_view te
   rows->addWidget(m_result);
   rows->addLayout(buttons);
   constexpr int kColumns = 64;
-  constexpr int kLines = 14;
-  resize(m_result->fontMetrics().averageCharWidth() * kColumns, m_result->heightForLines(kLines) + 60);
+  constexpr int kLines = 11;
+  resize(widthOfColumns(*m_result, kColumns), m_result->heightForLines(kLines) + m_closeButton->sizeHint().height());
+  setSizeGripEnabled(true);
   m_closeButton->setFocus();
 }
 

@@ -6,6 +6,11 @@
 
 namespace quorvel {
 
+/// Width in pixels of so many letters of the widget's font.
+[[nodiscard]] inline int widthOfColumns(const QWidget& widget, int columns) {
+  return widget.fontMetrics().horizontalAdvance(QString(columns, u'x'));
+}
+
 /// Only a default button reacts to the Enter key, wherever the keyboard is in the dialog.
 [[nodiscard]] inline QPushButton* makeDialogButton(const QString& name, const QString& text, bool isDefault,
                                                    QWidget* parent) {
@@ -13,12 +18,9 @@ namespace quorvel {
   button->setObjectName(name);
   button->setAutoDefault(false);
   button->setDefault(isDefault);
+  constexpr int kColumnsBeside = 4;
+  button->setMinimumWidth(button->fontMetrics().horizontalAdvance(text) + widthOfColumns(*button, kColumnsBeside));
   return button;
-}
-
-/// Width in pixels of so many letters of the widget's font.
-[[nodiscard]] inline int widthOfColumns(const QWidget& widget, int columns) {
-  return widget.fontMetrics().horizontalAdvance(QString(columns, u'x'));
 }
 
 inline void setTabOrder(std::initializer_list<QWidget*> controls) {

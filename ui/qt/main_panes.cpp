@@ -17,7 +17,7 @@ namespace {
 
 constexpr double kTreeShare = 0.5175;
 constexpr int kNarrowWindow = 512;  // pixels
-constexpr int kGap = 7;             // pixels between the parts and at the edges
+constexpr int kGap = MainPanes::kGap;
 constexpr int kHeaderLines = 2;
 constexpr int kUserInfoLines = 7;
 

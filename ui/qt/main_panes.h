@@ -21,6 +21,8 @@ class MainPanes : public QWidget {
   Q_OBJECT
 
  public:
+  static constexpr int kGap = 7;  ///< pixels between the parts and at the edges
+
   explicit MainPanes(QWidget* parent = nullptr);
 
   [[nodiscard]] SessionTreeBox& tree() { return *m_tree; }

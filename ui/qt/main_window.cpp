@@ -11,6 +11,7 @@
 #include "ui/qt/menu_commands.h"
 #include "ui/qt/menus.h"
 #include "ui/qt/one_line_label.h"
+#include "ui/qt/progress_row.h"
 #include "ui/qt/session_tree_box.h"
 #include "ui/qt/session_tree_model.h"
 #include "ui/qt/text.h"
@@ -19,6 +20,11 @@
 #include "ui/qt/window_placement.h"
 
 namespace quorvel {
+namespace {
+
+constexpr int kStatusBarMargin = 2;  // pixels that a status bar leaves free at its edge by itself
+
+}  // namespace
 
 MainWindow::MainWindow(FileDialogs& dialogs)
     : m_dialogs(dialogs),
@@ -34,6 +40,7 @@ MainWindow::MainWindow(FileDialogs& dialogs)
   addStatusPanels();
   m_stopShortcut->setEnabled(false);
   connect(m_stopShortcut, &QShortcut::activated, this, [this] { onChosen(MenuItem::mnuStop); });
+  connect(&m_panes->progress(), &ProgressRow::stopRequested, this, [this] { onChosen(MenuItem::mnuStop); });
   connect(m_menus, &Menus::chosen, this, &MainWindow::onChosen);
   connectTree();
   for (const MenuItem item : toolItems())
@@ -46,6 +53,7 @@ MainWindow::~MainWindow() {
 
 void MainWindow::addStatusPanels() {
   constexpr std::array kWidths = {5, 2, 2, 3};
+  statusBar()->setContentsMargins(MainPanes::kGap - kStatusBarMargin, 0, 0, kStatusBarMargin);
   for (std::size_t i = 0; i < m_panels.size(); ++i) {
     m_panels[i] = new OneLineLabel;
     m_panels[i]->setObjectName(QStringLiteral("StatusBar1_%1").arg(i + 1));
@@ -101,6 +109,13 @@ bool MainWindow::commandRuns() const {
 
 void MainWindow::stopCommand() {
   if (commandRuns()) m_commands->mnuStop_Click();
+}
+
+bool MainWindow::event(QEvent* event) {
+  // A command that asks something cannot be stopped but by the answer.
+  if (event->type() == QEvent::WindowBlocked) m_panes->progress().showStop(false);
+  if (event->type() == QEvent::WindowUnblocked) m_panes->progress().showStop(commandRuns());
+  return QMainWindow::event(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -114,6 +114,7 @@ void MainWindow::popUpTreeMenu() {
 void MainWindow::setCommandRunning(bool running) {
   m_menus->setCommandRunning(running);
   m_stopShortcut->setEnabled(running);
+  m_panes->progress().showStop(running);
   if (!running && m_isClosing) QMetaObject::invokeMethod(this, &MainWindow::closeWindow, Qt::QueuedConnection);
 }
 

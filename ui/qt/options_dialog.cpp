@@ -14,6 +14,8 @@
 namespace quorvel {
 namespace {
 
+constexpr int kListSpacing = 2;  // pixels around each entry
+
 QLabel* plainLabel(QWidget* parent) {
   auto* const label = new QLabel(parent);
   label->setTextFormat(Qt::PlainText);
@@ -58,7 +60,8 @@ void OptionsDialog::addPageList() {
   for (const std::string_view entry : frmOption::lstSelectOption())
     m_pages->addItem(toQString(entry));
   m_pages->setCurrentRow(0);
-  const int border = 4 * m_pages->frameWidth() + widthOfColumns(*m_pages, 2);
+  m_pages->setSpacing(kListSpacing);
+  const int border = 2 * kListSpacing + 4 * m_pages->frameWidth() + widthOfColumns(*m_pages, 2);
   m_pages->setFixedWidth(m_pages->sizeHintForColumn(0) + border);
   connect(m_pages, &QListWidget::currentRowChanged, this, [this](int page) {
     m_form.lstSelectOption_Click(page);

@@ -17,6 +17,7 @@ PlainTextBox::PlainTextBox(QWidget* parent) : QPlainTextEdit(parent) {
   setLineWrapMode(NoWrap);
   setTabChangesFocus(true);
   setAcceptDrops(false);
+  setCornerWidget(new QWidget(this));  // between the scroll bars: painted by the style, it would stand out
   setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
 }
 

@@ -3,13 +3,16 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <algorithm>
+#include <chrono>
 
 #include "ui/qt/text.h"
 
 namespace quorvel {
 namespace {
 
+constexpr std::chrono::milliseconds kStopDelay(300);
 constexpr int kSteps = 1000;  // of the bar, whatever the range: one step is about a pixel
 
 QLabel* makeLabel(const QString& name) {
@@ -31,19 +34,31 @@ ProgressRow::ProgressRow(QWidget* parent)
     : QWidget(parent),
       m_caption(makeLabel(QStringLiteral("lblCurrentPosCaption"))),
       m_position(makeLabel(QStringLiteral("lblCurrentPos"))),
-      m_bar(new QProgressBar) {
+      m_bar(new QProgressBar),
+      m_stop(new QPushButton(QStringLiteral("Stop"))) {
   m_caption->setText(QStringLiteral("Current position:"));
   m_position->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("2147483647")));
   m_bar->setObjectName(QStringLiteral("ProgressBar1"));
   m_bar->setAccessibleName(QStringLiteral("Progress"));
   m_bar->setRange(0, kSteps);
+  m_stop->setObjectName(QStringLiteral("cmdStop"));
+  m_stop->setToolTip(QStringLiteral("Stop the running command (Esc)"));
+  m_stop->setFocusPolicy(Qt::NoFocus);
+  connect(m_stop, &QPushButton::clicked, this, &ProgressRow::stopRequested);
+  m_stopDelay.setSingleShot(true);
+  m_stopDelay.setInterval(kStopDelay);
+  connect(&m_stopDelay, &QTimer::timeout, m_stop, &QWidget::show);
+  arrange();
+}
+
+void ProgressRow::arrange() {
   auto* const row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
   row->addWidget(m_caption);
   row->addWidget(m_position);
   row->addWidget(m_bar, 1);
-  for (QWidget* const widget :
-       {static_cast<QWidget*>(m_caption), static_cast<QWidget*>(m_position), static_cast<QWidget*>(m_bar)}) {
+  row->addWidget(m_stop);
+  for (QWidget* const widget : std::initializer_list<QWidget*>{m_caption, m_position, m_bar, m_stop}) {
     keepPlace(widget);
     widget->hide();
   }
@@ -74,6 +89,12 @@ void ProgressRow::showLabels(bool visible) {
 void ProgressRow::setLabels(std::string_view caption, std::string_view position) {
   m_caption->setText(toOneLine(toQString(caption)));
   m_position->setText(toOneLine(toQString(position)));
+}
+
+void ProgressRow::showStop(bool visible) {
+  if (visible) return m_stopDelay.start();
+  m_stopDelay.stop();
+  m_stop->hide();
 }
 
 }  // namespace quorvel

@@ -7,6 +7,7 @@
 #include "app/program.h"
 #include "ui/qt/file_dialogs.h"
 #include "ui/qt/main_window.h"
+#include "ui/qt/readable_colours.h"
 #include "ui/qt/splash_window.h"
 #include "ui/qt/text.h"
 #include "ui/qt/window_icon.h"
@@ -28,6 +29,7 @@ void nameApplication() {
 int runWindow(int argc, char** argv, const WindowStart& start) {
   const QApplication application(argc, argv);
   nameApplication();
+  useReadableColours();
   frmSplash splash;
   splash.show();
   QApplication::processEvents();

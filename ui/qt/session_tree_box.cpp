@@ -5,12 +5,28 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QStyledItemDelegate>
 
 #include "ui/qt/session_tree_model.h"
 
 namespace quorvel {
+namespace {
+
+/// Rows with some air between them: check boxes would touch each other.
+class RowDelegate final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    constexpr int kAir = 4;
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kAir);
+  }
+};
+
+}  // namespace
 
 SessionTreeBox::SessionTreeBox(QWidget* parent) : QTreeView(parent) {
+  setItemDelegate(new RowDelegate(this));
   setHeaderHidden(true);
   setUniformRowHeights(true);
   setEditTriggers(NoEditTriggers);

@@ -1,7 +1,5 @@
 // The dialogs of the tools, driven with the keyboard.
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <QApplication>
 #include <QCheckBox>
@@ -19,6 +17,7 @@
 #include "app/program.h"
 #include "app/web_commands.h"
 #include "tests/qt/window_fixture.h"
+#include "tests/support/answering_socket.h"
 #include "tests/support/recording_view.h"
 #include "tests/support/temp_folder.h"
 #include "ui/qt/about_dialog.h"
@@ -132,38 +131,8 @@ TEST_F(ToolDialogs, EnterInThePositionFieldFinds) {
   EXPECT_FALSE(dialog.isVisible());
 }
 
-/// Answers every request at once, through a pair of sockets of which the program watches one.
-class AnsweringSocket : public IcmpSocket {
- public:
-  AnsweringSocket() { EXPECT_EQ(::socketpair(AF_UNIX, SOCK_DGRAM, 0, m_ends), 0); }
-  ~AnsweringSocket() override {
-    for (const int end : m_ends)
-      ::close(end);
-  }
-  [[nodiscard]] IpFamily family() const override { return IpFamily::V6; }
-  [[nodiscard]] int descriptor() const override { return m_ends[0]; }
-  [[nodiscard]] bool send(std::string_view message) override {
-    std::string reply(message);
-    reply[0] = static_cast<char>(129);
-    return ::send(m_ends[1], reply.data(), reply.size(), 0) > 0;
-  }
-  [[nodiscard]] std::optional<std::string> receive() override {
-    char buffer[100];
-    const auto count = ::recv(m_ends[0], buffer, sizeof buffer, MSG_DONTWAIT);
-    if (count < 0) return std::nullopt;
-    return std::string(buffer, static_cast<std::size_t>(count));
-  }
-
- private:
-  int m_ends[2] = {-1, -1};
-};
-
-Ping::Opener answering() {
-  return [](const std::string&) { return IcmpOpening{std::make_unique<AnsweringSocket>(), {}}; };
-}
-
 TEST_F(ToolDialogs, ComputerIpResolvesAndPingsFourTimes) {
-  frmComputerIP dialog(settings, "", answering(), nullptr);
+  frmComputerIP dialog(settings, "", openAnsweringSocket, nullptr);
   show(dialog);
   type("127.0.0.1");
   press(Qt::Key_Return);
@@ -195,7 +164,7 @@ TEST_F(ToolDialogs, ComputerIpClearsTheListOnlyWithAutoClear) {
 }
 
 TEST_F(ToolDialogs, ClosingGivesUpTheLookup) {
-  frmComputerIP dialog(settings, "localhost", answering(), nullptr);
+  frmComputerIP dialog(settings, "localhost", openAnsweringSocket, nullptr);
   show(dialog);
   press(Qt::Key_Return);
   press(Qt::Key_Escape);
@@ -223,7 +192,7 @@ TEST_F(ToolDialogs, TextsAreShownAsTheyStand) {
 TEST_F(ToolDialogs, EveryControlHasANameForScreenReaders) {
   OptionsDialog options(form, nullptr);
   frmGotoPosInLog position(systemFiles(), {}, nullptr);
-  frmComputerIP lookup(settings, "", answering(), nullptr);
+  frmComputerIP lookup(settings, "", openAnsweringSocket, nullptr);
   TextViewer viewer("Reference", "", nullptr);
   frmAbout about("/", nullptr);
   for (QDialog* const dialog : std::initializer_list<QDialog*>{&options, &position, &lookup, &viewer, &about}) {

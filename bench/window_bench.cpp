@@ -7,7 +7,7 @@
 #include <fstream>
 #include <string>
 
-#include "tests/qt/window_fixture.h"
+#include "tests/support/program_window.h"
 
 namespace quorvel::test {
 namespace {
@@ -50,10 +50,9 @@ long residentKiB() {
   return 0;
 }
 
-class WindowBench : public WindowTest {
+class WindowBench : private ProgramWindow {
  public:
-  WindowBench() : WindowTest(Pacer::kInterval) {}
-  void TestBody() override {}
+  WindowBench() : ProgramWindow(Pacer::kInterval) {}
 
   void measure(const std::filesystem::path& log) {
     open(log);

@@ -1,8 +1,12 @@
 // The window as a user works with it.
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMimeData>
+#include <QPrintDialog>
+#include <QPrinterInfo>
 #include <QPushButton>
 #include <QShortcut>
 #include <QSignalSpy>
@@ -24,17 +28,6 @@ std::string WindowTest::treeHeader() {
   return window.findChild<QLabel*>(QStringLiteral("lblTreeHeader"))->text().toStdString();
 }
 
-QStringList WindowTest::treeLines() {
-  QStringList lines;
-  const QAbstractItemModel* const model = window.panes().tree().model();
-  for (int parent = 0; parent < model->rowCount(); ++parent) {
-    lines += row(parent).data().toString();
-    for (int child = 0; child < model->rowCount(row(parent)); ++child)
-      lines += u' ' + row(parent, child).data().toString();
-  }
-  return lines;
-}
-
 namespace {
 
 const std::string kLog =
@@ -46,25 +39,33 @@ TEST_F(WindowTest, StartsWithVersionHeadersAndWithoutProgress) {
   EXPECT_EQ(treeHeader(), "Username\n|--Logontime");
   EXPECT_FALSE(canChoose(MenuItem::mnuFilterAll));
   EXPECT_FALSE(canChoose(MenuItem::mnuCountAllTransfers));
-  EXPECT_FALSE(window.findChild<QWidget*>(QStringLiteral("ProgressBar1"))->isVisible());
-  EXPECT_FALSE(window.findChild<QWidget*>(QStringLiteral("lblCurrentPos"))->isVisible());
+  for (const char* const name : {"ProgressBar1", "lblCurrentPos", "cmdStop"})
+    EXPECT_FALSE(part<QWidget>(name).isVisible()) << name;
   EXPECT_EQ(window.windowTitle(), QStringLiteral("Quorvel analyzer"));
 }
 
-TEST_F(WindowTest, ALogIsOpenedItsUsersFoundAndASessionShown) {
+TEST_F(WindowTest, ALogIsOpenedItsUsersFoundAndASessionShownAndCopied) {
   openAndFind(kLog);
   EXPECT_EQ(status(StatusPanel::LogType), "Serv-U log file");
   EXPECT_EQ(status(StatusPanel::Logons), "Logons: 3");
-  EXPECT_EQ(treeLines(), QStringList({QStringLiteral("alice"), QStringLiteral(" Mon 05Mar01 10:15:02"),
-                                      QStringLiteral(" Mon 05Mar01 10:15:02"), QStringLiteral("bob"),
-                                      QStringLiteral(" Mon 05Mar01 10:15:02")}));
+  const QString time = QStringLiteral(" Mon 05Mar01 10:15:02");
+  EXPECT_EQ(treeLines(), QStringList({QStringLiteral("alice"), time, time, QStringLiteral("bob"), time}));
   EXPECT_EQ(window.focusWidget(), &window.panes().tree());
   window.panes().tree().expandAll();
   click(row(1, 0));
   EXPECT_TRUE(window.userInfo().starts_with("Username:   bob\r\nFrom IP:    10.0.0.6\r\n")) << window.userInfo();
   EXPECT_NE(window.filterText().find("(000002) Closing connection"), std::string::npos);
   EXPECT_EQ(window.filterText().find("(000001)"), std::string::npos);
-  EXPECT_TRUE(window.panes().filter().toPlainText().contains(QStringLiteral("(000002) USER bob")));
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window)) << "shortcuts work there only";
+  QTest::keyClick(&window, Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text(), time.mid(1)) << "of the tree, which has the keyboard";
+  PlainTextBox& filter = window.panes().filter();
+  filter.setFocus();
+  QTest::keyClick(&filter, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClick(&filter, Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text(), filter.toPlainText());
+  EXPECT_TRUE(filter.toPlainText().contains(QStringLiteral("(000002) USER bob")));
 }
 
 TEST_F(WindowTest, ThePopUpMenuSwitchesTheLayout) {
@@ -72,8 +73,9 @@ TEST_F(WindowTest, ThePopUpMenuSwitchesTheLayout) {
   QContextMenuEvent press(QContextMenuEvent::Mouse, QPoint(5, 5), window.mapToGlobal(QPoint(5, 5)));
   QCoreApplication::sendEvent(window.panes().tree().viewport(), &press);
   EXPECT_TRUE(window.menus().treePopup().isVisible());
-  EXPECT_TRUE(window.menus().action(MenuItem::mnuShowUsernameLogontime).isChecked());
   window.menus().treePopup().hide();
+  choose(MenuItem::mnuShowUsernameLogontime);
+  EXPECT_TRUE(window.menus().action(MenuItem::mnuShowUsernameLogontime).isChecked()) << "chosen again, it stays";
   onDialog<QMessageBox>([](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
   choose(MenuItem::mnuShowIPUsername);
   EXPECT_EQ(treeHeader(), "IP\n|--Username");
@@ -98,23 +100,45 @@ TEST_F(WindowTest, CheckedSessionsAreFilteredToAFile) {
   EXPECT_EQ(row(1, 0).data(Qt::CheckStateRole).toInt(), Qt::Unchecked);
 }
 
-TEST_F(WindowTest, ACountIsShownAndPasted) {
+TEST_F(WindowTest, ACountIsShownAndPastedAsOftenAsAsked) {
   openAndFind(kLog);
-  onDialog<QDialog>([](QDialog& result) {
+  onDialog<QDialog>([this](QDialog& result) {
     EXPECT_EQ(result.windowTitle(), QStringLiteral("Counter result - all users"));
-    result.findChild<QPushButton*>(QStringLiteral("cmdPasteResultTortbFilter"))->click();
+    EXPECT_EQ(status(), "Displaying counter result");
+    for (int i = 0; i < 2; ++i)
+      result.findChild<QPushButton*>(QStringLiteral("cmdPasteResultTortbFilter"))->click();
     EXPECT_EQ(result.focusWidget()->objectName(), QStringLiteral("cmdClose"));
     QTest::keyClick(&result, Qt::Key_Escape);
   });
   choose(MenuItem::mnuCountAllTransfers);
-  EXPECT_NE(window.filterText().find("--- COUNTER RESULT - ALL USERS ---"), std::string::npos);
+  const std::string heading = "\r\n\r\n--- COUNTER RESULT - ALL USERS ---\r\n";
+  EXPECT_TRUE(window.filterText().starts_with(heading));
+  EXPECT_NE(window.filterText().find(heading, heading.size()), std::string::npos);
   EXPECT_EQ(status(), "Using Serv-U log file");
+}
+
+TEST_F(WindowTest, WhatIsShownIsPrintedToAPdfFile) {
+  if (!QPrinterInfo::availablePrinterNames().isEmpty()) GTEST_SKIP() << "there is a printer";
+  openAndFind(kLog);
+  onDialog<QPrintDialog>([&](QPrintDialog& dialog) {
+    EXPECT_FALSE(canChoose(MenuItem::mnuFindUsers));
+    auto& file = *dialog.findChild<QLineEdit*>(QStringLiteral("filename"));
+    EXPECT_TRUE(file.text().endsWith(QStringLiteral("/ftp.pdf"))) << file.text().toStdString();
+    file.setText(QString::fromStdString((folder / "printed.pdf").string()));
+    dialog.accept();
+    if (dialog.isVisible()) dialog.reject();  // something in it was wrong
+  });
+  choose(MenuItem::mnuPrint);
+  EXPECT_TRUE(folder.read("printed.pdf").starts_with("%PDF"));
+  EXPECT_TRUE(canChoose(MenuItem::mnuFindUsers));
 }
 
 TEST_F(WindowTest, HostileNamesAreShownAsTheyStand) {
   settings.WriteSetting("MAIN", "TrunkLongUsernames", "0");
   openAndFind(sessionLog(1, "10.0.0.5", "<b>bold</b>") + sessionLog(2, "10.0.0.5", "x\x1b[31m\x81") +
               sessionLog(3, "10.0.0.5", "12345") + sessionLog(4, "10.0.0.5", "&copy;"));
+  EXPECT_EQ(row(0).data().toString(), QStringLiteral("<b>bold</b>"));
+  EXPECT_EQ(row(1).data().toString(), QStringLiteral("x\u241b[31m\u0081"));
   EXPECT_EQ(row(2).data().toString(), QStringLiteral("&copy;")) << "a name of digits only gets no node";
   window.panes().tree().expandAll();
   click(row(0, 0));
@@ -123,24 +147,39 @@ TEST_F(WindowTest, HostileNamesAreShownAsTheyStand) {
   EXPECT_TRUE(window.userInfo().starts_with("Username:   x\x1b[31m\x81\r\n"));
 }
 
-TEST_F(WindowTest, ANameTooLongForARecordIsReportedAndTheOthersStay) {
-  settings.WriteSetting("MAIN", "TrunkLongUsernames", "0");
+/// Each of these ends with a message, and the window goes on.
+TEST_F(WindowTest, TroubleIsToldInAMessage) {
   QString message;
-  onDialog<QMessageBox>([&message](QMessageBox& box) {
-    message = box.text();
-    box.accept();
-  });
-  openAndFind(sessionLog(1, "10.0.0.5", std::string(500, 'n')) + sessionLog(2, "10.0.0.6", "bob"));
-  EXPECT_TRUE(message.startsWith(QStringLiteral("One or more errors where generated"))) << message.toStdString();
+  const auto messageOf = [&](const std::function<void()>& act) {
+    message.clear();
+    onDialog<QMessageBox>([&](QMessageBox& box) {
+      message = box.text();
+      box.reject();
+    });
+    act();
+    return message;
+  };
+  settings.WriteSetting("MAIN", "TrunkLongUsernames", "0");
+  const std::string log = sessionLog(1, "10.0.0.5", std::string(500, 'n')) + sessionLog(2, "10.0.0.6", "bob");
+  EXPECT_TRUE(messageOf([&] { openAndFind(log); }).startsWith(QStringLiteral("One or more errors where generated")));
   EXPECT_TRUE(treeLines().contains(QStringLiteral("bob")));
+  window.panes().tree().expandAll();
+  click(row(0, 0));
+  dialogs.answer = folder / "missing" / "out.txt";
+  const QString name = QString::fromStdString(dialogs.answer.string());
+  for (const MenuItem item : {MenuItem::mnuFilterAll, MenuItem::mnuSaveFilterWindow, MenuItem::mnuSaveShortInfo})
+    EXPECT_TRUE(messageOf([&] { choose(item); }).remove(u'\n').contains(name)) << message.toStdString();
+  std::filesystem::remove(folder / "users.qva");
+  EXPECT_TRUE(messageOf([&] { click(row(0, 0)); }).startsWith(QStringLiteral("Lost file: users.qva\n")));
+  EXPECT_EQ(status(), "Using ftp.log");
 }
 
-/// Does something at the first yield of a running command.
+/// Does something while Find users runs.
 class WhileScanning : public WindowTest {
  protected:
   WhileScanning() {
     std::string log;
-    for (int i = 1; i <= 3'000; ++i)
+    for (int i = 1; i <= kSessions; ++i)
       log += sessionLog(i, "10.0.0.5", "alice");
     open(folder.write("ftp.log", log));
   }
@@ -152,25 +191,37 @@ class WhileScanning : public WindowTest {
     });
     choose(MenuItem::mnuFindUsers);
   }
+  [[nodiscard]] bool wasStopped() {
+    const bool foundAll = status(StatusPanel::Logons) == "Logons: " + std::to_string(kSessions);
+    return !foundAll && window.panes().tree().model()->rowCount() == 0;
+  }
+
+  static constexpr int kSessions = 3'000;
 };
 
 TEST_F(WhileScanning, OnlyStopAndExitCanBeChosenAndAnotherCommandIsRefused) {
   findUsers([this] {
-    EXPECT_FALSE(canChoose(MenuItem::mnuOpenLogFile));
-    EXPECT_TRUE(canChoose(MenuItem::mnuStop));
-    EXPECT_TRUE(window.findChild<QWidget*>(QStringLiteral("ProgressBar1"))->isVisible());
+    for (std::size_t i = 0; i < Menus::kItemCount; ++i) {
+      const auto item = static_cast<MenuItem>(i);
+      EXPECT_EQ(canChoose(item), item == MenuItem::mnuStop || item == MenuItem::mnuExit) << i;
+    }
+    EXPECT_TRUE(part<QWidget>("ProgressBar1").isVisible());
     commands.mnuFindUsers_Click();
+    window.enableMenuItem(MenuItem::mnuPrint, false);
+    EXPECT_FALSE(canChoose(MenuItem::mnuFilterAll));
   });
-  EXPECT_EQ(status(StatusPanel::Logons), "Logons: 3000");
+  EXPECT_FALSE(wasStopped());
   EXPECT_TRUE(canChoose(MenuItem::mnuOpenLogFile));
-  EXPECT_TRUE(canChoose(MenuItem::mnuFilterAll));
+  EXPECT_TRUE(canChoose(MenuItem::mnuFilterAll)) << "what the command enables is enabled when it ends";
+  EXPECT_FALSE(canChoose(MenuItem::mnuPrint));
 }
 
-TEST_F(WhileScanning, EscapeStops) {
+TEST_F(WhileScanning, EscapeAndTheButtonStop) {
   window.activateWindow();
   findUsers([this] { emit window.findChild<QShortcut*>()->activated(); });
-  EXPECT_NE(status(StatusPanel::Logons), "Logons: 3000");
-  EXPECT_EQ(window.panes().tree().model()->rowCount(), 0);
+  EXPECT_TRUE(wasStopped());
+  findUsers([this] { part<QPushButton>("cmdStop").click(); });
+  EXPECT_TRUE(wasStopped());
 }
 
 TEST_F(WhileScanning, ClosingStopsTheScanFirstAndThenCloses) {
@@ -193,34 +244,26 @@ TEST_F(WindowTest, ClosingSavesTheBoundsAndDeletesTheUsersFile) {
   choose(MenuItem::mnuExit);
   EXPECT_FALSE(window.isVisible());
   EXPECT_FALSE(folder.has("users.qva"));
-  EXPECT_EQ(settings.readNumber("POSITION", "MainLeft"), 40);
-  EXPECT_EQ(settings.readNumber("POSITION", "MainTop"), 50);
-  EXPECT_EQ(settings.readNumber("POSITION", "MainWidth"), 700);
-  EXPECT_EQ(settings.readNumber("POSITION", "MainHeight"), 500);
+  const std::pair<const char*, int> bounds[] = {
+      {"MainLeft", 40}, {"MainTop", 50}, {"MainWidth", 700}, {"MainHeight", 500}};
+  for (const auto& [key, value] : bounds)
+    EXPECT_EQ(settings.readNumber("POSITION", key), value) << key;
 }
 
 TEST_F(WindowTest, TheTreeKeepsItsShareUntilTheUserMovesTheSplitter) {
   const auto rightEdge = [this](int windowWidth) {
     window.resize(windowWidth, 600);
     runEvents();
-    return window.panes().filter().mapTo(&window.panes(), QPoint()).x();
+    return window.panes().filter().mapTo(&window.panes(), QPoint()).x() - MainPanes::kGap;
   };
-  EXPECT_NEAR(rightEdge(700), treeWidth(700) + 7, 2);
-  EXPECT_NEAR(rightEdge(1200), treeWidth(1200) + 7, 2);
+  EXPECT_NEAR(rightEdge(700), 362, 2);
+  EXPECT_NEAR(rightEdge(1200), 621, 2);
+  EXPECT_EQ(treeWidth(300), 265) << "never narrower than in a window of 512 pixels";
   QSplitterHandle* const handle = window.findChild<QSplitter*>()->handle(1);
   QTest::mousePress(handle, Qt::LeftButton, {}, QPoint(2, 50));
   QTest::mouseMove(handle, QPoint(-200, 50));
   QTest::mouseRelease(handle, Qt::LeftButton, {}, QPoint(-200, 50));
-  EXPECT_LT(rightEdge(1210), treeWidth(1200) - 150);
-}
-
-TEST_F(WindowTest, ASecondLogTakesThePlaceOfTheFirst) {
-  openAndFind(kLog);
-  open(folder.write("other.log", sessionLog(9, "10.0.0.9", "zoe")));
-  EXPECT_EQ(status(), "Using other.log");
-  EXPECT_FALSE(canChoose(MenuItem::mnuFilterAll));
-  choose(MenuItem::mnuFindUsers);
-  EXPECT_EQ(treeLines().constFirst(), QStringLiteral("zoe"));
+  EXPECT_LT(rightEdge(1210), 621 - 150);
 }
 
 /// Drops files on the window; whether it took them.
@@ -234,22 +277,26 @@ bool drop(MainWindow& window, const QList<QUrl>& urls) {
   return event.isAccepted();
 }
 
-TEST_F(WindowTest, ADroppedLogIsOpenedAndAnythingElseRefused) {
+TEST_F(WindowTest, ADroppedLogTakesThePlaceOfTheFirstAndAnythingElseIsRefused) {
   const auto url = [this](const char* name) {
     return QUrl::fromLocalFile(QString::fromStdString((folder / name).string()));
   };
-  folder.write("a.log", kLog);
-  const QList<QUrl> refused[] = {{url("a.log"), url("a.log")},
+  openAndFind(kLog);
+  folder.write("other.log", sessionLog(9, "10.0.0.9", "zoe"));
+  const QList<QUrl> refused[] = {{url("other.log"), url("other.log")},
                                  {url("missing.log")},
                                  {QUrl::fromLocalFile(QString::fromStdString(folder.path().string()))},
                                  {QUrl(QStringLiteral("https://example.org/a.log"))}};
   for (const QList<QUrl>& urls : refused) {
     EXPECT_FALSE(drop(window, urls));
-    EXPECT_TRUE(commands.state().logPath.empty());
+    EXPECT_EQ(commands.state().logTitle, "ftp.log");
     EXPECT_TRUE(status().starts_with("Only one log file")) << status();
   }
-  EXPECT_TRUE(drop(window, {url("a.log")}));
-  EXPECT_EQ(status(), "Using a.log");
+  EXPECT_TRUE(drop(window, {url("other.log")}));
+  EXPECT_EQ(status(), "Using other.log");
+  EXPECT_FALSE(canChoose(MenuItem::mnuFilterAll));
+  choose(MenuItem::mnuFindUsers);
+  EXPECT_EQ(treeLines().constFirst(), QStringLiteral("zoe"));
 }
 
 }  // namespace

@@ -47,33 +47,5 @@ TEST(Menus, StandInTheirOrderWithTheirKeys) {
       "TreeView | - | Show checkboxes in TreeView | Uncheck all boxes in TreeView | - | Count sessions transfers");
 }
 
-TEST(Menus, WhileACommandRunsOnlyStopAndExitCanBeChosenAndWishesAreKept) {
-  QWidget window;
-  QMenuBar bar(&window);
-  Menus menus(bar);
-  menus.enable(MenuItem::mnuFilterAll, false);
-  menus.setCommandRunning(true);
-  for (std::size_t i = 0; i < Menus::kItemCount; ++i) {
-    const auto item = static_cast<MenuItem>(i);
-    const bool isFree = item == MenuItem::mnuStop || item == MenuItem::mnuExit;
-    EXPECT_EQ(menus.action(item).isEnabled(), isFree) << i;
-  }
-  menus.enable(MenuItem::mnuFilterAll, true);
-  EXPECT_FALSE(menus.action(MenuItem::mnuFilterAll).isEnabled());
-  menus.enable(MenuItem::mnuFilterIP, false);
-  menus.setCommandRunning(false);
-  EXPECT_TRUE(menus.action(MenuItem::mnuFilterAll).isEnabled());
-  EXPECT_FALSE(menus.action(MenuItem::mnuFilterIP).isEnabled());
-}
-
-TEST(Menus, ChoosingLeavesTheCheckMarkToTheCommand) {
-  QWidget window;
-  QMenuBar bar(&window);
-  Menus menus(bar);
-  menus.check(MenuItem::mnuShowUsernameIP, true);
-  menus.action(MenuItem::mnuShowUsernameIP).trigger();
-  EXPECT_TRUE(menus.action(MenuItem::mnuShowUsernameIP).isChecked());
-}
-
 }  // namespace
 }  // namespace quorvel::test

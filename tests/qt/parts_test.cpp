@@ -8,9 +8,7 @@
 #include <QTextBlock>
 #include <QTimer>
 
-#include "ui/qt/counter_result_window.h"
 #include "ui/qt/file_dialogs.h"
-#include "ui/qt/main_panes.h"
 #include "ui/qt/plain_message.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/progress_row.h"
@@ -69,12 +67,6 @@ TEST(WindowPlacement, AWindowIsBroughtBackWhenItCannotBeGrasped) {
     EXPECT_EQ(broughtOnScreen(c.window, screens), c.shown) << c.name;
 }
 
-TEST(MainPanes, TheTreeTakesItsShareAndNeverLessThanInANarrowWindow) {
-  EXPECT_EQ(treeWidth(1000), 518);
-  EXPECT_EQ(treeWidth(512), 265);
-  EXPECT_EQ(treeWidth(300), 265);
-}
-
 TEST(FileDialogs, FiltersAreShownWithTheirPatternAndGiveASuffix) {
   EXPECT_EQ(nameFilter("Serv-U log file    (*.*)|*.*"), QStringLiteral("Serv-U log file    (*.*) (*)"));
   EXPECT_EQ(nameFilter("Filtered   (*.txt)|*.txt"), QStringLiteral("Filtered   (*.txt) (*.txt)"));
@@ -108,21 +100,6 @@ TEST(PlainMessage, ShowsMarkupAsItStandsAndGivesTheAnswer) {
     });
     EXPECT_EQ(showPlainMessage(nullptr, QStringLiteral("<img src=x>\r\nnext"), Buttons::YesNo), yes);
   }
-}
-
-TEST(CounterResultWindow, PastesAsOftenAsAskedAndMovesTheFocusToClose) {
-  int pasted = 0;
-  frmCounterResult window(
-      "Counter result - username: <b>[*]", "Sent files: 1\r\n", [&pasted] { ++pasted; }, nullptr);
-  window.show();
-  auto* const paste = window.findChild<QPushButton*>(QStringLiteral("cmdPasteResultTortbFilter"));
-  paste->setFocus();
-  paste->click();
-  paste->click();
-  EXPECT_EQ(pasted, 2);
-  EXPECT_EQ(window.focusWidget()->objectName(), QStringLiteral("cmdClose"));
-  EXPECT_TRUE(window.isVisible());
-  EXPECT_EQ(window.findChild<PlainTextBox*>()->bytes(), "Sent files: 1\r\n");
 }
 
 }  // namespace

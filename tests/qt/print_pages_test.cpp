@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QImage>
 #include <QPdfWriter>
 
 namespace quorvel::test {
@@ -22,6 +25,16 @@ TEST(PrintPages, LinesAreCutAtTheWidthAndAtEveryLineEnd) {
   EXPECT_EQ(printed("", 4), QString());
   EXPECT_EQ(printed("ab\r\n\r\ncd\n", 4), QStringLiteral("ab||cd"));
   EXPECT_EQ(printed("abcd\r\nabcdefghi\re\tf", 4), QStringLiteral("abcd|abcd|efgh|i|e f"));
+}
+
+TEST(PrintPages, AFullLineFitsThePage) {
+  QImage page(600, 100, QImage::Format_Mono);
+  for (int size = 6; size < 14; ++size) {
+    const QFont font(QFontDatabase::systemFont(QFontDatabase::FixedFont).family(), size);
+    const QString full(columnsPerLine(font, page), u'M');
+    EXPECT_LE(QFontMetrics(font, &page).horizontalAdvance(full), page.width()) << size;
+    EXPECT_GE(QFontMetrics(font, &page).horizontalAdvance(full + u'M'), page.width()) << size;
+  }
 }
 
 TEST(PrintPages, PrintsEveryPageUntilStopped) {

@@ -19,16 +19,10 @@ TEST(Text, EveryByteIsOneCharacterAndComesBack) {
   EXPECT_EQ(toBytes(text), all);
 }
 
-TEST(Text, CharactersOutsideTheCodePageBecomeQuestionMarks) {
-  EXPECT_EQ(toBytes(QStringLiteral("a\u65e5\u20ac")), "a?\x80");
-}
-
-TEST(Text, OneLineShowsControlCharactersAsSymbols) {
+TEST(Text, WhatHasNoPlaceIsShownAsASymbol) {
+  EXPECT_EQ(toBytes(QStringLiteral("a\u65e5\u20ac")), "a?\x80") << "not in the code page";
   EXPECT_EQ(toOneLine(toQString("a\r\nb\x1b[31m\x7f")), QStringLiteral("a\u240d\u240ab\u241b[31m\u2421"));
-}
-
-TEST(Text, ATitleKeepsTheModifiedMarkAsText) {
-  EXPECT_EQ(toTitle("x[*]\n"), QStringLiteral("x[*][*]\u240a"));
+  EXPECT_EQ(toTitle("x[*]\n"), QStringLiteral("x[*][*]\u240a")) << "no mark of a modified document";
 }
 
 TEST(ShownLines, EveryLineEndIsOneLineBreakWhereverThePiecesAreCut) {

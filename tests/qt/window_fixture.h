@@ -5,6 +5,7 @@
 
 #include <QMessageBox>
 
+#include "tests/qt/row_texts.h"
 #include "tests/support/program_window.h"
 #include "ui/qt/main_panes.h"
 #include "ui/qt/plain_text_box.h"
@@ -41,12 +42,17 @@ class WindowTest : public testing::Test, protected ProgramWindow {
     return child < 0 ? top : model->index(child, 0, top);
   }
   void click(const QModelIndex& index);
+  /// A part of the window by its name.
+  template <typename T>
+  [[nodiscard]] T& part(const char* name) {
+    return *window.findChild<T*>(QString::fromLatin1(name));
+  }
 
   [[nodiscard]] std::string status(StatusPanel panel = StatusPanel::Text) {
     return window.statusText(panel).toStdString();
   }
   [[nodiscard]] std::string treeHeader();
-  [[nodiscard]] QStringList treeLines();
+  [[nodiscard]] QStringList treeLines() { return rowTexts(*window.panes().tree().model()); }
 };
 
 }  // namespace quorvel::test

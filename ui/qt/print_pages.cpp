@@ -18,18 +18,11 @@ struct PageShape {
   explicit PageShape(QPainter& painter)
       : area(painter.viewport()),
         lineHeight(std::max(1, painter.fontMetrics().lineSpacing())),
-        columns(columnsOf(painter)),
+        columns(columnsPerLine(painter.font(), *painter.device())),
         lines(std::max(1, area.height() / lineHeight - 4)) {}  // less head line, foot line and a blank one for each
 
   [[nodiscard]] QRect line(int number) const {
     return {area.left(), area.top() + number * lineHeight, area.width(), lineHeight};
-  }
-
-  /// A letter's width is no whole number: rounded down on each letter, a full line would be wider than the page.
-  [[nodiscard]] static int columnsOf(const QPainter& painter) {
-    constexpr int kMany = 1000;
-    const qreal width = QFontMetricsF(painter.font(), painter.device()).horizontalAdvance(QString(kMany, u'M'));
-    return std::max(1, static_cast<int>(painter.viewport().width() * kMany / std::max(1.0, width)));
   }
 
   QRect area;
@@ -94,6 +87,13 @@ std::optional<std::string_view> PrintedLines::take() {
   const bool isPair = m_rest.starts_with("\r\n");
   m_rest.remove_prefix(std::min<std::size_t>(isPair ? 2 : 1, m_rest.size()));
   return line;
+}
+
+int columnsPerLine(const QFont& font, QPaintDevice& device) {
+  // A letter's width is no whole number: rounded down on each letter, a full line would be wider than the page.
+  constexpr int kMany = 1000;
+  const qreal width = QFontMetricsF(font, &device).horizontalAdvance(QString(kMany, u'M'));
+  return std::max(1, static_cast<int>(device.width() * kMany / std::max(1.0, width)));
 }
 
 PrintOutcome printPages(QPagedPaintDevice& device, const PrintedDocument& document,

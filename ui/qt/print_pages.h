@@ -8,7 +8,9 @@
 #include <string>
 #include <string_view>
 
+class QFont;
 class QPagedPaintDevice;
+class QPaintDevice;
 
 namespace quorvel {
 
@@ -34,6 +36,9 @@ class PrintedLines {
   std::string_view m_rest;
   std::size_t m_columns;
 };
+
+/// How many letters of the fixed-width font fit side by side; at least 1.
+[[nodiscard]] int columnsPerLine(const QFont& font, QPaintDevice& device);
 
 enum class PrintOutcome {
   Printed,

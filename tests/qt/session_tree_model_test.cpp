@@ -95,6 +95,7 @@ TEST_F(SessionTreeModelTest, TypeAheadFindsNamesOnTheScreenAndGoesRound) {
   EXPECT_EQ(m_model.findText(QStringLiteral("Mon"), 0, false, {}), 0);
   EXPECT_EQ(m_model.findText(QStringLiteral("Mon"), 0, false, {4}), 5);
   EXPECT_EQ(m_model.findText(QStringLiteral("anna"), 5, false, {4}), 1);
+  EXPECT_EQ(m_model.findText(QStringLiteral("zzz"), 2, false, {}), 0) << "a session in a branch closed meanwhile";
 }
 
 TEST_F(SessionTreeModelTest, KeysMoveCheckFindAndClick) {

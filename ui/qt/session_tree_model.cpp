@@ -44,7 +44,10 @@ std::int32_t SessionTreeModel::findText(const QString& prefix, std::int32_t from
                                         const std::unordered_set<std::int32_t>& openParents) const {
   if (rowCount() == 0) return 0;
   const std::string wanted = toBytes(prefix);
-  const std::int32_t current = from > 0 ? from : m_tree.parentNode(0);
+  std::int32_t current = from > 0 ? from : m_tree.parentNode(0);
+  // In a closed branch nothing is on the screen, and the way round the screen does not lead back to it.
+  const std::int32_t branch = m_tree.parentOf(current);
+  if (branch != 0 && !openParents.contains(branch)) current = branch;
   const std::int32_t start = from > 0 && !includesFrom ? nodeBelow(current, openParents) : current;
   std::int32_t node = start;
   do {

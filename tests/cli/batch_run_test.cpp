@@ -12,34 +12,19 @@ namespace {
 class BatchRunTest : public testing::Test {
  protected:
   BatchRunTest() {
-    folder.write("a.log", logSession("000001", "alice", "10.0.0.5") + logSession("000002", "300", "10.0.0.6"));
+    folder.write("a.log", logSession("000001", "alice", "10.0.0.5"));
     settings.prepareFile();
-    window.load();
-    view.forgetCalls();
   }
 
   TempFolder folder;
-  const std::string output = (folder / "out.txt").string();
   Settings settings{systemFiles(), folder.path()};
   RecordingView view;
   Pacer pacer{Pacer::Clock::duration::zero()};
   frmMain window{systemFiles(), settings, view, pacer, folder.path()};
 };
 
-TEST_F(BatchRunTest, OpensTheLogWithoutScanningIt) {
+TEST_F(BatchRunTest, ArgumentsEndTheProgramWhereAutoExitIs1) {
   EXPECT_FALSE(runBatch(window, " \t").endsProgram);
-  EXPECT_TRUE(view.calls().empty());
-  settings.WriteSetting("MAIN", "LastOpenFileType", "3");
-  const std::string before = folder.read("quorvel.ini");
-  const auto outcome = runBatch(window, "a.log");
-  EXPECT_TRUE(outcome.endsProgram && !outcome.failed);
-  EXPECT_EQ(view.status(StatusPanel::Text), "Using a.log");
-  EXPECT_EQ(window.state().logPath, folder / "a.log");
-  EXPECT_FALSE(folder.has("users.qva"));
-  EXPECT_EQ(folder.read("quorvel.ini"), before);
-}
-
-TEST_F(BatchRunTest, OnlyAutoExit1EndsTheProgram) {
   for (const auto& [value, ends] : {std::pair("1", true), {"01", true}, {"0", false}, {"2", false}, {"", true}}) {
     settings.WriteSetting("COMMAND-LINE-ARGUMENTS", "AutoExit", value);
     EXPECT_EQ(runBatch(window, "a.log").endsProgram, ends) << value;
@@ -52,7 +37,7 @@ TEST_F(BatchRunTest, AnInterruptEndsTheRunBetweenItsSteps) {
     interrupted = true;
     window.mnuStop_Click();
   });
-  EXPECT_TRUE(runBatch(window, "a.log 100 300 " + output, [&] { return interrupted; }).failed);
+  EXPECT_TRUE(runBatch(window, "a.log 100 300 " + (folder / "out.txt").string(), [&] { return interrupted; }).failed);
   EXPECT_EQ(view.messages().at(0).text, "Interrupted; the results are not complete.");
   EXPECT_FALSE(folder.has("out.txt"));
 }

@@ -58,7 +58,7 @@ inline std::vector<Script> loadScripts(const std::filesystem::path& folder) {
   return scripts;
 }
 
-/// Bytes that are not printable ASCII as \xNN, "$" behind a blank at the end.
+/// Bytes that are not printable ASCII as \xNN, "$" for an empty line and behind a blank at the end.
 inline std::string printable(std::string_view line) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string shown;
@@ -70,7 +70,7 @@ inline std::string printable(std::string_view line) {
       shown += {'\\', 'x', kDigits[byte / 16], kDigits[byte % 16]};
     }
   }
-  return line.ends_with(' ') ? shown + '$' : shown;
+  return line.empty() || line.ends_with(' ') ? shown + '$' : shown;
 }
 
 /// What a file holds: its lines behind a bar.

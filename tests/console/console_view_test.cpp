@@ -50,7 +50,6 @@ TEST(ConsoleView, RewritesItsProgressLineAndClearsIt) {
   view.showMessage({"Text", Buttons::Ok, {}});
   EXPECT_EQ(out.str(), line + '\r' + std::string(line.size(), ' ') + "\rquorvel: Text\n");
 }
-
 TEST(ConsoleView, ShowsAnyRangeAsAPercentage) {
   const struct {
     std::int64_t minimum, maximum, value;

@@ -13,7 +13,7 @@ namespace {
 
 /// Expects the finder to agree with the reference; prints the first record it differs in otherwise.
 void expectSame(const std::string& log, const FindOptions& options, const std::vector<UserAct>& expected) {
-  const auto found = findSessions(log, options).records;
+  const auto found = findSessions(log, options);
   if (found == expected) return;
   const auto [e, f] = std::mismatch(expected.begin(), expected.end(), found.begin(), found.end());
   ADD_FAILURE() << "a log of " << log.size() << " bytes, read " << options.blockSize << " at once, trunk "

@@ -11,23 +11,15 @@
 
 namespace quorvel::test {
 
-struct FoundSessions : FindObserver {
-  void onSession(const UserAct& record) override { records.push_back(record); }
-  bool keepGoing(LogPosition) override { return records.size() < stopAfter; }
-
-  std::vector<UserAct> records;
-  std::size_t stopAfter = 1'000'000;
-  FindEnd end = FindEnd::Finished;
-};
-
-inline FoundSessions findSessions(const std::string& log, const FindOptions& options,
-                                  std::size_t stopAfter = 1'000'000) {
-  FoundSessions found;
-  found.stopAfter = stopAfter;
-  const auto end = ServuFindUserInfo(openLog(log), options, found);
-  EXPECT_TRUE(end.isOk());
-  if (end.isOk()) found.end = end.value();
-  return found;
+inline std::vector<UserAct> findSessions(const std::string& log, const FindOptions& options) {
+  struct Records : FindObserver {
+    void onSession(const UserAct& record) override { all.push_back(record); }
+    bool keepGoing(LogPosition) override { return true; }
+    std::vector<UserAct> all;
+  } records;
+  const auto end = ServuFindUserInfo(openLog(log), options, records);
+  EXPECT_TRUE(end.isOk() && end.value() == FindEnd::Finished);
+  return records.all;
 }
 
 }  // namespace quorvel::test

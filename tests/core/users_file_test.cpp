@@ -28,7 +28,6 @@ class UsersFileTest : public ::testing::Test {
   UsersFile open(OpenMode mode = OpenMode::Read) {
     return std::move(UsersFile::open(systemFiles(), m_path, mode).value());
   }
-  [[nodiscard]] std::string bytes() const { return m_folder.read("users.qva"); }
 
   test::TempFolder m_folder;
   std::filesystem::path m_path = m_folder / "users.qva";
@@ -40,66 +39,45 @@ TEST_F(UsersFileTest, ReadsBackWhatWasWritten) {
   std::vector<UserAct> records;
   for (std::int32_t number = 1; number <= kCount; ++number)
     records.push_back(numbered(number, std::string("user").append(std::to_string(number))));
-  write(records);
-  UsersFile file = open();
-  ASSERT_EQ(file.recordCount(), kCount);
-  EXPECT_EQ(decodeRecord(std::string_view(bytes()).substr(recordOffset(kCount))), records.back()) << "a short slot";
-  for (const std::int32_t number : {1, 2, 512, 513, 2048, 2049, kCount, 7})
-    EXPECT_EQ(file.read(number), records[static_cast<std::size_t>(number - 1)]);
-  EXPECT_FALSE(file.read(0));
-  EXPECT_FALSE(file.read(kCount + 1));
-  EXPECT_TRUE(m_failures.empty());
-}
-
-TEST_F(UsersFileTest, UsesUpTheNumberOfARecordThatIsTooLong) {
-  write({numbered(1), numbered(2, std::string(100, 'n')), numbered(3), numbered(4, std::string(200, 'n'))});
-  EXPECT_EQ(m_failures, (std::vector<std::string>{"2: 59", "4: 59"}));
-  UsersFile file = open();
-  ASSERT_EQ(file.recordCount(), 3);
-  EXPECT_EQ(file.read(2), UserAct());
-  EXPECT_EQ(file.read(3), numbered(3));
+  for (const std::size_t tooLong : {5u, 3000u}) {
+    auto withTooLong = records;
+    withTooLong[tooLong - 1].Name.assign(200, 'n');
+    (void)systemFiles().remove(m_path);
+    write(withTooLong);
+    UsersFile file = open();
+    ASSERT_EQ(file.recordCount(), tooLong == kCount ? kCount - 1 : kCount);
+    EXPECT_EQ(m_failures.back(), std::to_string(tooLong) + ": 59");
+    for (const std::int32_t number : {1, 2, 512, 513, 2048, 2049, 2999, 7})
+      EXPECT_EQ(file.read(number), records[static_cast<std::size_t>(number - 1)]);
+    EXPECT_EQ(file.read(5), tooLong == 5 ? UserAct() : records[4]) << "its number is used up";
+    EXPECT_FALSE(file.read(0) || file.read(kCount + 1));
+  }
 }
 
 TEST_F(UsersFileTest, ChangesATreeIndexAndNothingElse) {
-  write({numbered(1), numbered(2), numbered(3)});
-  std::string expected = bytes();
-  expected.resize(recordOffset(4) - 10, '#');  // whatever stands behind a record stays
-  for (const std::int32_t number : {1, 2})
-    expected.replace(recordOffset(number + 1) - 5, 5, "#####");
+  write({numbered(1), numbered(2), numbered(3), numbered(4)});
+  std::string expected = m_folder.read("users.qva");
+  expected.replace(recordOffset(2) - 5, 5, "#####");  // whatever stands behind a record stays
+  expected.replace(recordOffset(3) + 4, 2, "\xFF\xFF");
+  expected.resize(recordOffset(4) + 9);
   m_folder.write("users.qva", expected);
-  {
-    UsersFile file = open(OpenMode::ReadWrite);
-    file.setTreeIndex(2, 70'000);
-    EXPECT_TRUE(file.flush().isOk());
-  }
-  std::array<char, kRecordSize> slot{};
-  UserAct changed = numbered(2);
+  UserAct changed = numbered(1);
   changed.TreeIndex = 70'000;
-  const std::size_t size = *encodeRecord(changed, slot);
-  expected.replace(recordOffset(2), size, slot.data(), size);
-  EXPECT_EQ(bytes(), expected);
-}
-
-TEST_F(UsersFileTest, ReadsADamagedSlotAsAnEmptyRecord) {
-  write({numbered(1), numbered(2), numbered(3)});
-  std::string damaged = bytes();
-  damaged.replace(recordOffset(2) + 4, 2, "\xFF\xFF");
-  damaged.resize(recordOffset(3) + 9);
-  m_folder.write("users.qva", damaged);
   UsersFile file = open(OpenMode::ReadWrite);
-  ASSERT_EQ(file.recordCount(), 3);
-  EXPECT_EQ(file.read(1), numbered(1));
-  EXPECT_EQ(file.read(2), UserAct());
-  EXPECT_EQ(file.read(3), UserAct());
-  file.setTreeIndex(2, 5);
+  for (const std::int32_t number : {1, 3, 4})
+    file.setTreeIndex(number, changed.TreeIndex);
   EXPECT_TRUE(file.flush().isOk());
-  EXPECT_EQ(bytes(), damaged) << "a damaged slot is left alone";
+  EXPECT_TRUE(encodeRecord(changed, std::span(expected).first(recordOffset(2) - 5)));
+  EXPECT_EQ(m_folder.read("users.qva"), expected) << "a damaged slot and a cut one are left alone";
+  ASSERT_EQ(file.recordCount(), 4);
+  EXPECT_EQ(file.read(2), numbered(2));
+  EXPECT_EQ(file.read(3), UserAct());
+  EXPECT_EQ(file.read(4), UserAct());
 }
 
 TEST_F(UsersFileTest, IsMissedWhenItIsNotThere) {
+  write({});  // no record, no file
   EXPECT_EQ(UsersFile::open(systemFiles(), m_path).error().code, ErrorCode::FileNotFound);
-  write({});
-  EXPECT_FALSE(m_folder.has("users.qva")) << "no record, no file";
 }
 
 }  // namespace

@@ -9,15 +9,10 @@
 namespace quorvel::test {
 namespace {
 
-const std::string kStamp = "Wed 19Jan05 13:28:08";
-const std::string kConnect = "[2] " + kStamp + " - (000001) Connected to 10.0.0.5 (Local address 10.0.0.1)\r\n";
 const std::string kSent =
     "[6] Wed 19Jan05 13:28:20 - (000001) Sent file C:\\a.zip successfully (12.5 Kb/sec - 40960 bytes)\r\n";
 const std::string kReceived =
     "[6] Wed 19Jan05 13:28:40 - (000001) Received file C:\\b successfully (3.1 Kb/sec - 1024 bytes)\r\n";
-const std::string kSendError = "[5] Wed 19Jan05 13:29:00 - (000001) Error sending file C:\\c.zip\r\n";
-const std::string kClose = "[5] Wed 19Jan05 13:29:10 - (000001) Closing connection for user TEST\r\n";
-
 struct Observer : CountObserver {
   void onFailedTransfer(std::string_view line, const TransferCount& totals) override {
     failed.push_back(std::to_string(totals.SendErrors + totals.ReceiveErrors) + ":" + std::string(line));
@@ -32,19 +27,6 @@ TransferCount countAll(const std::string& text, Observer& observer, CountOptions
   TransferCount totals;
   EXPECT_TRUE(CountAllTransfers(openLog(text), options, totals, observer).isOk());
   return totals;
-}
-
-TEST(TransferCounter, CountsSessionsFromConnectToClose) {
-  const std::string text = kSent + kConnect + kSent + kReceived + kSendError + kClose + kSent;
-  const auto position = static_cast<std::int32_t>(kSent.size() + 35);
-  const UserAct session{position, "", "(000001)", "10.0.0.5", kStamp, "", "", 1, 0};
-  Observer observer;
-  TransferCount totals;
-  const SessionSource twice = [&, left = 2]() mutable { return left-- > 0 ? std::optional(session) : std::nullopt; };
-  EXPECT_TRUE(CountSessionTransfers(openLog(text), twice, {}, totals, observer).isOk());
-  EXPECT_EQ(totals, (TransferCount{2, 2, 2, 0, 819'200'000, 20'480'000}));
-  const std::string failed = kSendError.substr(0, kSendError.size() - 2);
-  EXPECT_EQ(observer.failed, (std::vector{"0:" + failed, "1:" + failed}));
 }
 
 TEST(TransferCounter, CountsALineOnceWhateverItHolds) {

@@ -7,26 +7,21 @@
 namespace quorvel::test {
 namespace {
 
-/// Five digits per five bytes, so that every place in the text tells where it is from.
-std::string numberedText(std::size_t length) {
-  std::string text;
-  for (std::size_t at = 1; text.size() < length; at += 5) {
-    const std::string number = std::to_string(at);
-    text += std::string(5 - number.size(), '0') + number;
-  }
-  text.resize(length);
-  return text;
-}
-
 class GoToPosition : public ::testing::Test {
  protected:
+  /// A text in which every place tells where it is from: the numbers from 10000 on.
+  GoToPosition() {
+    for (int number = 10'000; text.size() < 12'000; ++number)
+      text += std::to_string(number);
+    log = folder.write("a.log", text);
+  }
   std::optional<std::string> at(std::string_view position) { return textAroundPosition(systemFiles(), log, position); }
   /// Bytes [from, to] counted from 1, as they stand in the log.
   std::string bytes(std::size_t from, std::size_t to) const { return text.substr(from - 1, to - from + 1); }
 
   TempFolder folder;
-  std::string text = numberedText(12000);
-  std::filesystem::path log = folder.write("a.log", text);
+  std::string text;
+  std::filesystem::path log;
 };
 
 TEST_F(GoToPosition, ShowsTheBytesBeforeAndFromThePosition) {
@@ -42,9 +37,8 @@ TEST_F(GoToPosition, ShowsTheBytesBeforeAndFromThePosition) {
 TEST_F(GoToPosition, StaysSilentWhenNothingCanBeShown) {
   for (const char* position : {"", "abc", "12x", "5000.5", "2147483648", "-2147483649", "99999999999999999999"})
     EXPECT_EQ(at(position), std::nullopt) << position;
-  EXPECT_EQ(textAroundPosition(systemFiles(), "", "5000"), std::nullopt);
-  EXPECT_EQ(textAroundPosition(systemFiles(), folder / "missing.log", "5000"), std::nullopt);
-  EXPECT_EQ(textAroundPosition(systemFiles(), folder.path(), "5000"), std::nullopt);
+  for (const auto& path : {std::filesystem::path(), folder / "missing.log", folder.path()})
+    EXPECT_EQ(textAroundPosition(systemFiles(), path, "5000"), std::nullopt) << path;
 }
 
 }  // namespace

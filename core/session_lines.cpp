@@ -42,12 +42,12 @@ SessionId idOf(const UserAct& session) {
 class Pass {
  public:
   Pass(const LogFile& log, std::size_t blockSize, std::vector<UserAct> sessions, SessionLineConsumer& consumer)
-      : m_stream(
-            log, blockSize, [this](LogBlock& block) { findSessionNumbers(block, m_wanted); },
-            [this](const LogBlock& block) { return takeMarks(block); }),
-        m_sessions(std::move(sessions)),
+      : m_sessions(std::move(sessions)),
         m_consumer(consumer),
-        m_starts(m_sessions.size()) {
+        m_starts(m_sessions.size()),
+        m_stream(
+            log, blockSize, [this](LogBlock& block) { findSessionNumbers(block, m_wanted); },
+            [this](const LogBlock& block) { return takeMarks(block); }) {
     for (const UserAct& session : m_sessions)
       m_wanted.insert(idOf(session));
   }
@@ -191,7 +191,6 @@ class Pass {
 
   void ask(LogPosition position) { m_goOn = m_goOn && m_consumer.keepGoing(static_cast<std::uint64_t>(position)); }
 
-  LogStream m_stream;
   bool m_isReading = false;
   const std::vector<UserAct> m_sessions;
   SessionLineConsumer& m_consumer;
@@ -203,6 +202,7 @@ class Pass {
   std::size_t m_head = 0;              ///< the session whose lines are handed out
   std::size_t m_activated = 0;         ///< so many sessions have their start in their list
   bool m_goOn = true;
+  LogStream m_stream;  ///< last: its thread, which looks into m_wanted, ends before anything else does
 };
 
 /// Takes sessions off source as long as they ascend, starting with first, which becomes the one behind them.

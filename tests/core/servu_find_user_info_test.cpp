@@ -2,8 +2,11 @@
 // cannot agree on something wrong.
 #include "core/servu_find_user_info.h"
 
-#include "tests/core/found_sessions.h"
+#include <gtest/gtest.h>
+
+#include "tests/reference/comparison.h"
 #include "tests/reference/session_scan.h"
+#include "tests/support/records.h"
 
 namespace quorvel::test {
 namespace {

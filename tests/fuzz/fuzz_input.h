@@ -22,6 +22,11 @@ inline void require(bool condition, std::string_view what) {
   std::abort();
 }
 
+/// Ends the program where a comparison found a difference.
+inline void requireNone(const std::string& difference) {
+  require(difference.empty(), "no difference between the engine and the literal scans: " + difference);
+}
+
 /// Choices are taken from the end of the input, so that what is left in front reads as the text it is about.
 class FuzzInput {
  public:

@@ -1,6 +1,7 @@
 #include "tests/reference/session_scan.h"
 
 #include <string>
+#include <utility>
 
 namespace quorvel::test {
 namespace {
@@ -61,20 +62,18 @@ std::string failedLogonTime(const BlockSearch& log, const Session& session) {
   const std::int64_t qq = log.FindForwardLimited(id + " QUIT", position, limit);
   const std::int64_t cc = log.FindForwardLimited(id + " Closing connection", position, limit + 100);
 
-  std::string word = " BAD_PASSWORD";
-  std::int64_t m = log.FindForwardLimited("- " + id + " 530 Not logged in - password incorrect", position, limit);
-  if (m == 0) m = log.FindForwardLimited("- " + id + " 530 Incorrect password", position, limit);
-  if (m == 0) {
-    word = " UNAUTHORIZED_IP";
-    m = log.FindForwardLimited("- " + id + " 530 Not logged in - unauthorized IP address", position, limit);
-  }
-  if (m == 0) {
-    word = " HOMEDIR_NOT_FOUND";
-    m = log.FindForwardLimited("- " + id + " 530 Not logged in - cannot find home directory", position, limit);
-  }
-  if (m == 0) {
-    word = " NotLoggedIn";
-    m = log.FindForwardLimited("- " + id + " 530", position, limit);
+  std::string word;
+  std::int64_t m = 0;
+  constexpr std::pair<const char*, const char*> kReplies[] = {
+      {" 530 Not logged in - password incorrect", " BAD_PASSWORD"},
+      {" 530 Incorrect password", " BAD_PASSWORD"},
+      {" 530 Not logged in - unauthorized IP address", " UNAUTHORIZED_IP"},
+      {" 530 Not logged in - cannot find home directory", " HOMEDIR_NOT_FOUND"},
+      {" 530", " NotLoggedIn"}};
+  for (const auto& [reply, meaning] : kReplies) {
+    word = meaning;
+    m = log.FindForwardLimited("- " + id + reply, position, limit);
+    if (m != 0) break;
   }
   if (m == 0 && cc == 0 && qq == 0) return word;
   if (m == 0) m = (cc > 0 ? cc : qq) - 2;

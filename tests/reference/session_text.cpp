@@ -24,22 +24,21 @@ bool holds(std::string_view line, std::string_view text) {
 }
 
 /// Questions about one line that ignore letter case; marks are texts behind the session number.
-class FoldedLine {
- public:
-  FoldedLine(std::string_view line, std::string_view number) : m_line(lowerCase(line)), m_number(lowerCase(number)) {}
+struct FoldedLine {
+  FoldedLine(std::string_view text, std::string_view sessionNumber)
+      : line(lowerCase(text)), number(lowerCase(sessionNumber)) {}
 
-  [[nodiscard]] bool contains(std::string_view text) const { return holds(m_line, lowerCase(text)); }
-  [[nodiscard]] bool isOfSession() const { return holds(m_line, m_number); }
+  [[nodiscard]] bool contains(std::string_view text) const { return holds(line, lowerCase(text)); }
   template <typename... Texts>
   [[nodiscard]] bool hasMark(const Texts&... texts) const {
-    return (holds(m_line, m_number + lowerCase(texts)) || ...);
+    return (contains(number + texts) || ...);
   }
-  [[nodiscard]] bool isClose() const { return holds(m_line, "- " + m_number + " closing connection"); }
-  [[nodiscard]] bool isServerStart() const { return holds(m_line, "- starting ftp server..."); }
+  [[nodiscard]] bool isOfSession() const { return holds(line, number); }
+  [[nodiscard]] bool isClose() const { return holds(line, "- " + number + " closing connection"); }
+  [[nodiscard]] bool isServerStart() const { return holds(line, "- starting ftp server..."); }
 
- private:
-  std::string m_line;
-  std::string m_number;
+  std::string line;
+  std::string number;
 };
 
 std::string connectMark(const UserAct& session) {
@@ -102,33 +101,29 @@ struct CommandFilter {
   }
 };
 
-std::int64_t byteCount(std::string_view line) {
+void addByteCount(std::string_view line, std::int64_t& total) {
   const std::size_t speed = line.find("Kb/sec - ");
   const std::size_t end = line.find(" bytes)");
-  if (speed == std::string_view::npos || end == std::string_view::npos || end < speed + 9) return 0;
-  const std::string_view digits = line.substr(speed + 9, end - speed - 9);
-  const bool isNumber =
-      !digits.empty() && digits.size() <= 15 && digits.find_first_not_of("0123456789") == std::string_view::npos;
-  return isNumber ? std::stoll(std::string(digits)) : 0;
+  if (speed == std::string_view::npos || end == std::string_view::npos || end < speed + 9) return;
+  addBytes(total, parseFixedPoint(line.substr(speed + 9, end - speed - 9)).value_or(0));
 }
 
 /// Counts a line by its tokens, each behind prefix; letter case matters.
-void countLine(const std::string& line, const std::string& prefix, CountedTransfers& totals) {
+void countLine(const std::string& line, const std::string& prefix, CountedTransfers& counted) {
   const bool isSendError = holds(line, prefix + " Error sending ");
   const bool isReceiveError = holds(line, prefix + " Error receiving ");
-  if (isSendError || isReceiveError) totals.badLines.push_back(line.size() > 27 ? line.substr(27) : "");
-  const bool isSent = holds(line, prefix + " Sent file ");
-  const bool isReceived = holds(line, prefix + " Received file ");
-  if (isSent) {
-    ++totals.sentFiles;
-    totals.bytesSent += byteCount(line);
-  } else if (isReceived) {
-    ++totals.receivedFiles;
-    totals.bytesReceived += byteCount(line);
+  if (isSendError || isReceiveError) counted.badLines.push_back(line.size() > 27 ? line.substr(27) : "");
+  TransferCount& totals = counted.totals;
+  if (holds(line, prefix + " Sent file ")) {
+    ++totals.SentFiles;
+    addByteCount(line, totals.BytesSent);
+  } else if (holds(line, prefix + " Received file ")) {
+    ++totals.ReceivedFiles;
+    addByteCount(line, totals.BytesReceived);
   } else if (isSendError) {
-    ++totals.sendErrors;
+    ++totals.SendErrors;
   } else if (isReceiveError) {
-    ++totals.receiveErrors;
+    ++totals.ReceiveErrors;
   }
 }
 
@@ -175,24 +170,24 @@ std::vector<std::string> sessionCommands(std::string_view log, const UserAct& se
 }
 
 CountedTransfers sessionTransfers(std::string_view log, const UserAct& session) {
-  CountedTransfers totals;
-  if (session.Position == 0) return totals;
+  CountedTransfers counted;
+  if (session.Position == 0) return counted;
   const std::string prefix = "- " + session.NumberInLog;
   bool isConnected = false;
   for (const std::string& line : linesFrom(log, session)) {
     isConnected = isConnected || holds(line, connectMark(session));
     if (!isConnected) continue;
-    countLine(line, prefix, totals);
+    countLine(line, prefix, counted);
     if (holds(line, prefix + " Closing connection")) break;
   }
-  return totals;
+  return counted;
 }
 
 CountedTransfers allTransfers(std::string_view log) {
-  CountedTransfers totals;
+  CountedTransfers counted;
   for (const std::string& line : splitLines(log))
-    countLine(line, "", totals);
-  return totals;
+    countLine(line, "", counted);
+  return counted;
 }
 
 }  // namespace quorvel::test

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/user_act.h"
+#include "counter/transfer_count.h"
 
 namespace quorvel::test {
 
@@ -29,12 +30,7 @@ struct CommandSwitches {
                                                        CommandSwitches switches);
 
 struct CountedTransfers {
-  std::int32_t sentFiles = 0;
-  std::int32_t receivedFiles = 0;
-  std::int32_t sendErrors = 0;
-  std::int32_t receiveErrors = 0;
-  std::int64_t bytesSent = 0;  ///< whole bytes: a count that is no plain number of up to 15 digits adds nothing
-  std::int64_t bytesReceived = 0;
+  TransferCount totals;
   std::vector<std::string> badLines;  ///< failed transfers, from their 28th character on
 };
 [[nodiscard]] CountedTransfers sessionTransfers(std::string_view log, const UserAct& session);

@@ -123,10 +123,8 @@ TEST(PingSystem, LoopbackAnswersOrTheRefusalIsOneLine) {
 }
 
 TEST(PingSystem, OnlyNumericAddressesAreOpened) {
-  for (const char* address : {"", "localhost", "1.2.3.4.5", "fe80::1%no-such-interface"}) {
-    const IcmpOpening opening = openIcmpSocket(address);
-    EXPECT_TRUE(opening.socket == nullptr && !opening.refusal.empty()) << address;
-  }
+  for (const char* address : {"", "localhost", "1.2.3.4.5", "fe80::1%no-such-interface"})
+    EXPECT_FALSE(openIcmpSocket(address).refusal.empty()) << address;
 }
 
 TEST(EchoRequest, HasTheLayoutOfTheProtocol) {

@@ -191,7 +191,6 @@ class Pass {
 
   void ask(LogPosition position) { m_goOn = m_goOn && m_consumer.keepGoing(static_cast<std::uint64_t>(position)); }
 
-  bool m_isReading = false;
   const std::vector<UserAct> m_sessions;
   SessionLineConsumer& m_consumer;
   SessionIdSet m_wanted;
@@ -202,14 +201,17 @@ class Pass {
   std::size_t m_head = 0;              ///< the session whose lines are handed out
   std::size_t m_activated = 0;         ///< so many sessions have their start in their list
   bool m_goOn = true;
-  LogStream m_stream;  ///< last: its thread, which looks into m_wanted, ends before anything else does
+  bool m_isReading = false;
+  LogStream m_stream;  ///< last, so that its thread has ended before what it looks at is gone
 };
 
-/// Takes sessions off source as long as they ascend, starting with first, which becomes the one behind them.
+/// Takes sessions off source as long as they ascend, starting with first, which becomes the one behind them. Sessions
+/// without a position fit in anywhere.
 std::vector<UserAct> takePass(const SessionSource& source, std::optional<UserAct>& first) {
   std::vector<UserAct> sessions;
-  while (first && sessions.size() < kSessionsPerPass &&
-         (sessions.empty() || first->Position >= sessions.back().Position)) {
+  std::int32_t position = 0;
+  while (first && sessions.size() < kSessionsPerPass && (first->Position == 0 || first->Position >= position)) {
+    if (first->Position != 0) position = first->Position;
     sessions.push_back(std::move(*first));
     first = source();
   }

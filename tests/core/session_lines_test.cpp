@@ -1,0 +1,39 @@
+// What the lines are is compared with the literal scans; here is what nothing but a long log shows.
+#include "core/session_lines.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <utility>
+
+#include "tests/support/temp_folder.h"
+
+namespace quorvel::test {
+namespace {
+
+struct OneLine : SessionLineConsumer {
+  int lines = 0;
+
+  bool beginSession(const UserAct&) override { return true; }
+  bool line(const SessionLine&) override { return ++lines == 0; }
+  void endSession(const UserAct&) override {}
+  bool keepGoing(std::uint64_t) override { return true; }
+};
+
+TEST(SessionLines, EndTheReadingAheadWithTheLastSession) {
+  const TempFolder folder;
+  std::string text;
+  for (int line = 0; line < 50'000; ++line)
+    text += "- (000001) NOOP\r\n";
+  const auto log = LogFile::open(systemFiles(), folder.write("ftp.log", text));
+  for (int run = 0; run < 50; ++run) {
+    OneLine consumer;
+    std::optional<UserAct> next = UserAct{51, "", "(000001)", "", "", "", "", 1, 0};
+    const SessionSource source = [&next] { return std::exchange(next, std::nullopt); };
+    ASSERT_TRUE(readSessionLines(log.value(), source, consumer, 4096).isOk());
+    EXPECT_EQ(consumer.lines, 1);
+  }
+}
+
+}  // namespace
+}  // namespace quorvel::test

@@ -12,6 +12,7 @@
 #include "core/byte_scan.h"
 #include "core/byte_scan_variants.h"
 #include "core/servu_find_user_info.h"
+#include "tests/reference/session_scan.h"
 
 namespace quorvel {
 namespace {
@@ -116,6 +117,15 @@ void findSessions(benchmark::State& state) {
   std::filesystem::remove(path);
 }
 BENCHMARK(findSessions)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// The literal block-wise scan that the tests compare with, on a log it can manage.
+void findSessionsLiterally(benchmark::State& state) {
+  const std::string log = text().substr(0, 1024 * 1024);
+  for (auto _ : state)
+    benchmark::DoNotOptimize(test::scanSessions(log, true));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(log.size()));
+}
+BENCHMARK(findSessionsLiterally)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace quorvel

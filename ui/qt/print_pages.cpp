@@ -49,6 +49,16 @@ void drawLines(QPainter& painter, const PageShape& shape, const QStringList& lin
     painter.drawText(shape.line(i + 2), Qt::AlignLeft | Qt::TextSingleLine | Qt::TextDontClip, lines[i]);
 }
 
+/// Of what is left of the text; empty when told to stop.
+std::optional<std::int64_t> countPages(PrintedLines lines, int linesPerPage, const std::function<bool()>& keepGoing) {
+  constexpr std::int64_t kLinesBetweenQuestions = 10'000;
+  std::int64_t count = 0;
+  while (lines.skip()) {
+    if (++count % kLinesBetweenQuestions == 0 && !keepGoing()) return std::nullopt;
+  }
+  return std::max<std::int64_t>(1, (count + linesPerPage - 1) / linesPerPage);
+}
+
 QStringList takePage(PrintedLines& lines, int count) {
   QStringList page;
   while (page.size() < count) {
@@ -68,14 +78,6 @@ std::optional<QString> PrintedLines::next() {
   const std::optional<std::string_view> piece = take();
   if (!piece) return std::nullopt;
   return toOneLine(toQString(*piece).replace(u'\t', u' '));
-}
-
-std::int64_t PrintedLines::countRemaining() const {
-  PrintedLines counted = *this;
-  std::int64_t count = 0;
-  while (counted.take())
-    ++count;
-  return count;
 }
 
 std::optional<std::string_view> PrintedLines::take() {
@@ -106,15 +108,16 @@ PrintOutcome printPages(QPagedPaintDevice& device, const PrintedDocument& docume
 
   const PageShape shape(painter);
   PrintedLines lines(document.text, shape.columns);
-  const std::int64_t pageCount = std::max<std::int64_t>(1, (lines.countRemaining() + shape.lines - 1) / shape.lines);
+  const auto pageCount = countPages(lines, shape.lines, keepGoing);
+  if (!pageCount) return PrintOutcome::Stopped;
   const QPageRanges wanted = device.pageRanges();
   bool isFirst = true;
-  for (std::int64_t page = 1; page <= pageCount; ++page) {
+  for (std::int64_t page = 1; page <= *pageCount; ++page) {
     const QStringList text = takePage(lines, shape.lines);
     if (!wanted.isEmpty() && !wanted.contains(static_cast<int>(page))) continue;
     if (!isFirst && !device.newPage()) return PrintOutcome::Failed;
     isFirst = false;
-    drawFrame(painter, shape, document, QStringLiteral("Page %1 of %2").arg(page).arg(pageCount));
+    drawFrame(painter, shape, document, QStringLiteral("Page %1 of %2").arg(page).arg(*pageCount));
     drawLines(painter, shape, text);
     if (!keepGoing()) return PrintOutcome::Stopped;
   }

@@ -28,7 +28,8 @@ class PrintedLines {
 
   /// The next line, without its end and with blanks for tabs; empty behind the last one.
   [[nodiscard]] std::optional<QString> next();
-  [[nodiscard]] std::int64_t countRemaining() const;
+  /// Passes over one line; false behind the last one.
+  bool skip() { return take().has_value(); }
 
  private:
   [[nodiscard]] std::optional<std::string_view> take();
@@ -46,8 +47,8 @@ enum class PrintOutcome {
   Failed,  ///< the device could not be opened or gave no further page
 };
 
-/// Prints the pages that the device's page ranges ask for. keepGoing is asked after each page; false ends the print
-/// with that page.
+/// Prints the pages that the device's page ranges ask for. keepGoing is asked after each page, and now and then while
+/// the pages of a long text are counted before; false ends the print with that page.
 [[nodiscard]] PrintOutcome printPages(QPagedPaintDevice& device, const PrintedDocument& document,
                                       const std::function<bool()>& keepGoing);
 

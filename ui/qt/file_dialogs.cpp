@@ -25,6 +25,7 @@ void prepare(QFileDialog& dialog, const FileRequest& request) {
 FileChoice run(QFileDialog& dialog, const FileRequest& request) {
   FileChoice choice;
   choice.filterIndex = request.filterIndex;
+  const PlainMessages plainMessages;
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return choice;
   const QString fileName = QDir::toNativeSeparators(QFileInfo(dialog.selectedFiles().constFirst()).absoluteFilePath());
   choice.path = toPath(fileName);

@@ -1,5 +1,7 @@
 #include "ui/qt/plain_message.h"
 
+#include <QApplication>
+#include <QEvent>
 #include <QMessageBox>
 
 #include "app/program.h"
@@ -42,10 +44,20 @@ bool showPlainMessage(QWidget* parent, const QString& text, Buttons buttons, con
   box.setWindowTitle(title.isEmpty() ? toQString(kProgramName) : title);
   box.setTextFormat(Qt::PlainText);
   box.setIcon(buttons == Buttons::Ok ? QMessageBox::Information : QMessageBox::Question);
-  box.setText(breakable(QString(text).remove(u'\r')));
+  box.setText(breakable(withoutDirectionMarks(text).remove(u'\r')));
   box.setStandardButtons(toQt(buttons));
   const int answer = box.exec();
   return answer == QMessageBox::Ok || answer == QMessageBox::Yes;
+}
+
+PlainMessages::PlainMessages() {
+  qApp->installEventFilter(this);
+}
+
+bool PlainMessages::eventFilter(QObject* watched, QEvent* event) {
+  auto* const box = event->type() == QEvent::Polish ? qobject_cast<QMessageBox*>(watched) : nullptr;
+  if (box != nullptr) box->setTextFormat(Qt::PlainText);
+  return false;
 }
 
 }  // namespace quorvel

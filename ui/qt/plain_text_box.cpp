@@ -23,7 +23,7 @@ PlainTextBox::PlainTextBox(QWidget* parent) : QPlainTextEdit(parent) {
 
 void PlainTextBox::setBytes(std::string_view text) {
   const std::string kept(text);  // text may be a view of our own bytes
-  m_bytes = std::string();  // gives the memory of a long text back
+  m_bytes = std::string();       // gives the memory of a long text back
   m_lines.restart();
   clear();
   appendBytes(kept);

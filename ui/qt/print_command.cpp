@@ -51,6 +51,7 @@ void mnuPrint_Click(QWidget& window, frmMain& commands) {
   QPrintDialog dialog(&printer, &window);
   dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
                     QAbstractPrintDialog::PrintShowPageSize | QAbstractPrintDialog::PrintCollateCopies);
+  const PlainMessages plainMessages;
   if (dialog.exec() != QDialog::Accepted) return;
   context.state.stopFlag = false;
   context.view.showBusyPointer(true);

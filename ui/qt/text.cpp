@@ -3,6 +3,7 @@
 #include <QFile>
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "core/text.h"
 
@@ -31,6 +32,15 @@ std::string toBytes(const QString& text) {
   return toWindows1252({utf8.constData(), static_cast<std::size_t>(utf8.size())});
 }
 
+QString withoutDirectionMarks(QString text) {
+  const auto isMark = [](QChar c) {
+    return c == u'\u061C' || c == u'\u200E' || c == u'\u200F' || (c >= u'\u2028' && c <= u'\u202E') ||
+           (c >= u'\u2066' && c <= u'\u2069');
+  };
+  std::replace_if(text.begin(), text.end(), isMark, QChar(QChar::ReplacementCharacter));
+  return text;
+}
+
 QString toOneLine(QString text) {
   constexpr char16_t kControlPictures = 0x2400;
   constexpr char16_t kDelete = 0x7F;
@@ -39,7 +49,7 @@ QString toOneLine(QString text) {
     if (c.unicode() < u' ') c = QChar(static_cast<char16_t>(kControlPictures + c.unicode()));
     if (c.unicode() == kDelete) c = QChar(kDeletePicture);
   }
-  return text;
+  return withoutDirectionMarks(std::move(text));
 }
 
 QString toTitle(std::string_view bytes) {

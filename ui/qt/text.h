@@ -13,7 +13,10 @@ namespace quorvel {
 /// Characters that Windows-1252 lacks become "?".
 [[nodiscard]] std::string toBytes(const QString& text);
 
-/// For a place with room for one line: control characters, line ends among them, become visible symbols.
+/// Without what makes a text read as another one: marks that turn its direction, and line ends of other alphabets,
+/// become "\uFFFD". File names may hold them.
+[[nodiscard]] QString withoutDirectionMarks(QString text);
+/// The same for a place with room for one line: control characters, line ends among them, become visible symbols too.
 [[nodiscard]] QString toOneLine(QString text);
 /// For a window title: one line, and "[*]" stays as it is instead of standing for "modified".
 [[nodiscard]] QString toTitle(std::string_view bytes);

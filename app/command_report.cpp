@@ -3,23 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <string>
-#include <system_error>
 
 #include "core/text.h"
 
 namespace quorvel {
-namespace {
-
-/// Also for files that do not exist, as far as their names tell.
-bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
-  std::error_code error;
-  if (std::filesystem::equivalent(a, b, error) && !error) return true;
-  const auto fullA = std::filesystem::weakly_canonical(std::filesystem::absolute(a, error), error);
-  const auto fullB = std::filesystem::weakly_canonical(std::filesystem::absolute(b, error), error);
-  return !error && fullA == fullB;
-}
-
-}  // namespace
 
 void reportFailure(CommandContext& context, std::string_view text) {
   if (context.state.batchFlag) context.state.batchFailed = true;

@@ -4,7 +4,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "core/text.h"
@@ -48,11 +47,6 @@ bool writesResults(const Step& step) {
 /// Counting the whole log is the one result that needs no list of sessions.
 bool readsSessions(const Step& step) {
   return writesResults(step) && step.code->code != kCountAllCode;
-}
-
-bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
-  std::error_code error;
-  return std::filesystem::equivalent(a, b, error) && !error;
 }
 
 class BatchRun {

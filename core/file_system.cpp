@@ -1,6 +1,7 @@
 #include "core/file_system.h"
 
 #include <random>
+#include <system_error>
 
 namespace quorvel {
 namespace {
@@ -53,6 +54,14 @@ Status FileSystem::replaceWhole(const std::filesystem::path& path, std::string_v
   if (done.isOk()) return {};
   (void)remove(temporary);
   return Error{done.error().code, path};
+}
+
+bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
+  std::error_code error;
+  if (std::filesystem::equivalent(a, b, error) && !error) return true;
+  const auto fullA = std::filesystem::weakly_canonical(std::filesystem::absolute(a, error), error);
+  const auto fullB = std::filesystem::weakly_canonical(std::filesystem::absolute(b, error), error);
+  return !error && fullA == fullB;
 }
 
 }  // namespace quorvel

@@ -76,4 +76,8 @@ class FileSystem {
 /// The real files of this machine. Lives as long as the program.
 [[nodiscard]] FileSystem& systemFiles();
 
+/// Whether two names stand for one file of this machine, through links too. Of files that do not exist the names
+/// decide.
+[[nodiscard]] bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
+
 }  // namespace quorvel

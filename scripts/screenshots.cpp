@@ -245,7 +245,7 @@ class Photographer : private ProgramWindow {
   void takeScan() {
     const std::string once = folder.read("ftp-server.log");
     std::string often;
-    while (often.size() < 4'000'000)
+    while (often.size() < 24'000'000)
       often += once;
     open(folder.write("busy-server.log", often));
     QTimer::singleShot(0, &window, [this] { takeScanLater(); });

@@ -143,6 +143,18 @@ TEST_F(ToolDialogs, EnterInThePositionFieldShowsTheLogThatIsOpen) {
   choose(MenuItem::mnuGotoPosition);
 }
 
+TEST_F(ToolDialogs, ComputerIpBeginsWithTheAddressOfTheSessionShown) {
+  openAndFind(sessionLog(1, "10.0.0.5", "alice") + sessionLog(2, "10.0.0.6", "bob"));
+  commands.TreeView1_NodeClick(2);
+  dialogs.answer = folder / "out.txt";
+  choose(MenuItem::mnuFilterAll);
+  onDialog<frmComputerIP>([](frmComputerIP& dialog) {
+    EXPECT_EQ(find<QLineEdit>(dialog, "txtHost").text(), QStringLiteral("10.0.0.5"));
+    dialog.reject();
+  });
+  choose(MenuItem::mnuGetComputersIP);
+}
+
 TEST_F(ToolDialogs, ComputerIpResolvesAndPingsFourTimes) {
   frmComputerIP dialog(settings, "", openAnsweringSocket, nullptr);
   show(dialog);

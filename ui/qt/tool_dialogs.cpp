@@ -6,6 +6,7 @@
 #include "app/help_text.h"
 #include "app/options.h"
 #include "app/program_folder.h"
+#include "app/tree_commands.h"
 #include "ui/qt/about_dialog.h"
 #include "ui/qt/computer_ip_dialog.h"
 #include "ui/qt/goto_position_dialog.h"
@@ -20,9 +21,15 @@ void openGotoPosition(QWidget& window, frmMain& commands) {
   frmGotoPosInLog(context.files, context.state.logPath, &window).exec();
 }
 
+/// Of the session that the user-info box shows: filtering to a file makes others the current one.
+std::string shownAddress(CommandContext& context) {
+  if (context.state.selectedNode == 0) return context.state.currentSession.IP;
+  return readSessionOfNode(context, context.state.selectedNode).value_or(context.state.currentSession).IP;
+}
+
 void openComputerIP(QWidget& window, frmMain& commands) {
-  const CommandContext& context = commands.context();
-  frmComputerIP(context.settings, context.state.currentSession.IP, openIcmpSocket, &window).exec();
+  CommandContext& context = commands.context();
+  frmComputerIP(context.settings, shownAddress(context), openIcmpSocket, &window).exec();
 }
 
 void openOptions(QWidget& window, frmMain& commands) {

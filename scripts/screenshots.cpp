@@ -51,7 +51,9 @@ QImage withCommonColours(const QImage& picture) {
       ++counts[opaque.pixel(x, y)];
   }
   QList<QRgb> colours = counts.keys();
-  std::sort(colours.begin(), colours.end(), [&counts](QRgb a, QRgb b) { return counts[a] > counts[b]; });
+  std::sort(colours.begin(), colours.end(), [&counts](QRgb a, QRgb b) {
+    return std::pair(counts[a], a) > std::pair(counts[b], b);  // the same picture is the same file
+  });
   colours.resize(std::min<qsizetype>(colours.size(), 256));
   return opaque.convertToFormat(QImage::Format_Indexed8, colours, Qt::ThresholdDither);
 }

@@ -30,6 +30,7 @@ struct LogBlock {
   std::size_t count = 0;                ///< bytes of the log in the block, without its neighbours
   std::string buffer;                   ///< kBlockHead bytes, the block, kBlockTail bytes
   std::vector<std::uint64_t> findings;  ///< what the search function left here, in a form of its own
+  std::vector<std::uint32_t> offsets;   ///< memory for the search function to work in
 
   /// The block's first byte; readable from kBlockHead bytes before it to kBlockTail bytes behind the block.
   [[nodiscard]] const char* data() const { return buffer.data() + kBlockHead; }

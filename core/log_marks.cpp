@@ -202,10 +202,9 @@ std::uint64_t hashName(std::string_view name) {
 }
 
 void findMarks(LogBlock& block, char lineEnd, std::size_t longestName) {
-  thread_local std::vector<std::uint32_t> offsets;
-  scanBytes(ScanFor::SessionEvents, block.data(), block.count, offsets);
+  scanBytes(ScanFor::SessionEvents, block.data(), block.count, block.offsets);
   MarkWriter writer(block, lineEnd, longestName);
-  for (const std::uint32_t offset : offsets)
+  for (const std::uint32_t offset : block.offsets)
     writer.examineEvent(block.data() + offset);
 }
 
@@ -220,10 +219,9 @@ void SessionIdSet::insert(SessionId id) {
 }
 
 void findSessionNumbers(LogBlock& block, const SessionIdSet& wanted) {
-  thread_local std::vector<std::uint32_t> offsets;
-  scanBytes(ScanFor::SessionLines, block.data(), block.count, offsets);
+  scanBytes(ScanFor::SessionLines, block.data(), block.count, block.offsets);
   LineWriter writer(block, wanted);
-  for (const std::uint32_t offset : offsets)
+  for (const std::uint32_t offset : block.offsets)
     writer.examine(block.data() + offset);
 }
 

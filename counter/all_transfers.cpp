@@ -23,9 +23,8 @@ static_assert(kBlockTail >= kLongestToken);
 
 /// Leaves the positions of all tokens that start in the block in its findings.
 void findTokens(LogBlock& block) {
-  thread_local std::vector<std::uint32_t> offsets;
-  scanBytes(ScanFor::Transfers, block.data(), block.count, offsets);
-  for (const std::uint32_t offset : offsets) {
+  scanBytes(ScanFor::Transfers, block.data(), block.count, block.offsets);
+  for (const std::uint32_t offset : block.offsets) {
     TransferTokens tokens;
     tokens.addStartOf({block.data() + offset, kLongestToken});
     if (tokens.any()) block.findings.push_back(static_cast<std::uint64_t>(block.first) + offset);

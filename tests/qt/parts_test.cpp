@@ -12,6 +12,7 @@
 #include "ui/qt/plain_message.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/progress_row.h"
+#include "ui/qt/readable_colours.h"
 #include "ui/qt/window_placement.h"
 
 namespace quorvel::test {
@@ -86,6 +87,19 @@ TEST(ProgressRow, ShowsPositionsOfAnyRange) {
   row.setRange(5, 5);
   row.setValue(5);
   EXPECT_EQ(bar->value(), 0);
+}
+
+TEST(ReadableColours, WhatIsDisabledIsReadOnADarkAndOnALightGround) {
+  for (const QColor& ground : {QColor(0x20, 0x20, 0x20), QColor(0xf0, 0xf0, 0xf0)}) {
+    QApplication::setPalette(QPalette(ground));
+    useReadableColours();
+    const QPalette shown = QApplication::palette();
+    const int text = shown.color(QPalette::Disabled, QPalette::WindowText).lightness();
+    EXPECT_GT(std::abs(text - ground.lightness()), 80);
+    EXPECT_NE(text, shown.color(QPalette::WindowText).lightness());
+    EXPECT_EQ(shown.color(QPalette::Window), ground);
+  }
+  QApplication::setPalette(QPalette());
 }
 
 TEST(PlainMessage, ShowsMarkupAsItStandsAndGivesTheAnswer) {

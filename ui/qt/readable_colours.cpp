@@ -28,7 +28,9 @@ void lightenOutlines(const QPalette& desktop) {
   QPalette outlined;
   const QColor outline = between(desktop.color(QPalette::Text), desktop.color(QPalette::Base));
   outlined.setColor(QPalette::Window, outline.lighter(kDarkerByStyle));
-  for (const char* const widget : {"QCheckBox", "QRadioButton", "QAbstractScrollArea", "QMenu"})
+  // Only the views of this program: a file dialog's have corners that would show the changed colour.
+  for (const char* const widget :
+       {"QCheckBox", "QRadioButton", "QMenu", "QListWidget", "quorvel::SessionTreeBox", "quorvel::PlainTextBox"})
     QApplication::setPalette(outlined.resolve(desktop), widget);
 }
 

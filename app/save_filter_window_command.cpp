@@ -5,8 +5,8 @@
 #include "app/command_report.h"
 #include "app/file_choice.h"
 #include "core/clock.h"
-#include "core/report_head.h"
 #include "core/text.h"
+#include "tools/report_head.h"
 
 namespace quorvel {
 namespace {

@@ -5,8 +5,8 @@
 #include <tuple>
 #include <utility>
 
-#include "core/report_head.h"
 #include "core/text.h"
+#include "tools/report_head.h"
 
 namespace quorvel {
 namespace {

@@ -14,6 +14,7 @@ TEST(FixedPoint, ReadsDecimalNumbersAndNothingElse) {
   const std::pair<std::string, std::int64_t> numbers[] = {
       {"0.00005", 0},  // a half goes to the even one
       {"0.00015", 2},
+      {"0.00025", 2},
       {"0.000051", 1},
       {"0.e51000004", 0},
       {"1e-99999999999", 0},
@@ -31,6 +32,7 @@ TEST(FixedPoint, ReadsDecimalNumbersAndNothingElse) {
 TEST(FixedPoint, PrintsSumsWithoutClosingZeros) {
   EXPECT_EQ(fixedPointSumText(10'000, 1), "1.0001");
   EXPECT_EQ(fixedPointSumText(10'000, -15'000), "-0.5");
+  EXPECT_EQ(fixedPointSumText(-30'000, 5'000), "-2.5");
   EXPECT_EQ(fixedPointSumText(kMax, kMax), "1844674407370955.1614");
   EXPECT_EQ(fixedPointSumText(kMin, kMin), "-1844674407370955.1616");
 }

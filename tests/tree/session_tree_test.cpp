@@ -26,6 +26,7 @@ TEST(SessionTree, KeepsCheckMarksAndTakesNodesUntilCleared) {
   SessionTree tree;
   tree.addParent("ann");
   tree.addParent("bob");
+  EXPECT_FALSE(tree.addChild("nobody", 1, "x"));
   tree.setChecked(2, true);
   EXPECT_EQ(tree.parentCount(), 2);
   tree.addParent("carl");

@@ -1,4 +1,4 @@
-#include "core/report_head.h"
+#include "tools/report_head.h"
 
 #include "core/text.h"
 

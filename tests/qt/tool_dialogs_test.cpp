@@ -71,9 +71,9 @@ TEST_F(ToolDialogs, EveryItemOpensItsDialogInTheMiddleOfTheWindowAndEscapeCloses
       opened = dialog.objectName();
       const QPoint off = dialog.geometry().center() - window.geometry().center();
       // Where no window manager tells the frame's size, Qt leaves 10 x 40 pixels for it.
-      EXPECT_LT(off.manhattanLength(), 60) << name << ' ' << off.x() << ' ' << off.y();
+      EXPECT_LT(off.manhattanLength(), 60) << opened.toStdString() << ' ' << off.x() << ' ' << off.y();
       press(Qt::Key_Escape);
-      EXPECT_FALSE(dialog.isVisible()) << name;
+      EXPECT_FALSE(dialog.isVisible()) << opened.toStdString();
       dialog.reject();
     });
     choose(item);

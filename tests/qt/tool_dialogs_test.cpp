@@ -82,7 +82,7 @@ TEST_F(ToolDialogs, EveryItemOpensItsDialogInTheMiddleOfTheWindowAndEscapeCloses
 }
 
 TEST_F(ToolDialogs, OptionsFollowTheKeyboard) {
-  onDialog<OptionsDialog>([this](OptionsDialog& dialog) {
+  onDialog<OptionsDialog>([](OptionsDialog& dialog) {
     ASSERT_TRUE(hasKeyboard(dialog));
     const auto& deletes = find<QCheckBox>(dialog, "chkOption3");
     EXPECT_EQ(deletes.checkState(), Qt::PartiallyChecked);
@@ -110,7 +110,7 @@ TEST_F(ToolDialogs, OptionsFollowTheKeyboard) {
 }
 
 TEST_F(ToolDialogs, EscapeLeavesTheOptionsShownUnsaved) {
-  onDialog<OptionsDialog>([this](OptionsDialog& dialog) {
+  onDialog<OptionsDialog>([](OptionsDialog& dialog) {
     ASSERT_TRUE(hasKeyboard(dialog));
     press(Qt::Key_Tab);
     press(Qt::Key_Space);

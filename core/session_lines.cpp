@@ -176,7 +176,7 @@ class Pass {
         m_marks.append(mark);
       }
     }
-    ask(m_stream.readTo());
+    ask(m_reached);  // what is read ahead says nothing of how much was handed out
     return m_goOn;
   }
 
@@ -189,7 +189,11 @@ class Pass {
     }
   }
 
-  void ask(LogPosition position) { m_goOn = m_goOn && m_consumer.keepGoing(static_cast<std::uint64_t>(position)); }
+  /// Asks whether to go on, having come to position; sessions overlap, but progress only grows.
+  void ask(LogPosition position) {
+    m_reached = std::max(m_reached, position);
+    m_goOn = m_goOn && m_consumer.keepGoing(static_cast<std::uint64_t>(m_reached));
+  }
 
   const std::vector<UserAct> m_sessions;
   SessionLineConsumer& m_consumer;
@@ -200,6 +204,7 @@ class Pass {
   std::vector<std::size_t> m_numbers;  ///< in the line handed out
   std::size_t m_head = 0;              ///< the session whose lines are handed out
   std::size_t m_activated = 0;         ///< so many sessions have their start in their list
+  LogPosition m_reached = 0;
   bool m_goOn = true;
   bool m_isReading = false;
   LogStream m_stream;  ///< last, so that its thread has ended before what it looks at is gone

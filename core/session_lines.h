@@ -43,8 +43,8 @@ class SessionLineConsumer {
   /// Returns false when no further line of this session is wanted.
   virtual bool line(const SessionLine& line) = 0;
   virtual void endSession(const UserAct& session) = 0;
-  /// Called often, at least once a session and once per few 100 KB of log read. Returns false to end everything:
-  /// the session in progress is still ended with endSession().
+  /// Called often, at least once a session and once per few 100 KB of log read. position is how far the log was handed
+  /// out. Returns false to end everything: the session in progress is still ended with endSession().
   virtual bool keepGoing(std::uint64_t position) = 0;
 };
 

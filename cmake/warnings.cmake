@@ -7,6 +7,10 @@ if(MSVC)
 else()
   target_compile_options(quorvel_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+    # GCC 12 takes what the sanitizers add to the standard library for uses of uninitialised values.
+    target_compile_options(quorvel_options INTERFACE -Wno-maybe-uninitialized)
+  endif()
 endif()
 
 # quorvel_library(NAME SOURCES... ) declares the library of one folder: static, with our options.

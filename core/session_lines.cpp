@@ -216,8 +216,8 @@ std::vector<UserAct> takePass(const SessionSource& source, std::optional<UserAct
   std::vector<UserAct> sessions;
   sessions.reserve(kSessionsPerPass);  // memory that is not filled costs nothing, growing would need it twice
   std::int32_t position = 0;
-  while (first && sessions.size() < kSessionsPerPass && (first->Position == 0 || first->Position >= position)) {
-    if (first->Position != 0) position = first->Position;
+  while (first && sessions.size() < kSessionsPerPass && (first->Position <= 0 || first->Position >= position)) {
+    position = std::max(position, first->Position);
     sessions.push_back(std::move(*first));
     first = source();
   }

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "tests/support/temp_folder.h"
 
@@ -12,9 +13,10 @@ namespace quorvel::test {
 namespace {
 
 struct OneLine : SessionLineConsumer {
+  int sessions = 0;
   int lines = 0;
 
-  bool beginSession(const UserAct&) override { return true; }
+  bool beginSession(const UserAct&) override { return ++sessions != 0; }
   bool line(const SessionLine&) override { return ++lines == 0; }
   void endSession(const UserAct&) override {}
   bool keepGoing(std::uint64_t) override { return true; }
@@ -33,6 +35,22 @@ TEST(SessionLines, EndTheReadingAheadWithTheLastSession) {
     ASSERT_TRUE(readSessionLines(log.value(), source, consumer, 4096).isOk());
     EXPECT_EQ(consumer.lines, 1);
   }
+}
+
+TEST(SessionLines, ComeToAnEndWhereverDamagedRecordsPoint) {
+  const TempFolder folder;
+  const auto log = LogFile::open(systemFiles(), folder.write("ftp.log", std::string(200, '.')));
+  std::vector<std::int32_t> positions = {-1, -2'147'483'647 - 1, 0, 2'147'483'647, 60, -7, 51};
+  const auto expected = static_cast<int>(positions.size());
+  OneLine consumer;
+  const SessionSource source = [&positions]() -> std::optional<UserAct> {
+    if (positions.empty()) return std::nullopt;
+    const UserAct session{positions.back(), "", "(000001)", "", "", "", "", 1, 0};
+    positions.pop_back();
+    return session;
+  };
+  EXPECT_TRUE(readSessionLines(log.value(), source, consumer).isOk());
+  EXPECT_EQ(consumer.sessions, expected);
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ std::unique_ptr<LogBlock> BlockWindow::put(std::unique_ptr<LogBlock> block) {
   return block;
 }
 
-std::string_view BlockWindow::text(LogPosition from, std::size_t count) {
+std::string_view BlockWindow::textElsewhere(LogPosition from, std::size_t count) {
   const LogPosition inside = std::clamp<LogPosition>(from, 1, std::max<LogPosition>(1, m_log.length()));
   {
     const LogBlock& block = blockAt(inside);
@@ -83,8 +83,7 @@ void BlockWindow::prefetch(LogPosition position) const {
 #endif
 }
 
-const LogBlock& BlockWindow::blockAt(LogPosition position) {
-  if (m_last != nullptr && position >= m_last->first && position < m_last->end()) return *m_last;
+const LogBlock& BlockWindow::otherBlockAt(LogPosition position) {
   const std::size_t number = static_cast<std::size_t>(position - 1) / m_blockSize;
   auto& block = m_blocks[number % m_blocks.size()];
   const auto first = static_cast<LogPosition>(number * m_blockSize) + 1;

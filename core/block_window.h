@@ -26,7 +26,11 @@ class BlockWindow {
 
   /// The bytes at [from, from + count), blanks where the log has none. Valid until the next call of anything here.
   /// After a failing read blanks stand in for what could not be read; see status().
-  [[nodiscard]] std::string_view text(LogPosition from, std::size_t count);
+  [[nodiscard]] std::string_view text(LogPosition from, std::size_t count) {
+    if (m_last != nullptr && from >= m_last->first && from + static_cast<LogPosition>(count) <= m_last->end())
+      return {m_last->data() + (from - m_last->first), count};
+    return textElsewhere(from, count);
+  }
 
   /// Position of the first byte c at or after from; when there is none before end, end.
   [[nodiscard]] LogPosition find(char c, LogPosition from, LogPosition end);
@@ -42,7 +46,12 @@ class BlockWindow {
   [[nodiscard]] const Status& status() const { return m_status; }
 
  private:
-  [[nodiscard]] const LogBlock& blockAt(LogPosition position);
+  [[nodiscard]] std::string_view textElsewhere(LogPosition from, std::size_t count);
+  [[nodiscard]] const LogBlock& blockAt(LogPosition position) {
+    return m_last != nullptr && position >= m_last->first && position < m_last->end() ? *m_last
+                                                                                      : otherBlockAt(position);
+  }
+  [[nodiscard]] const LogBlock& otherBlockAt(LogPosition position);
 
   const LogFile& m_log;
   const std::size_t m_blockSize;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <limits>
 #include <string>
 #include <utility>
@@ -61,26 +62,26 @@ LogSearch::LogSearch(const LogFile& log, Options options)
   m_stream.start(1);
 }
 
-ConnectMark LogSearch::FindForward(LogPosition start) {
+bool LogSearch::FindForward(LogPosition start) {
   while (true) {
-    const MarkNumber next = m_marks.connectAfter(m_current);
+    const MarkNumber next = m_marks.connectAfter(m_session.number);
     if (next == 0) {
-      if (!m_stream.readMore()) return {};
-      continue;
+      if (m_stream.readMore()) continue;
+      return false;
     }
-    m_current = next;
     const LogPosition position = m_marks.position(next);
+    m_session = {next, position, m_marks.kind(next) == MarkKind::ConnectDash};
     if (position < start) continue;
     m_marks.dropBefore(next);
     while (!m_serverStarts.empty() && m_serverStarts.front() < position)
       m_serverStarts.pop_front();
-    return {next, position, m_marks.kind(next) == MarkKind::ConnectDash};
+    return true;
   }
 }
 
-SessionEnd LogSearch::FindSessionEnd(const ConnectMark& session) {
+SessionEnd LogSearch::FindSessionEnd() {
   while (true) {
-    const MarkNumber mark = firstOf(session, {bit(MarkKind::CloseDash)}, kAnywhere);
+    const MarkNumber mark = firstOf({bit(MarkKind::CloseDash)}, kAnywhere);
     const LogPosition close = mark != 0 ? m_marks.position(mark) - kBackToDash : 0;
     const LogPosition start = m_serverStarts.empty() ? 0 : m_serverStarts.front();
     if (start != 0 && (close == 0 || start < close)) return {start, true};
@@ -88,29 +89,29 @@ SessionEnd LogSearch::FindSessionEnd(const ConnectMark& session) {
   }
 }
 
-LogPosition LogSearch::FindForwardLimited(Event event, const ConnectMark& session, LogPosition limit,
-                                          LogPosition start) {
+LogPosition LogSearch::FindForwardLimited(Event event, LogPosition limit, LogPosition start) {
   const EventText& text = kEventTexts[static_cast<std::size_t>(event)];
+  if (m_stream.isAtEnd() && !isAhead(text.kinds)) return 0;
   const LogPosition back = text.hasDash ? kBackToDash : kBackToNumber;
   const LogPosition last = lastAccepted(start, limit, lengthOf(text));
   readTo(last + back);
-  const MarkNumber hit = firstOf(session, {text.kinds}, last + back);
+  const MarkNumber hit = firstOf({text.kinds}, last + back);
   return hit != 0 ? m_marks.position(hit) - back : 0;
 }
 
-LogPosition LogSearch::FindLogonLine(const ConnectMark& session, std::string_view name, LogPosition limit) {
+LogPosition LogSearch::FindLogonLine(std::string_view name, LogPosition limit) {
   constexpr std::string_view kUser = " User ";
   constexpr std::string_view kLoggedIn = " logged in";
   const std::size_t length = 2 + kSessionNumberLength + kUser.size() + name.size() + kLoggedIn.size();
   if (length >= static_cast<std::size_t>(kSearchBlock)) return 0;  // fits into no block
-  const LogPosition last = lastAccepted(session.position, limit, length);
+  const LogPosition last = lastAccepted(m_session.position, limit, length);
   if (name.size() > std::min(m_options.longestName, kLongestIndexedName)) {
     std::string text = "- ";
-    text.append(m_stream.window().text(session.position - kBackToNumber, kSessionNumberLength));
-    return findText(text.append(kUser).append(name).append(kLoggedIn), session.position, last);
+    text.append(m_stream.window().text(m_session.position - kBackToNumber, kSessionNumberLength));
+    return findText(text.append(kUser).append(name).append(kLoggedIn), m_session.position, last);
   }
   readTo(last + kBackToDash);
-  const MarkNumber hit = firstOf(session, {bit(MarkKind::LoggedIn), hashName(name)}, last + kBackToDash);
+  const MarkNumber hit = firstOf({bit(MarkKind::LoggedIn), hashName(name)}, last + kBackToDash);
   return hit != 0 ? m_marks.position(hit) - kBackToDash : 0;
 }
 
@@ -142,21 +143,22 @@ LogPosition LogSearch::lastAccepted(LogPosition start, LogPosition limit, std::s
   return start + (moreBlocks + 1) * step;
 }
 
-/// Whether any session has such a mark behind position: often one look at all marks saves a walk along a number's.
-bool LogSearch::isAhead(unsigned kinds, LogPosition position) const {
-  for (std::size_t kind = 0; kind < kMarkKinds; ++kind) {
-    if ((kinds & (1u << kind)) != 0 && m_lastOfKind[kind] > position) return true;
+/// Whether any session has such a mark ahead: often one look at all marks saves a walk along a number's.
+bool LogSearch::isAhead(unsigned kinds) const {
+  for (; kinds != 0; kinds &= kinds - 1) {
+    if (m_lastOfKind[static_cast<std::size_t>(std::countr_zero(kinds))] > m_session.position) return true;
   }
   return false;
 }
 
-MarkNumber LogSearch::firstOf(const ConnectMark& session, const Wanted& wanted, LogPosition furthest) {
+MarkNumber LogSearch::firstOf(const Wanted& wanted, LogPosition furthest) {
   constexpr int kFarWalk = 64;
-  const MarkNumber first = m_marks.nextOfSession(session.number);
-  if (first == 0 || m_marks.position(first) > furthest || !isAhead(wanted.kinds, session.position)) return 0;
-  MarkNumber passed = session.number;
+  if (!isAhead(wanted.kinds)) return 0;
+  const MarkNumber first = m_marks.nextOfSession(m_session.number);
+  if (first == 0 || m_marks.position(first) > furthest) return 0;
+  MarkNumber passed = m_session.number;
   if (!m_passed.empty()) {
-    const auto known = m_passed.find({idOf(session), wanted});
+    const auto known = m_passed.find({sessionId(), wanted});
     if (known != m_passed.end()) passed = std::max(passed, known->second);
   }
   int steps = 0;
@@ -168,12 +170,12 @@ MarkNumber LogSearch::firstOf(const ConnectMark& session, const Wanted& wanted, 
     }
     passed = next;
   }
-  if (steps > kFarWalk) m_passed[{idOf(session), wanted}] = passed;
+  if (steps > kFarWalk) m_passed[{sessionId(), wanted}] = passed;
   return next != 0 && m_marks.position(next) <= furthest ? next : 0;
 }
 
-SessionId LogSearch::idOf(const ConnectMark& session) {
-  return sessionIdAt(&m_stream.window().text(session.position - kBackToNumber, kSessionNumberLength).back());
+SessionId LogSearch::sessionId() {
+  return sessionIdAt(&m_stream.window().text(m_session.position - kBackToNumber, kSessionNumberLength).back());
 }
 
 /// Reads the text itself: for names too long to be kept with the marks.

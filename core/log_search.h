@@ -25,7 +25,7 @@ namespace quorvel {
 /// A connect line: where the search for everything else of its session starts.
 struct ConnectMark {
   MarkNumber number = 0;
-  LogPosition position = 0;  ///< of the ")" behind the session number; 0: there is no further session
+  LogPosition position = 0;  ///< of the ")" behind the session number
   bool hasDash = false;      ///< "- " stands in front of the session number
 };
 
@@ -63,18 +63,20 @@ class LogSearch {
 
   LogSearch(const LogFile& log, Options options);
 
-  /// The first connect mark at or after start, which must not lie before earlier starts.
-  [[nodiscard]] ConnectMark FindForward(LogPosition start);
-  /// The end of the session: its closing line or the first server start behind its connect line.
-  [[nodiscard]] SessionEnd FindSessionEnd(const ConnectMark& session);
+  /// Takes the next session: the first connect mark at or after start, which must not lie before earlier starts.
+  /// False when there is none.
+  [[nodiscard]] bool FindForward(LogPosition start);
+  /// The session taken last, of which everything below speaks.
+  [[nodiscard]] const ConnectMark& session() const { return m_session; }
+  /// Its end: its closing line or the first server start behind its connect line.
+  [[nodiscard]] SessionEnd FindSessionEnd();
   /// Position of the text's first byte, or 0. Searches from the session's connect mark, or as if from start.
-  [[nodiscard]] LogPosition FindForwardLimited(Event event, const ConnectMark& session, LogPosition limit) {
-    return FindForwardLimited(event, session, limit, session.position);
+  [[nodiscard]] LogPosition FindForwardLimited(Event event, LogPosition limit) {
+    return FindForwardLimited(event, limit, m_session.position);
   }
-  [[nodiscard]] LogPosition FindForwardLimited(Event event, const ConnectMark& session, LogPosition limit,
-                                               LogPosition start);
+  [[nodiscard]] LogPosition FindForwardLimited(Event event, LogPosition limit, LogPosition start);
   /// The same for the line "- ", number, " User ", name, " logged in".
-  [[nodiscard]] LogPosition FindLogonLine(const ConnectMark& session, std::string_view name, LogPosition limit);
+  [[nodiscard]] LogPosition FindLogonLine(std::string_view name, LogPosition limit);
 
   /// The log's text, see BlockWindow.
   [[nodiscard]] BlockWindow& window() { return m_stream.window(); }
@@ -93,10 +95,10 @@ class LogSearch {
     std::uint64_t nameHash = 0;  ///< of a LoggedIn mark
     friend auto operator<=>(const Wanted&, const Wanted&) = default;
   };
-  [[nodiscard]] bool isAhead(unsigned kinds, LogPosition position) const;
+  [[nodiscard]] bool isAhead(unsigned kinds) const;
   /// The first wanted mark of the session at or before position furthest; 0 when there is none yet.
-  [[nodiscard]] MarkNumber firstOf(const ConnectMark& session, const Wanted& wanted, LogPosition furthest);
-  [[nodiscard]] SessionId idOf(const ConnectMark& session);
+  [[nodiscard]] MarkNumber firstOf(const Wanted& wanted, LogPosition furthest);
+  [[nodiscard]] SessionId sessionId();
   [[nodiscard]] LogPosition findText(std::string_view text, LogPosition start, LogPosition last);
 
   const LogFile& m_log;
@@ -108,7 +110,7 @@ class LogSearch {
   std::map<std::pair<SessionId, Wanted>, MarkNumber> m_passed;
   std::array<LogPosition, kMarkKinds> m_lastOfKind{};  ///< how far each kind of mark was seen
   std::deque<LogPosition> m_serverStarts;              ///< from the current session on
-  MarkNumber m_current = 0;                            ///< connect mark taken last
+  ConnectMark m_session;                               ///< taken last
   bool m_wasStopped = false;
 };
 

@@ -24,6 +24,8 @@ class LogStream {
   bool readMore();
   /// No more is read until the next start().
   void stop() { m_isAtEnd = true; }
+  /// Whether readMore() would read nothing.
+  [[nodiscard]] bool isAtEnd() const { return m_isAtEnd; }
 
   /// Position of the last byte read.
   [[nodiscard]] LogPosition readTo() const { return m_readTo; }

@@ -75,11 +75,11 @@ Decoder decoderAtTreeIndex(std::string_view slot) {
 
 }  // namespace
 
-std::optional<std::size_t> encodeRecord(const UserAct& record, std::span<char> slot) {
+std::size_t encodeRecord(const UserAct& record, std::span<char> slot) {
   std::size_t size = kRecordOverhead;
   for (const auto text : kTexts)
     size += (record.*text).size();
-  if (size > slot.size()) return std::nullopt;
+  if (size > slot.size()) return 0;
 
   Encoder encoder(slot.data());
   encoder.number(static_cast<std::uint32_t>(record.Position), 4);

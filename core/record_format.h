@@ -24,8 +24,8 @@ inline constexpr std::size_t kRecordOverhead = 3 * 4 + 6 * 2;
 }
 
 /// Writes the record to the start of slot and returns the number of bytes it takes; the rest of the slot is left as
-/// it is. Empty, and slot untouched, when the record needs more than slot.size() bytes.
-[[nodiscard]] std::optional<std::size_t> encodeRecord(const UserAct& record, std::span<char> slot);
+/// it is. 0, and slot untouched, when the record needs more than slot.size() bytes.
+[[nodiscard]] std::size_t encodeRecord(const UserAct& record, std::span<char> slot);
 
 /// Reads a record from the start of slot. Empty when a length word points behind the slot's end.
 [[nodiscard]] std::optional<UserAct> decodeRecord(std::string_view slot);

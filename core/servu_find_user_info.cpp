@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <string>
+#include <string_view>
 
 #include "core/log_search.h"
 
@@ -26,9 +27,7 @@ class Finder {
 
   Result<FindEnd> run() {
     LogPosition position = 1;
-    while (position < m_log.length()) {
-      m_session = m_search.FindForward(position);
-      if (m_session.position == 0) break;
+    while (position < m_log.length() && m_search.FindForward(position)) {
       if (m_session.position > std::numeric_limits<std::int32_t>::max()) return FindEnd::Overflow;
       fillRecord();
       if (!m_search.status().isOk()) return m_search.status().error();
@@ -54,13 +53,12 @@ class Finder {
     m_record.NumberInLog = text(position - (kSessionNumberLength - 1), kSessionNumberLength);
     readUpTo(' ', position + kIpForward, kLongestText, m_record.IP);
     findLogoff();
-    findName();
-    findLogon();
+    findLogon(findName());
     ++m_record.LogonNo;
   }
 
   void findLogoff() {
-    m_end = m_search.FindSessionEnd(m_session);
+    m_end = m_search.FindSessionEnd();
     const LogPosition stamp = m_end.position - kStampBack;
     if (!m_end.isServerStart && stamp <= 0) {
       m_record.LogoffTime = kNotLoggedOut;
@@ -71,28 +69,32 @@ class Finder {
     }
   }
 
-  void findName() {
+  /// Returns what is now the record's name.
+  std::string_view findName() {
     const LogPosition user = find(Event::User);
     const LogPosition quit = find(Event::Quit);
-    m_record.Name.clear();
-    if (user == 0 && quit == 0) m_record.Name = kNoUserFound;
-    if (quit > 0 && (quit < user || m_end.position < user)) m_record.Name = kQuit;
-    if (user == 0 && (quit > 0 || m_end.position >= 1)) m_record.Name = kQuit;
-    if (!m_record.Name.empty()) return;
-
+    std::string_view word;
+    if (user == 0 && quit == 0) word = kNoUserFound;
+    if (quit > 0 && (quit < user || m_end.position < user)) word = kQuit;
+    if (user == 0 && (quit > 0 || m_end.position >= 1)) word = kQuit;
+    if (!word.empty()) {
+      m_record.Name = word;
+      return word;
+    }
     const LogPosition longest = m_options.trunkLongUsernames ? LogPosition{kTrunkedName} : kLongestText;
     readUpTo(m_log.lineEnd(), user + kNameForward, longest, m_record.Name);
+    return m_record.Name;
   }
 
-  void findLogon() {
-    const LogPosition logon = findLogonLine();
+  void findLogon(std::string_view name) {
+    const LogPosition logon = findLogonLine(name);
     if (logon > 0) {
       m_record.LogonTime = text(logon - kStampBack, kStampLength);
       return;
     }
     const char* word = kNotLoggedIn;
     LogPosition decided = findFailure(word);
-    const LogPosition close = m_search.FindForwardLimited(Event::Close, m_session, m_end.position + kCloseReach);
+    const LogPosition close = m_search.FindForwardLimited(Event::Close, m_end.position + kCloseReach);
     const LogPosition quit = find(Event::Quit);
     if (decided == 0 && (close > 0 || quit > 0)) decided = (close > 0 ? close : quit) - 2;
     m_record.LogonTime.clear();
@@ -100,18 +102,17 @@ class Finder {
     m_record.LogonTime += word;
   }
 
-  LogPosition findLogonLine() {
-    if (m_record.Name == "anonymous") return find(Event::DashAnonymous);
-    if (m_record.Name == kQuit) return find(Event::DashClose);
-    if (m_record.Name != kNoUserFound) return m_search.FindLogonLine(m_session, m_record.Name, m_end.position);
+  LogPosition findLogonLine(std::string_view name) {
+    if (name == "anonymous") return find(Event::DashAnonymous);
+    if (name == kQuit) return find(Event::DashClose);
+    if (name != kNoUserFound) return m_search.FindLogonLine(name, m_end.position);
     return findOwnConnectLine();
   }
 
   /// Searched from 20 bytes before the connect mark, so that a usual connect line finds itself.
   LogPosition findOwnConnectLine() {
     if (m_session.hasDash) return m_session.position - (kSessionNumberLength + 1);
-    return m_search.FindForwardLimited(Event::DashConnect, m_session, m_end.position,
-                                       m_session.position - kStampLength);
+    return m_search.FindForwardLimited(Event::DashConnect, m_end.position, m_session.position - kStampLength);
   }
 
   /// The line that refused the logon, and the status word it stands for.
@@ -136,7 +137,7 @@ class Finder {
     return 0;
   }
 
-  LogPosition find(Event event) { return m_search.FindForwardLimited(event, m_session, m_end.position); }
+  LogPosition find(Event event) { return m_search.FindForwardLimited(event, m_end.position); }
 
   std::string_view text(LogPosition from, int count) {
     return m_search.window().text(from, static_cast<std::size_t>(count));
@@ -154,7 +155,7 @@ class Finder {
   const FindOptions m_options;
   FindObserver& m_observer;
   LogSearch m_search;
-  ConnectMark m_session;
+  const ConnectMark& m_session = m_search.session();
   SessionEnd m_end;
   UserAct m_record;
 };

@@ -31,12 +31,12 @@ UsersFileWriter::~UsersFileWriter() {
 }
 
 void UsersFileWriter::WriteSessionRecord(const UserAct& record, std::int32_t recordNumber) {
-  std::array<char, kRecordSize> slot{};
-  const auto size = encodeRecord(record, slot);
-  if (!size) return m_onFailure(record, recordNumber, {ErrorCode::BadRecordLength, {}});
-  const auto index = static_cast<std::size_t>(recordNumber - m_firstInBatch);
-  m_batch.resize(index * kRecordSize);
-  m_batch.append(slot.data(), *size);
+  const std::size_t before = m_batch.size();
+  const std::size_t at = static_cast<std::size_t>(recordNumber - m_firstInBatch) * kRecordSize;
+  m_batch.resize(at + kRecordSize);
+  const std::size_t size = encodeRecord(record, std::span(m_batch).subspan(at));
+  m_batch.resize(size != 0 ? at + size : before);
+  if (size == 0) return m_onFailure(record, recordNumber, {ErrorCode::BadRecordLength, {}});
   if (m_batch.size() < kBatchSize) return;
   m_firstInBatch = recordNumber + 1;
   m_writer.append(m_batch);

@@ -31,7 +31,7 @@ TEST(RecordFormat, HoldsAsMuchAsTheSlot) {
   EXPECT_EQ(decodeRecord({slot.data(), slot.size()}), record);
   slot.fill('#');
   record.IP.push_back('1');
-  EXPECT_FALSE(encodeRecord(record, slot));
+  EXPECT_EQ(encodeRecord(record, slot), 0u);
   EXPECT_EQ(std::string(slot.data(), slot.size()), std::string(kRecordSize, '#')) << "the slot is left alone";
 }
 

@@ -13,9 +13,9 @@ void checkSlot(std::string_view slot) {
   require(record.has_value() == decodeTreeIndex(slot).has_value(), "a record has a tree index");
   if (!record) return;
   std::string written(slot.size(), '#');
-  const auto length = encodeRecord(*record, written);
-  require(length.has_value(), "a record that was read has room in its slot");
-  require(written.substr(0, *length) == slot.substr(0, *length), "a record is written as it was read");
+  const std::size_t length = encodeRecord(*record, written);
+  require(length != 0, "a record that was read has room in its slot");
+  require(written.substr(0, length) == slot.substr(0, length), "a record is written as it was read");
 }
 
 void checkFile(MemoryFiles& files, std::int32_t newIndex) {

@@ -23,16 +23,15 @@ bool isHit(ScanFor what, std::string_view at) {
 TEST(ByteScan, FindsWhatOneByteAtATimeFinds) {
   // Few different bytes, so that hits lie close together, also across the ends of what is read at once.
   constexpr std::string_view kBytes = ")- SsEeRrUuQq5Aaxc\n";
-  constexpr std::size_t kCounts[] = {0, 1, 15, 16, 31, 32, 33, 63, 200, 4095, 4096, 4097, 20000};
   const ByteScanVariant portable = portableByteScan();
   const ByteScanFunction portableScans[] = {portable.sessionEvents, portable.sessionLines, portable.transfers};
   std::mt19937 random(7);
   for (const ScanFor what : {ScanFor::SessionEvents, ScanFor::SessionLines, ScanFor::Transfers}) {
-    for (const std::size_t count : kCounts) {
+    for (const std::size_t count : {0u, 1u, 15u, 16u, 31u, 32u, 33u, 63u, 200u, 4095u, 4096u, 4097u, 20000u}) {
       std::string bytes(count + kScanSlack, ')');
-      std::vector<std::uint32_t> expected;
       for (std::size_t i = 0; i < count; ++i)
         bytes[i] = kBytes[random() % kBytes.size()];
+      std::vector<std::uint32_t> expected;
       for (std::uint32_t i = 0; i < count; ++i)
         if (isHit(what, std::string_view(bytes).substr(i))) expected.push_back(i);
       std::vector<std::uint32_t> found;

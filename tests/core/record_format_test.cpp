@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <string>
-
 #include "tests/support/records.h"
 
 namespace quorvel {
@@ -17,22 +14,21 @@ const std::string kBytes = "\x04\x03\x02\x01\x05\0al\xEF\0e\x08\0(000012)\x08\0"
                            "\x05\0\0\0\xFE\xFF\xFF\xFF"s;
 
 TEST(RecordFormat, IsLittleEndianPackedAndInFieldOrder) {
-  std::array<char, kRecordSize> slot{};
-  ASSERT_EQ(encodeRecord(kRecord, slot), kBytes.size());
-  EXPECT_EQ(std::string(slot.data(), kBytes.size()), kBytes);
-  EXPECT_EQ(decodeRecord({slot.data(), slot.size()}), kRecord);
+  std::string slot(kRecordSize, '#');
+  EXPECT_EQ(encodeRecord(kRecord, slot), kBytes.size());
+  EXPECT_EQ(slot, kBytes + std::string(kRecordSize - kBytes.size(), '#'));
+  EXPECT_EQ(decodeRecord(slot), kRecord);
 }
 
 TEST(RecordFormat, HoldsAsMuchAsTheSlot) {
-  std::array<char, kRecordSize> slot;
+  std::string slot(kRecordSize, '#');
   UserAct record;
-  record.Name.assign(kRecordSize - kRecordOverhead, 'n');
-  EXPECT_EQ(encodeRecord(record, slot), kRecordSize);
-  EXPECT_EQ(decodeRecord({slot.data(), slot.size()}), record);
-  slot.fill('#');
-  record.IP.push_back('1');
+  record.Name.assign(kRecordSize - kRecordOverhead + 1, 'n');
   EXPECT_EQ(encodeRecord(record, slot), 0u);
-  EXPECT_EQ(std::string(slot.data(), slot.size()), std::string(kRecordSize, '#')) << "the slot is left alone";
+  EXPECT_EQ(slot, std::string(kRecordSize, '#')) << "the slot is left alone";
+  record.Name.pop_back();
+  EXPECT_EQ(encodeRecord(record, slot), kRecordSize);
+  EXPECT_EQ(decodeRecord(slot), record);
 }
 
 TEST(RecordFormat, RefusesDamage) {

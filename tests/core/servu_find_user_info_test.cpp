@@ -17,11 +17,8 @@ std::vector<UserAct> find(const std::string& log, bool trunkLongUsernames = true
   return records;
 }
 
-std::string stamp(const std::string& time) {
-  return "Mon 05Mar01 " + time;
-}
 std::string at(const std::string& time, const std::string& text) {
-  return stamp(time) + " - " + text + "\r\n";
+  return "Mon 05Mar01 " + time + " - " + text + "\r\n";
 }
 
 const std::string kConnect = at("10:15:02", "(000012) Connected to 10.0.0.5 (Local address 10.0.0.1)");
@@ -33,8 +30,10 @@ const std::string kStart = at("10:30:00", "Starting FTP Server...");
 
 TEST(ServuFindUserInfo, DecidesNameLogonAndLogoff) {
   const auto refused = [](const std::string& text) { return kUser + at("10:15:05", "(000012) 530 " + text) + kClose; };
-  const std::string end = stamp("10:20:41");
-  const std::string logon = stamp("10:15:05");
+  const std::string connect = "Mon 05Mar01 10:15:02";
+  const std::string logon = "Mon 05Mar01 10:15:05";
+  const std::string quit = "Mon 05Mar01 10:20:40";
+  const std::string end = "Mon 05Mar01 10:20:41";
   const struct {
     std::string log, name, logon, logoff;
   } cases[] = {
@@ -46,21 +45,20 @@ TEST(ServuFindUserInfo, DecidesNameLogonAndLogoff) {
       {refused("Not logged in - cannot find home directory."), "alice", logon + kHomeDirNotFound, end},
       {refused("Too many users."), "alice", logon + kNotLoggedIn, end},
       {kUser + kQuitLine + kClose, "alice", end + kNotLoggedIn, end},
-      {kUser + kQuitLine, "QUIT", stamp("10:20:40") + kNotLoggedIn, kNotLoggedOut},
+      {kUser + kQuitLine, "QUIT", quit + kNotLoggedIn, kNotLoggedOut},
       {kUser, "alice", kNotLoggedIn, kNotLoggedOut},
       {kClose + kUser, "alice", end + kNotLoggedIn, end},
-      {"", "NO_USER_FOUND", stamp("10:15:02"), kNotLoggedOut},
+      {"", "NO_USER_FOUND", connect, kNotLoggedOut},
       {at("10:15:05", "(000012) user anonymous") + at("10:15:05", "(000012) Anonymous logged in"), "anonymous", logon,
        kNotLoggedOut},
-      {std::string(4000, '.') + "\r\n" + kUser + kLogon, "NO_USER_FOUND", stamp("10:15:02"), kNotLoggedOut},
+      {std::string(4000, '.') + "\r\n" + kUser + kLogon, "NO_USER_FOUND", connect, kNotLoggedOut},
       {at("10:15:03", "(000013) USER bob") + kClose, "QUIT", end, end},
   };
   for (const auto& c : cases) {
     const auto records = find(kConnect + c.log);
     ASSERT_EQ(records.size(), 1u) << c.log;
-    EXPECT_EQ(records[0].Name, c.name) << c.log;
-    EXPECT_EQ(records[0].LogonTime, c.logon) << c.log;
-    EXPECT_EQ(records[0].LogoffTime, c.logoff) << c.log;
+    const UserAct& found = records[0];
+    EXPECT_EQ(std::tie(found.Name, found.LogonTime, found.LogoffTime), std::tie(c.name, c.logon, c.logoff)) << c.log;
   }
 }
 

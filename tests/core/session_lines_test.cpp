@@ -3,17 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
-#include <utility>
-#include <vector>
-
-#include "tests/support/temp_folder.h"
+#include "tests/reference/comparison.h"
+#include "tests/support/memory_log.h"
 
 namespace quorvel::test {
 namespace {
 
 struct OneLine : SessionLineConsumer {
-  int sessions = 0;
+  std::size_t sessions = 0;
   int lines = 0;
 
   bool beginSession(const UserAct&) override { return ++sessions != 0; }
@@ -22,35 +19,32 @@ struct OneLine : SessionLineConsumer {
   bool keepGoing(std::uint64_t) override { return true; }
 };
 
+/// A session of the number 1 for each of the positions.
+std::vector<UserAct> sessionsAt(std::initializer_list<std::int32_t> positions) {
+  std::vector<UserAct> sessions;
+  for (const std::int32_t position : positions)
+    sessions.push_back({position, "", "(000001)", "", "", "", "", 1, 0});
+  return sessions;
+}
+
 TEST(SessionLines, EndTheReadingAheadWithTheLastSession) {
-  const TempFolder folder;
   std::string text;
   for (int line = 0; line < 50'000; ++line)
     text += "- (000001) NOOP\r\n";
-  const auto log = LogFile::open(systemFiles(), folder.write("ftp.log", text));
+  const LogFile log = openLog(text);
+  const auto sessions = sessionsAt({51});
   for (int run = 0; run < 50; ++run) {
     OneLine consumer;
-    std::optional<UserAct> next = UserAct{51, "", "(000001)", "", "", "", "", 1, 0};
-    const SessionSource source = [&next] { return std::exchange(next, std::nullopt); };
-    ASSERT_TRUE(readSessionLines(log.value(), source, consumer, 4096).isOk());
+    ASSERT_TRUE(readSessionLines(log, sourceOf(sessions), consumer, 4096).isOk());
     EXPECT_EQ(consumer.lines, 1);
   }
 }
 
 TEST(SessionLines, ComeToAnEndWhereverDamagedRecordsPoint) {
-  const TempFolder folder;
-  const auto log = LogFile::open(systemFiles(), folder.write("ftp.log", std::string(200, '.')));
-  std::vector<std::int32_t> positions = {-1, -2'147'483'647 - 1, 0, 2'147'483'647, 60, -7, 51};
-  const auto expected = static_cast<int>(positions.size());
+  const auto sessions = sessionsAt({51, -7, 60, 2'147'483'647, 0, -2'147'483'647 - 1, -1});
   OneLine consumer;
-  const SessionSource source = [&positions]() -> std::optional<UserAct> {
-    if (positions.empty()) return std::nullopt;
-    const UserAct session{positions.back(), "", "(000001)", "", "", "", "", 1, 0};
-    positions.pop_back();
-    return session;
-  };
-  EXPECT_TRUE(readSessionLines(log.value(), source, consumer).isOk());
-  EXPECT_EQ(consumer.sessions, expected);
+  EXPECT_TRUE(readSessionLines(openLog(std::string(200, '.')), sourceOf(sessions), consumer).isOk());
+  EXPECT_EQ(consumer.sessions, sessions.size());
 }
 
 }  // namespace

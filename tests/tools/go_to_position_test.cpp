@@ -2,43 +2,30 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/temp_folder.h"
+#include "tests/support/memory_files.h"
 
 namespace quorvel::test {
 namespace {
 
-class GoToPosition : public ::testing::Test {
- protected:
-  /// A text in which every place tells where it is from: the numbers from 10000 on.
-  GoToPosition() {
-    for (int number = 10'000; text.size() < 12'000; ++number)
-      text += std::to_string(number);
-    log = folder.write("a.log", text);
-  }
-  std::optional<std::string> at(std::string_view position) { return textAroundPosition(systemFiles(), log, position); }
-  /// Bytes [from, to] counted from 1, as they stand in the log.
-  std::string bytes(std::size_t from, std::size_t to) const { return text.substr(from - 1, to - from + 1); }
-
-  TempFolder folder;
-  std::string text;
-  std::filesystem::path log;
-};
-
-TEST_F(GoToPosition, ShowsTheBytesBeforeAndFromThePosition) {
-  EXPECT_EQ(at(" 5000 "), bytes(4500, 4999) + "\r\n\r\n" + bytes(5000, 9499));
-  for (const char* position : {"0", "1000", "1001", "-2147483648"})
-    EXPECT_EQ(at(position), bytes(501, 1000) + "\r\n\r\n" + bytes(1001, 5500)) << position;
-  EXPECT_EQ(at("1002"), bytes(502, 1001) + "\r\n\r\n" + bytes(1002, 5501));
-  EXPECT_EQ(at("12000"), bytes(11500, 11999) + "\r\n\r\n" + bytes(12000, 12000));
-  EXPECT_EQ(at("12300"), bytes(11800, 12000) + "\r\n\r\n");
-  EXPECT_EQ(at("2147483647"), "\r\n\r\n");
-}
-
-TEST_F(GoToPosition, StaysSilentWhenNothingCanBeShown) {
+TEST(GoToPosition, ShowsTheBytesBeforeAndFromThePosition) {
+  std::string text;  // every place in it tells where it is from
+  for (int number = 10'000; text.size() < 12'000; ++number)
+    text += std::to_string(number);
+  MemoryFiles files;
+  files.put("a.log", text);
+  const struct {
+    std::string position;
+    std::size_t from, at, behind;  ///< bytes from 1
+  } cases[] = {{" 5000 ", 4500, 5000, 9500},   {"0", 501, 1001, 5501},     {"1000", 501, 1001, 5501},
+               {"1001", 501, 1001, 5501},      {"1002", 502, 1002, 5502},  {"-2147483648", 501, 1001, 5501},
+               {"12000", 11500, 12000, 12001}, {"12300", 11800, 12001, 0}, {"2147483647", 12001, 12001, 0}};
+  for (const auto& [position, from, at, behind] : cases)
+    EXPECT_EQ(textAroundPosition(files, "a.log", position),
+              text.substr(from - 1, at - from) + "\r\n\r\n" + text.substr(at - 1, behind - at))
+        << position;
   for (const char* position : {"", "abc", "12x", "5000.5", "2147483648", "-2147483649", "99999999999999999999"})
-    EXPECT_EQ(at(position), std::nullopt) << position;
-  for (const auto& path : {std::filesystem::path(), folder / "missing.log", folder.path()})
-    EXPECT_EQ(textAroundPosition(systemFiles(), path, "5000"), std::nullopt) << path;
+    EXPECT_EQ(textAroundPosition(files, "a.log", position), std::nullopt) << position;
+  EXPECT_EQ(textAroundPosition(files, "missing.log", "5000"), std::nullopt);
 }
 
 }  // namespace

@@ -2,17 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/temp_folder.h"
+#include "tests/support/memory_files.h"
 
 namespace quorvel::test {
 namespace {
 
 TEST(ShortInfo, KeepsItsColumnsForManyLinesAndLongValues) {
-  const TempFolder folder;
-  const auto path = folder.write("table.txt", std::string(5000, 'o'));  // is replaced
+  MemoryFiles files;
+  files.put("table.txt", std::string(5000, 'o'));  // is replaced
   const UserAct session{7, "two\r\nlines" + std::string(40, 'x'), "(000012)", "", "", "", "", 1, 2};
-  auto table = ShortInfoTable::create(systemFiles(), path, ShortInfoChoice().set(0).set(4));
-  ASSERT_TRUE(table.isOk());
+  auto table = ShortInfoTable::create(files, "table.txt", ShortInfoChoice().set(0).set(4));
   table.value().WriteShortInfoHeader("/logs/a.log", {"2005-03-01", "10:15:02"});
   std::string expected =
       "Log:       /logs/a.log\r\nProcessed: 2005-03-01 10:15:02\r\n\r\nName" + std::string(30, ' ') + "No       \r\n";
@@ -21,7 +20,7 @@ TEST(ShortInfo, KeepsItsColumnsForManyLinesAndLongValues) {
     expected += "two  lines" + std::string(24, 'x') + "(000012) \r\n";
   }
   EXPECT_TRUE(table.value().flush().isOk());
-  EXPECT_EQ(folder.read("table.txt"), expected);
+  EXPECT_EQ(files.content("table.txt"), expected);
 }
 
 }  // namespace

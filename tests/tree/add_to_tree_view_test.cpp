@@ -6,56 +6,10 @@
 #include <random>
 
 #include "core/record_format.h"
-#include "tests/support/temp_folder.h"
-#include "tests/tree/tree_text.h"
+#include "tests/support/memory_files.h"
 
 namespace quorvel::test {
 namespace {
-
-/// A users file and the tree built from it.
-class AddToTreeViewTest : public testing::Test {
- protected:
-  void write(const std::vector<UserAct>& records) {
-    (void)systemFiles().remove(path);
-    UsersFileWriter writer(systemFiles(), path, [](const UserAct&, std::int32_t, const Error&) { FAIL(); });
-    std::int32_t recordNumber = 0;
-    for (const UserAct& record : records)
-      writer.WriteSessionRecord(record, ++recordNumber);
-  }
-  void build(int layout, bool displaysQuitUsers = true) {
-    auto users = UsersFile::open(systemFiles(), path, OpenMode::ReadWrite);
-    ASSERT_TRUE(users.isOk());
-    AddToTreeView(users.value(), {layout, displaysQuitUsers}, tree, [] { return true; });
-  }
-  /// What the file holds, read from its end.
-  [[nodiscard]] std::vector<UserAct> records() const {
-    auto users = std::move(UsersFile::open(systemFiles(), path).value());
-    std::vector<UserAct> all(static_cast<std::size_t>(users.recordCount()));
-    for (std::int32_t n = users.recordCount(); n > 0; --n)
-      all[static_cast<std::size_t>(n - 1)] = users.read(n).value();
-    return all;
-  }
-
-  TempFolder folder;
-  std::filesystem::path path = folder / "users.qva";
-  SessionTree tree;
-};
-
-TEST_F(AddToTreeViewTest, PassesOverRecordsThatAreDamagedOrCut) {
-  write({{1, "ann", "", "i", "", "T1", "", 1, 0},
-         {2, "bob", "", "i", "", "T2", "", 2, 0},
-         {3, "c", "", "", "", "", "", 3, 0}});
-  std::string bytes = folder.read("users.qva");
-  bytes[5] = '\xFF';  // the name's length word points behind the record
-  bytes.resize(recordOffset(3) + 9);
-  folder.write("users.qva", bytes);
-  build(0);
-  EXPECT_EQ(treeText(tree), "1 bob\n  2 T2\n");
-  UserAct shown = *decodeRecord(std::string_view(bytes).substr(recordOffset(2)));
-  shown.TreeIndex = 2;
-  ASSERT_NE(encodeRecord(shown, std::span(bytes).subspan(recordOffset(2))), 0u);
-  EXPECT_EQ(folder.read("users.qva"), bytes) << "nothing else is written";
-}
 
 /// The rules of the four layouts written down without any economy: every key in a map.
 struct PlainTree {
@@ -95,29 +49,44 @@ std::string randomText(std::mt19937& random) {
   return text;
 }
 
-TEST_F(AddToTreeViewTest, AgreesWithThePlainRulesOnRandomSessions) {
+/// A users file of random sessions, with damaged records among them.
+std::string randomUsers(std::mt19937& random) {
+  std::string bytes((1 + random() % 3000) * kRecordSize, '\0');
+  for (std::size_t at = 0; at < bytes.size(); at += kRecordSize) {
+    UserAct record;
+    for (std::string* part : {&record.Name, &record.IP, &record.LogonTime})
+      *part = randomText(random);
+    EXPECT_NE(encodeRecord(record, std::span(bytes).subspan(at)), 0u);
+    if (random() % 50 == 0) bytes[at + 5] = '\xFF';  // the name's length word points behind the record
+  }
+  if (random() % 2 == 0) bytes.resize(bytes.size() - kRecordSize + 9);
+  return bytes;
+}
+
+TEST(AddToTreeView, AgreesWithThePlainRulesOnRandomSessions) {
   for (std::uint32_t seed = 1; seed <= 60; ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
-    std::vector<UserAct> expected(1 + random() % 3000);
-    for (UserAct& record : expected)
-      for (std::string* part : {&record.Name, &record.IP, &record.LogonTime})
-        *part = randomText(random);
-    write(expected);
     const int layout = static_cast<int>(seed % kTreeLayoutCount);
     const bool displaysQuitUsers = seed % 3 != 0;
-    build(layout, displaysQuitUsers);
+    std::string expected = randomUsers(random);
+    MemoryFiles files;
+    files.put("users.qva", expected);
+    SessionTree tree;
+    auto users = UsersFile::open(files, "users.qva", OpenMode::ReadWrite);
+    AddToTreeView(users.value(), {layout, displaysQuitUsers}, tree, [] { return true; });
 
     PlainTree plain;
     std::map<std::int32_t, std::int32_t> firstRecords;
-    std::int32_t recordNumber = 0;
-    for (UserAct& record : expected) {
-      ++recordNumber;
+    for (std::size_t at = 0; at < expected.size(); at += kRecordSize) {
+      const auto recordNumber = static_cast<std::int32_t>(at / kRecordSize + 1);
+      const auto slot = std::span(expected).subspan(at, std::min(kRecordSize, expected.size() - at));
+      const UserAct record = decodeRecord({slot.data(), slot.size()}).value_or(UserAct());
       if (displaysQuitUsers || record.Name != "QUIT") plain.add(layout, record, recordNumber);
-      record.TreeIndex = plain.count();
-      firstRecords.try_emplace(record.TreeIndex, recordNumber);
+      (void)encodeTreeIndex(plain.count(), slot);  // a damaged record is left as it is
+      firstRecords.try_emplace(plain.count(), recordNumber);
     }
-    ASSERT_EQ(records(), expected);
+    ASSERT_TRUE(files.content("users.qva") == expected);
     ASSERT_EQ(tree.nodeCount(), plain.count());
     for (std::int32_t node = 1; node <= tree.nodeCount(); ++node) {
       const auto& [parent, text] = plain.nodes[static_cast<std::size_t>(node - 1)];

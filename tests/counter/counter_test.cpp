@@ -1,9 +1,10 @@
-#include "counter/transfer_counter.h"
-
+// Counts are compared with the literal scan of a log; here is what only huge logs and numbers show.
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <limits>
 
+#include "counter/counter_result.h"
+#include "counter/transfer_counter.h"
 #include "tests/support/memory_log.h"
 
 namespace quorvel::test {
@@ -13,6 +14,7 @@ const std::string kSent =
     "[6] Wed 19Jan05 13:28:20 - (000001) Sent file C:\\a.zip successfully (12.5 Kb/sec - 40960 bytes)\r\n";
 const std::string kReceived =
     "[6] Wed 19Jan05 13:28:40 - (000001) Received file C:\\b successfully (3.1 Kb/sec - 1024 bytes)\r\n";
+
 struct Observer : CountObserver {
   void onFailedTransfer(std::string_view line, const TransferCount& totals) override {
     failed.push_back(std::to_string(totals.SendErrors + totals.ReceiveErrors) + ":" + std::string(line));
@@ -42,7 +44,6 @@ TEST(TransferCounter, CountsALineOnceWhateverItHolds) {
   Observer observer;
   for (const auto& [text, expected] : cases)
     EXPECT_EQ(countAll(text, observer), expected) << text;
-  EXPECT_EQ(countAll(kSent, observer, {.countBytes = false}), (TransferCount{1, 0, 0, 0, 0, 0}));
 }
 
 TEST(TransferCounter, FindsTokensAcrossBlocksUnlessStopped) {
@@ -67,6 +68,41 @@ TEST(TransferCounter, CountsLinesLongerThanItsMemory) {
     EXPECT_TRUE(observer.failed[0].starts_with("0:begin Error sending xxx"));
     EXPECT_TRUE(observer.failed[0].ends_with("xxx end"));
   }
+}
+
+constexpr auto kMax = std::numeric_limits<std::int64_t>::max();
+constexpr auto kMin = std::numeric_limits<std::int64_t>::min();
+
+// How numbers are read and written is compared with the C library in a fuzz target.
+TEST(FixedPoint, PrintsSumsOfAnySize) {
+  EXPECT_EQ(fixedPointSumText(-30'000, 5'000), "-2.5");
+  EXPECT_EQ(fixedPointSumText(kMax, kMax), "1844674407370955.1614");
+  EXPECT_EQ(fixedPointSumText(kMin, kMin), "-1844674407370955.1616");
+}
+
+TEST(TransferCount, NeverWrapsAround) {
+  constexpr auto kMost = std::numeric_limits<std::int32_t>::max();
+  TransferCount totals{kMost, kMost, kMost, kMost, kMax - 1, kMin + 1};
+  countOne(totals.SentFiles);
+  addBytes(totals.BytesSent, 2);
+  addBytes(totals.BytesReceived, -2);
+  EXPECT_EQ(totals, (TransferCount{kMost, kMost, kMost, kMost, kMax - 1, kMin + 1}));
+  addBytes(totals.BytesSent, 1);
+  addBytes(totals.BytesReceived, -1);
+  EXPECT_EQ(totals, (TransferCount{kMost, kMost, kMost, kMost, kMax, kMin}));
+  const std::string text = counterResultText(totals, {false, false, {}});
+  EXPECT_NE(text.find("transfers: 4294967294\r\n\r\nRETR errors: 2147483647\r\n"), std::string::npos) << text;
+}
+
+TEST(CounterResult, IsAppendedWithByteSumsAndTheHintWhateverIsCounted) {
+  MemoryFiles files;
+  files.put("out.txt", "old\r\n");
+  EXPECT_TRUE(AppendCounterResult(files, "out.txt", {2, 0, 0, 1, 15'000, 0}, "What", {false, true, "bad"}).isOk());
+  EXPECT_EQ(files.content("out.txt"),
+            "old\r\n\r\n\r\n\r\n-------------------------------\r\nCounter results: What\r\n\r\n"
+            "RETR - Server sends: 2 - (1.5 bytes)\r\nSTOR - Server receives: 0 - (0 bytes)\r\n"
+            "Total good transfers: 2 - (1.5 bytes)\r\n\r\nRETR errors: 0\r\nSTOR errors: 1\r\n"
+            "Total bad transfers: 1\r\nLook in the file:bad\r\nfor more info on the bad transfers.\r\n\r\n");
 }
 
 }  // namespace

@@ -159,9 +159,7 @@ std::string toWindows1252(std::string_view utf8) {
   while (!rest.empty()) {
     const auto codePoint = takeCodePoint(rest);
     if (!codePoint) return std::string(utf8);
-    const bool unassigned =
-        *codePoint == 0x81 || *codePoint == 0x8D || *codePoint == 0x8F || *codePoint == 0x90 || *codePoint == 0x9D;
-    bytes += unassigned ? static_cast<char>(*codePoint) : byteOf(*codePoint);
+    bytes += byteOf(*codePoint);
   }
   return bytes;
 }

@@ -73,9 +73,21 @@ TEST(TransferCounter, CountsLinesLongerThanItsMemory) {
 constexpr auto kMax = std::numeric_limits<std::int64_t>::max();
 constexpr auto kMin = std::numeric_limits<std::int64_t>::min();
 
-// How numbers are read and written is compared with the C library in a fuzz target.
-TEST(FixedPoint, PrintsSumsOfAnySize) {
-  EXPECT_EQ(fixedPointSumText(-30'000, 5'000), "-2.5");
+// Any text is compared with the C library in a fuzz target; here is how numbers are rounded and where they end.
+TEST(FixedPoint, ReadsAndPrintsNumbers) {
+  const std::pair<std::string, std::optional<std::int64_t>> numbers[] = {
+      {"0.00005", 0},
+      {"0.00015", 2},
+      {"0.00025", 2},
+      {"0.000051", 1},  // a half goes to the even one
+      {"922337203685477.58066", kMax},
+      {"-922337203685477.5808", kMin},
+      {"922337203685477.58075", std::nullopt},
+      {std::string(5'000, '0'), std::nullopt},
+      {std::string("1\0", 2), std::nullopt}};
+  for (const auto& [text, value] : numbers)
+    EXPECT_EQ(parseFixedPoint(text), value) << text;
+  EXPECT_EQ(fixedPointSumText(10'000, -5'000) + ' ' + fixedPointSumText(-30'000, 5'000), "0.5 -2.5");
   EXPECT_EQ(fixedPointSumText(kMax, kMax), "1844674407370955.1614");
   EXPECT_EQ(fixedPointSumText(kMin, kMin), "-1844674407370955.1616");
 }

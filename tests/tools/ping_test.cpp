@@ -123,6 +123,8 @@ TEST_F(PingTest, LoopbackAnswersOrTheRefusalIsOneLine) {
 TEST(EchoRequest, HasTheLayoutOfTheProtocol) {
   EXPECT_EQ(echoRequest(IpFamily::V4, {0x0102, "abc"}), "\x08\0\x32\x9b\0\0\x01\x02"s + "abc");
   EXPECT_EQ(echoRequest(IpFamily::V6, {0xFFFE, "abc"}), "\x80\0\0\0\0\0\xff\xfe"s + "abc");
+  for (const std::string& bad : {"\x81\0\0\0\0\0\0"s, "\x81\1\0\0\0\0\0\1"s})  // too short, of another code
+    EXPECT_FALSE(parseEchoReply(IpFamily::V6, bad));
 }
 
 TEST(HostOrAddress, AcceptsNamesAndAddressesOnly) {

@@ -1,9 +1,7 @@
-#include "ui/qt/menu_commands.h"
+#include "app/menu_commands.h"
 
 #include <algorithm>
 #include <array>
-
-#include "ui/qt/print_command.h"
 
 namespace quorvel {
 namespace {
@@ -33,6 +31,9 @@ constexpr std::array kCommands = {
     CommandLine{mnuCountUsersTransfers, &frmMain::mnuCountUsersTransfers_Click},
     CommandLine{mnuCountSessionsTransfers, &frmMain::mnuCountSessionsTransfers_Click},
     CommandLine{mnuTreeViewUncheckAll, &frmMain::mnuTreeViewUncheckAll_Click},
+    CommandLine{mnuWebVisitWebsite, &frmMain::mnuWebVisitWebsite_Click},
+    CommandLine{mnuWebSendEmail, &frmMain::mnuWebSendEmail_Click},
+    CommandLine{mnuWebReportBug, &frmMain::mnuWebReportBug_Click},
     CommandLine{mnuShowUsernameLogontime, &frmMain::mnuShowUsernameLogontime_Click},
     CommandLine{mnuShowUsernameIP, &frmMain::mnuShowUsernameIP_Click},
     CommandLine{mnuShowIPUsername, &frmMain::mnuShowIPUsername_Click},
@@ -45,8 +46,7 @@ constexpr std::array kCommands = {
 
 }  // namespace
 
-void runMenuCommand(MenuItem item, QWidget& window, frmMain& commands) {
-  if (item == mnuPrint) return mnuPrint_Click(window, commands);
+void runMenuCommand(MenuItem item, frmMain& commands) {
   const auto* const line =
       std::find_if(kCommands.begin(), kCommands.end(), [item](const CommandLine& c) { return c.item == item; });
   if (line != kCommands.end()) (commands.*line->run)();

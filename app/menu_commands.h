@@ -4,11 +4,9 @@
 #include "app/main_window.h"
 #include "ui/view.h"
 
-class QWidget;
-
 namespace quorvel {
 
-/// Runs the item's command. Items without one (tools, Exit) do nothing.
-void runMenuCommand(MenuItem item, QWidget& window, frmMain& commands);
+/// Runs the item's command. Items without one (Exit, and those that open a dialog of the view's own) do nothing.
+void runMenuCommand(MenuItem item, frmMain& commands);
 
 }  // namespace quorvel

@@ -6,9 +6,9 @@
 #include <QShortcut>
 #include <QStatusBar>
 
+#include "app/menu_commands.h"
 #include "app/program.h"
 #include "ui/qt/main_panes.h"
-#include "ui/qt/menu_commands.h"
 #include "ui/qt/menus.h"
 #include "ui/qt/one_line_label.h"
 #include "ui/qt/progress_row.h"
@@ -43,8 +43,6 @@ MainWindow::MainWindow(FileDialogs& dialogs)
   connect(&m_panes->progress(), &ProgressRow::stopRequested, this, [this] { onChosen(MenuItem::mnuStop); });
   connect(m_menus, &Menus::chosen, this, &MainWindow::onChosen);
   connectTree();
-  for (const MenuItem item : toolItems())
-    m_menus->enable(item, toolFor(item) != nullptr);
 }
 
 MainWindow::~MainWindow() {
@@ -94,7 +92,7 @@ void MainWindow::onChosen(MenuItem item) {
   if (m_commands == nullptr) return;
   if (item == MenuItem::mnuExit) return closeWindow();
   if (const Tool tool = toolFor(item)) return tool(*this, *m_commands);
-  runMenuCommand(item, *this, *m_commands);
+  runMenuCommand(item, *m_commands);
 }
 
 void MainWindow::onTreeMenuRequested(const QPoint& position) {

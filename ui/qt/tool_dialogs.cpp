@@ -11,6 +11,7 @@
 #include "ui/qt/computer_ip_dialog.h"
 #include "ui/qt/goto_position_dialog.h"
 #include "ui/qt/options_dialog.h"
+#include "ui/qt/print_command.h"
 #include "ui/qt/text_viewer.h"
 
 namespace quorvel {
@@ -49,12 +50,6 @@ void openAbout(QWidget& window, frmMain& commands) {
   frmAbout(commands.state().programFolder, &window).exec();
 }
 
-/// The web menu's commands have no dialog: they hand an address to the desktop.
-template <void (frmMain::*command)()>
-void openWeb(QWidget&, frmMain& commands) {
-  (commands.*command)();
-}
-
 struct ToolLine {
   MenuItem item;
   Tool open;
@@ -63,13 +58,11 @@ struct ToolLine {
 using enum MenuItem;
 
 constexpr std::array kTools = {
+    ToolLine{mnuPrint, mnuPrint_Click},
     ToolLine{mnuGotoPosition, openGotoPosition},
     ToolLine{mnuGetComputersIP, openComputerIP},
     ToolLine{mnuOptions, openOptions},
     ToolLine{mnuHelpCommandLineReference, openReference},
-    ToolLine{mnuWebVisitWebsite, openWeb<&frmMain::mnuWebVisitWebsite_Click>},
-    ToolLine{mnuWebSendEmail, openWeb<&frmMain::mnuWebSendEmail_Click>},
-    ToolLine{mnuWebReportBug, openWeb<&frmMain::mnuWebReportBug_Click>},
     ToolLine{mnuAbout, openAbout},
 };
 
@@ -79,13 +72,6 @@ Tool toolFor(MenuItem item) {
   const auto* const line =
       std::find_if(kTools.begin(), kTools.end(), [item](const ToolLine& tool) { return tool.item == item; });
   return line == kTools.end() ? nullptr : line->open;
-}
-
-std::vector<MenuItem> toolItems() {
-  std::vector<MenuItem> items;
-  for (const ToolLine& line : kTools)
-    items.push_back(line.item);
-  return items;
 }
 
 }  // namespace quorvel

@@ -39,14 +39,15 @@ inline std::string logLines(std::string_view part) {
   return text;
 }
 
-/// Fresh settings in a folder of their own, the log's sessions in the tree, and every yield taken.
-class ScannedLogTest : public testing::Test {
- protected:
-  ScannedLogTest() {
+/// The main window with fresh settings and the log in a folder of its own, and every yield taken.
+struct LogWindow {
+  LogWindow() {
+    folder.write("a.log", logLines(""));
     settings.WriteDefaultSettingsFile();
-    window.useLog(folder.write("a.log", logLines("")), "a.log", LogType::ServU);
+  }
+  void scan() {
+    window.useLog(folder / "a.log", "a.log", LogType::ServU);
     window.mnuFindUsers_Click();
-    view.forgetCalls();
   }
 
   TempFolder folder;
@@ -55,13 +56,16 @@ class ScannedLogTest : public testing::Test {
   Pacer pacer{Pacer::Clock::duration::zero()};
   frmMain window{systemFiles(), settings, view, pacer, folder.path()};
   MainWindowState& state = window.state();
-  CommandContext& context = window.context();
+};
+
+/// The log's sessions are in the tree.
+class ScannedLogTest : public testing::Test, protected LogWindow {
+ protected:
+  ScannedLogTest() { scan(); }
 };
 
 // Nodes of the tree in the layout of fresh settings.
-inline constexpr std::int32_t kAliceNode = 1;
 inline constexpr std::int32_t kFirstSession = 2;
-inline constexpr std::int32_t kBobNode = 3;
 inline constexpr std::int32_t kSecondSession = 4;
 inline constexpr std::int32_t kThirdSession = 5;
 

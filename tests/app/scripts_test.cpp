@@ -1,9 +1,11 @@
 // Plays the scripts of this folder: menu items are chosen, and the calls that the window gets are written down.
 #include <array>
+#include <functional>
 #include <map>
+#include <optional>
 #include <regex>
 
-#include "app/main_window.h"
+#include "app/menu_commands.h"
 #include "app/options.h"
 #include "tests/app/scanned_log.h"
 #include "tests/support/records.h"
@@ -13,38 +15,12 @@
 namespace quorvel::test {
 namespace {
 
-using Item = void (frmMain::*)();
-const std::map<std::string, Item> kItems = {
-    {"load", &frmMain::load},
-    {"unload", &frmMain::unload},
-    {"mnuOpenLogFile", &frmMain::mnuOpenLogFile_Click},
-    {"mnuSaveShortInfo", &frmMain::mnuSaveShortInfo_Click},
-    {"mnuSaveFilterWindow", &frmMain::mnuSaveFilterWindow_Click},
-    {"mnuFindUsers", &frmMain::mnuFindUsers_Click},
-    {"mnuStop", &frmMain::mnuStop_Click},
-    {"mnuFilterAll", &frmMain::mnuFilterAll_Click},
-    {"mnuFilterSelected", &frmMain::mnuFilterSelected_Click},
-    {"mnuFilterIP", &frmMain::mnuFilterIP_Click},
-    {"mnuFilterUser", &frmMain::mnuFilterUser_Click},
-    {"mnuFilterSession", &frmMain::mnuFilterSession_Click},
-    {"mnuReloadTreeView", &frmMain::mnuReloadTreeView_Click},
-    {"toggleAutoFilter", &frmMain::toggleAutoFilter},
-    {"mnuCountAllTransfers", &frmMain::mnuCountAllTransfers_Click},
-    {"mnuCountSelectedSessions", &frmMain::mnuCountSelectedSessions_Click},
-    {"mnuCountIPTransfers", &frmMain::mnuCountIPTransfers_Click},
-    {"mnuCountUsersTransfers", &frmMain::mnuCountUsersTransfers_Click},
-    {"mnuCountSessionsTransfers", &frmMain::mnuCountSessionsTransfers_Click},
-    {"rightButton", &frmMain::TreeView1_RightButton},
-    {"mnuShowUsernameLogontime", &frmMain::mnuShowUsernameLogontime_Click},
-    {"mnuShowUsernameIP", &frmMain::mnuShowUsernameIP_Click},
-    {"mnuShowIPUsername", &frmMain::mnuShowIPUsername_Click},
-    {"mnuShowIPLogontime", &frmMain::mnuShowIPLogontime_Click},
-    {"mnuShowCheckboxes", &frmMain::mnuShowCheckboxesInTreeView_Click},
-    {"mnuTreeViewUncheckAll", &frmMain::mnuTreeViewUncheckAll_Click},
-    {"mnuWebVisitWebsite", &frmMain::mnuWebVisitWebsite_Click},
-    {"mnuWebSendEmail", &frmMain::mnuWebSendEmail_Click},
-    {"mnuWebReportBug", &frmMain::mnuWebReportBug_Click},
-};
+/// The menu item of a name.
+std::optional<MenuItem> menuItem(const std::string& name) {
+  for (int item = 0; item <= static_cast<int>(MenuItem::mnuPopupCountSessionsTransfers); ++item)
+    if (menuItemName(static_cast<MenuItem>(item)) == name) return static_cast<MenuItem>(item);
+  return std::nullopt;
+}
 
 /// Calls that come with every command.
 bool isUsual(std::string_view call) {
@@ -53,37 +29,33 @@ bool isUsual(std::string_view call) {
   return std::any_of(kUsual.begin(), kUsual.end(), [call](auto start) { return call.starts_with(start); });
 }
 
-/// The next word of a line.
-template <typename T = std::string>
-T next(std::istream& in) {
-  T value{};
-  in >> value;
-  return value;
-}
-
-/// The rest of the line, in which "\r\n" stands for a line end.
-std::string rest(std::istream& in) {
-  std::string text;
-  std::getline(in >> std::ws, text);
-  return std::regex_replace(text, std::regex(R"(\\r\\n)"), "\r\n");
-}
-
-/// The program in a folder of its own, with a log of three sessions. "> x" does something and answers with the calls
-/// the window got, ">> x" also with the usual ones, "- x" does it and answers nothing, "? x" looks at something, as "?
-/// disabled" does at the menus.
-class Player {
+/// What a line of a script says, word by word.
+class Words {
  public:
-  Player() {
-    folder.write("a.log", logLines(""));
-    settings.WriteDefaultSettingsFile();
-  }
+  explicit Words(const std::string& line) : m_line(line) {}
 
+  /// All from word n on, counted from 0, in which "\r\n" stands for a line end.
+  [[nodiscard]] std::string from(std::size_t n) const {
+    const std::regex start("^(\\S+\\s*){" + std::to_string(n) + "}");
+    return std::regex_replace(std::regex_replace(m_line, start, ""), std::regex(R"(\\r\\n)"), "\r\n");
+  }
+  [[nodiscard]] std::string word(std::size_t n) const { return from(n).substr(0, from(n).find(' ')); }
+  [[nodiscard]] int number(std::size_t n) const { return std::stoi(word(n)); }
+
+ private:
+  std::string m_line;
+};
+
+/// "> x" does something and answers with the calls the window got, ">> x" also with the usual ones, "- x" does it and
+/// answers nothing, "? x" looks at something, as "? disabled" does at the menus.
+class Player : LogWindow {
+ public:
   std::string act(const std::string& line) {
-    std::istringstream in(line);
-    const auto kind = next(in);
-    if (kind == "?") return shown(kQuestions.at(next(in))(*this, in));
+    const std::string kind = line.substr(0, line.find(' '));
+    const Words words(line.substr(kind.size() + 1));
+    if (kind == "?") return shown(m_questions.at(words.word(0))(words));
     view.forgetCalls();
-    perform(in);
+    perform(words);
     std::string calls;
     for (const std::string& call : view.calls()) {
       if (kind == "-" || call == "yield" || call.starts_with("running") || call.starts_with("enable")) continue;
@@ -93,15 +65,9 @@ class Player {
   }
 
  private:
-  using Verb = void (*)(Player&, std::istream&);
-  using Question = std::string (*)(Player&, std::istream&);
-  static const std::map<std::string, Verb> kVerbs;
-  static const std::map<std::string, Question> kQuestions;
-
-  void perform(std::istream& in) {
-    const auto verb = next(in);
-    if (const auto item = kItems.find(verb); item != kItems.end()) return (window.*item->second)();
-    kVerbs.at(verb)(*this, in);
+  void perform(const Words& words) {
+    if (const auto item = menuItem(words.word(0))) return runMenuCommand(*item, window);
+    m_verbs.at(words.word(0))(words);
   }
   /// Names of folders and times of today made the same everywhere.
   [[nodiscard]] std::string shown(const std::string& text) const {
@@ -109,15 +75,27 @@ class Player {
     return std::regex_replace(here, std::regex(R"(\d{4}-\d\d-\d\d( +Time: | )\d\d:\d\d:\d\d)"), "DATE$1TIME");
   }
 
-  // What is asked for.
+  /// What a file dialog was asked for.
   [[nodiscard]] std::string request() const {
     const FileRequest& last = view.fileRequests().back();
     return '"' + last.title + "\" " + last.filter + ' ' + std::to_string(last.filterIndex) + ' ' +
            last.folder.string() + (last.fileMustExist ? " must exist" : "") +
            (last.asksBeforeOverwriting ? " asks before overwriting" : "");
   }
+  [[nodiscard]] std::string messageBox() const {
+    const Message& last = view.messages().back();
+    return last.title + " buttons " + std::to_string(static_cast<int>(last.buttons));
+  }
+  /// Those lines of a file that hold a text.
+  [[nodiscard]] std::string linesWith(const std::string& name, const std::string& text) const {
+    std::istringstream lines(linesOf(folder.read(name)));
+    std::string found;
+    for (std::string line; std::getline(lines, line);)
+      if (line.find(text) != std::string::npos) found += line + "\n";
+    return found;
+  }
   /// The sessions' names and nodes.
-  [[nodiscard]] std::string names(const std::string& name) const {
+  [[nodiscard]] std::string sessions(const std::string& name) const {
     auto users = UsersFile::open(systemFiles(), folder / name);
     std::string text;
     for (std::int32_t n = 1; users.isOk() && n <= users.value().recordCount(); ++n) {
@@ -159,125 +137,87 @@ class Player {
     text += controls.comboBox.isVisible ? std::to_string(controls.comboBox.selected) + ' ' : "";
     return text + controls.unitLabel.text + "\n" + linesOf(controls.footnote.text);
   }
+  /// Does something else at a yield, counted from 1.
+  void performAtYield(int number, const Words& words) {
+    view.atYield(view.yieldCount() + number, [this, words] { perform(words); });
+  }
+  void rewriteUnnoticed(const std::filesystem::path& path) const {
+    const auto time = std::filesystem::last_write_time(path);
+    folder.write(path.filename().string(), std::string(std::filesystem::file_size(path), ' '));
+    std::filesystem::last_write_time(path, time);
+  }
 
-  TempFolder folder;
-  Settings settings{systemFiles(), folder.path()};
-  RecordingView view;
-  Pacer pacer{Pacer::Clock::duration::zero()};
-  frmMain window{systemFiles(), settings, view, pacer, folder.path()};
-  MainWindowState& state = window.state();
+  using W = const Words&;
+  using Choice = FileChoice::Outcome;
+
   frmOption options{window.context()};
-};
-
-const std::map<std::string, Player::Verb> Player::kVerbs = {
-    // A dialog's answer, given before the menu item is chosen.
-    {"open", [](Player& p, std::istream& in) {
-       const auto path = p.folder / next(in);
-       p.view.chooseOpen(path, next<int>(in));
-     }},
-    {"save", [](Player& p, std::istream& in) { p.view.chooseSave(p.folder / next(in)); }},
-    {"openFails", [](Player& p, std::istream& in) {
-       p.view.answerOpen({FileChoice::Outcome::Failed, {}, 1, rest(in), 12});
-     }},
-    {"saveFails", [](Player& p, std::istream& in) {
-       p.view.answerSave({FileChoice::Outcome::Failed, {}, 1, rest(in), -1});
-     }},
-    {"answerNo", [](Player& p, std::istream&) { p.view.answerMessage(false); }},
-    // Does something else at a yield, counted from 1.
-    {"atYield", [](Player& p, std::istream& in) {
-       const int number = p.view.yieldCount() + next<int>(in);
-       p.view.atYield(number, [&p, line = rest(in)] {
-         std::istringstream again(line);
-         p.perform(again);
-       });
-     }},
-    {"use", [](Player& p, std::istream& in) {
-       p.window.useLog(p.folder / "a.log", "a.log", static_cast<LogType>(next<int>(in)));
-     }},
-    {"scan", [](Player& p, std::istream&) {
-       p.window.useLog(p.folder / "a.log", "a.log", LogType::ServU);
-       p.window.mnuFindUsers_Click();
-     }},
-    {"drop", [](Player& p, std::istream& in) { p.window.openLogFile(p.folder / next(in)); }},
-    {"click", [](Player& p, std::istream& in) { p.window.TreeView1_NodeClick(next<int>(in)); }},
-    {"check", [](Player& p, std::istream& in) { p.window.setNodeChecked(next<int>(in), true); }},
-    {"paste", [](Player& p, std::istream& in) { p.window.cmdPasteResultTortbFilter_Click(rest(in), "RETR\r\nSTOR"); }},
-    {"set", [](Player& p, std::istream& in) {
-       const auto section = next(in);
-       const auto key = next(in);
-       p.settings.WriteSetting(section, key, rest(in));
-     }},
-    {"write", [](Player& p, std::istream& in) {
-       const auto name = next(in);
-       p.folder.write(name, rest(in));
-     }},
-    {"copy", [](Player& p, std::istream& in) {
-       const auto from = p.folder / next(in);
-       std::filesystem::copy_file(from, p.folder / next(in));
-     }},
-    {"remove", [](Player& p, std::istream& in) { std::filesystem::remove(p.folder / next(in)); }},
-    // The window's bounds and whether it is maximized.
-    {"close", [](Player& p, std::istream& in) {
-       const WindowBounds bounds{next<int>(in), next<int>(in), next<int>(in), next<int>(in)};
-       p.window.unload(bounds, next<bool>(in));
-     }},
-    {"options", [](Player& p, std::istream&) { p.options.Form_Load(); }},
-    {"page", [](Player& p, std::istream& in) { p.options.lstSelectOption_Click(next<int>(in)); }},
-    {"bufferPage", [](Player& p, std::istream&) { p.options.loadFindUserinfoOptions(); }},
-    {"box", [](Player& p, std::istream& in) { p.options.chkOption_Click(next<std::size_t>(in)); }},
-    {"layout", [](Player& p, std::istream& in) { p.options.optOption_Click(next<std::size_t>(in)); }},
-    {"ok", [](Player& p, std::istream&) { p.options.cmdOK_Click(); }},
-};
-
-const std::map<std::string, Player::Question> Player::kQuestions = {
-    {"status", [](Player& p, std::istream&) { return p.statusPanels(); }},
-    {"disabled", [](Player& p, std::istream&) { return p.disabledItems(); }},
-    {"request", [](Player& p, std::istream&) { return p.request(); }},
-    {"messageBox",
-     [](Player& p, std::istream&) {
-       const Message& last = p.view.messages().back();
-       return last.title + " buttons " + std::to_string(static_cast<int>(last.buttons));
-     }},
-    {"file",
-     [](Player& p, std::istream& in) {
-       const auto name = next(in);
-       return p.folder.has(name) ? linesOf(p.folder.read(name)) : "none";
-     }},
-    // Those lines of a file that hold a text.
-    {"lines",
-     [](Player& p, std::istream& in) {
-       std::istringstream lines(linesOf(p.folder.read(next(in))));
-       const auto text = rest(in);
-       std::string found;
-       for (std::string line; std::getline(lines, line);)
-         if (line.find(text) != std::string::npos) found += line + "\n";
-       return found;
-     }},
-    {"setting",
-     [](Player& p, std::istream& in) {
-       const auto section = next(in);
-       return p.settings.ReadSetting(section, next(in));
-     }},
-    {"freshSettings",
-     [](Player& p, std::istream&) {
-       return std::string(p.folder.read("quorvel.ini") == defaultSettingsText() ? "yes" : "no");
-     }},
-    {"log",
-     [](Player& p, std::istream&) {
-       return p.state.hasLog() ? p.state.logPath.string() + " " + p.state.logTitle + " " + p.state.logTypeName : "none";
-     }},
-    {"session", [](Player& p, std::istream&) { return describe(p.state.currentSession); }},
-    {"sessions", [](Player& p, std::istream& in) { return p.names(next(in)); }},
-    {"record",
-     [](Player& p, std::istream& in) {
-       auto users = UsersFile::open(systemFiles(), p.folder / "users.qva");
-       return describe(users.value().read(next<std::int32_t>(in)).value());
-     }},
-    {"tree", [](Player& p,
-                std::istream&) { return treeText(p.state.tree) + "selected " + std::to_string(p.state.selectedNode); }},
-    {"filter", [](Player& p, std::istream&) { return linesOf(p.view.filterText()); }},
-    {"placement", [](Player& p, std::istream&) { return p.placement(); }},
-    {"page", [](Player& p, std::istream&) { return p.optionsPage(); }},
+  const std::map<std::string, std::function<void(W)>> m_verbs = {
+      {"load", [this](W) { window.load(); }},
+      {"unload", [this](W) { window.unload(); }},
+      {"toggleAutoFilter", [this](W) { window.toggleAutoFilter(); }},
+      {"rightButton", [this](W) { window.TreeView1_RightButton(); }},
+      // A dialog's answer, given before the menu item is chosen.
+      {"open", [this](W w) { view.chooseOpen(folder / w.word(1), w.number(2)); }},
+      {"save", [this](W w) { view.chooseSave(folder / w.word(1)); }},
+      {"openFails",
+       [this](W w) {
+         view.answerOpen({Choice::Failed, {}, 1, w.from(1), 12});
+       }},
+      {"saveFails",
+       [this](W w) {
+         view.answerSave({Choice::Failed, {}, 1, w.from(1), -1});
+       }},
+      {"answerNo", [this](W) { view.answerMessage(false); }},
+      {"atYield", [this](W w) { performAtYield(w.number(1), Words(w.from(2))); }},
+      {"start",
+       [this](W) {
+         settings.prepareFile();
+         settings.resetOtherVersion();
+       }},
+      {"use", [this](W w) { window.useLog(folder / "a.log", "a.log", static_cast<LogType>(w.number(1))); }},
+      {"scan", [this](W) { scan(); }},
+      {"drop", [this](W w) { window.openLogFile(folder / w.word(1)); }},
+      {"click", [this](W w) { window.TreeView1_NodeClick(w.number(1)); }},
+      {"check", [this](W w) { window.setNodeChecked(w.number(1), true); }},
+      {"paste", [this](W w) { window.cmdPasteResultTortbFilter_Click(w.from(1), "RETR\r\nSTOR"); }},
+      {"set", [this](W w) { settings.WriteSetting(w.word(1), w.word(2), w.from(3)); }},
+      {"write", [this](W w) { folder.write(w.word(1), w.from(2)); }},
+      {"blank", [this](W w) { rewriteUnnoticed(folder / w.word(1)); }},
+      {"touch", [this](W w) { std::filesystem::last_write_time(folder / w.word(1), {}); }},
+      {"copy", [this](W w) { std::filesystem::copy_file(folder / w.word(1), folder / w.word(2)); }},
+      {"remove", [this](W w) { std::filesystem::remove(folder / w.word(1)); }},
+      // The window's bounds and whether it is maximized.
+      {"close",
+       [this](W w) {
+         window.unload({w.number(1), w.number(2), w.number(3), w.number(4)}, w.number(5) != 0);
+       }},
+      {"options", [this](W) { options.Form_Load(); }},
+      {"page", [this](W w) { options.lstSelectOption_Click(w.number(1)); }},
+      {"bufferPage", [this](W) { options.loadFindUserinfoOptions(); }},
+      {"box", [this](W w) { options.chkOption_Click(static_cast<std::size_t>(w.number(1))); }},
+      {"layout", [this](W w) { options.optOption_Click(static_cast<std::size_t>(w.number(1))); }},
+      {"ok", [this](W) { options.cmdOK_Click(); }},
+  };
+  const std::map<std::string, std::function<std::string(W)>> m_questions = {
+      {"status", [this](W) { return statusPanels(); }},
+      {"disabled", [this](W) { return disabledItems(); }},
+      {"request", [this](W) { return request(); }},
+      {"messageBox", [this](W) { return messageBox(); }},
+      {"file", [this](W w) { return folder.has(w.word(1)) ? linesOf(folder.read(w.word(1))) : "none"; }},
+      {"lines", [this](W w) { return linesWith(w.word(1), w.from(2)); }},
+      {"setting", [this](W w) { return settings.ReadSetting(w.word(1), w.word(2)); }},
+      {"freshSettings", [this](W) { return folder.read("quorvel.ini") == defaultSettingsText() ? "yes" : "no"; }},
+      {"log",
+       [this](W) {
+         return state.hasLog() ? state.logPath.string() + ' ' + state.logTitle + ' ' + state.logTypeName : "none";
+       }},
+      {"session", [this](W) { return describe(state.currentSession); }},
+      {"sessions", [this](W w) { return sessions(w.word(1)); }},
+      {"tree", [this](W) { return treeText(state.tree) + "selected " + std::to_string(state.selectedNode); }},
+      {"filter", [this](W) { return linesOf(view.filterText()); }},
+      {"placement", [this](W) { return placement(); }},
+      {"page", [this](W) { return optionsPage(); }},
+  };
 };
 
 class Commands : public testing::TestWithParam<Script> {};

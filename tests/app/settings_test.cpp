@@ -2,22 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "app/ini_document.h"
-#include "app/program.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/memory_files.h"
 
 namespace quorvel::test {
 namespace {
-
-class SettingsTest : public testing::Test {
- protected:
-  void give(std::string_view text) { folder.write("quorvel.ini", text); }
-
-  TempFolder folder;
-  Settings settings{systemFiles(), folder.path()};
-};
 
 TEST(IniDocument, FindsValues) {
   const std::string text =
@@ -56,31 +45,20 @@ TEST(IniDocument, ChangesNothingButTheKey) {
   }
 }
 
-TEST_F(SettingsTest, PreparingWritesAFreshFileAndDeletesTheOlderOne) {
-  for (const std::string& text : {defaultSettingsText(), std::string("[MAIN]\r\nmine=1\r\n")}) {
-    folder.write("quoran.ini", "[MAIN]\r\n");
-    settings.prepareFile();
-    EXPECT_EQ(folder.read("quorvel.ini"), text);
-    EXPECT_FALSE(folder.has("quoran.ini"));
-    give("[MAIN]\r\nmine=1\r\n");  // is kept
-  }
-}
+class SettingsTest : public testing::Test {
+ protected:
+  MemoryFiles files;
+  Settings settings{files, ""};
+};
 
-TEST_F(SettingsTest, AFileOfAnotherVersionOrAnOverlongOneIsReplaced) {
+TEST_F(SettingsTest, AnOverlongFileIsNotReadAndReplacedAtTheNextStart) {
   const std::string huge = "[MAIN]\r\nVersion=1.1.400\r\n" + std::string(kMaxSettingsFileSize, ';');
-  give(huge);
+  files.put("quorvel.ini", huge);
   EXPECT_EQ(settings.ReadSetting("MAIN", "Version"), "");
   settings.WriteSetting("MAIN", "x", "1");
-  EXPECT_EQ(folder.read("quorvel.ini"), huge);
-  for (const std::string& other : {huge, std::string("[MAIN]\r\nVersion=1.1.4000\r\n"), std::string(),
-                                   std::string("\xFF garbage"), std::string("Version=1.1.400\r\n")}) {
-    give(other);
-    settings.resetOtherVersion();
-    EXPECT_EQ(folder.read("quorvel.ini"), defaultSettingsText()) << other.substr(0, 50);
-  }
-  give("[main]\nversion=1.1.400\nmine=1\n");
+  EXPECT_EQ(files.content("quorvel.ini"), huge);
   settings.resetOtherVersion();
-  EXPECT_EQ(settings.ReadSetting("MAIN", "mine"), "1");
+  EXPECT_EQ(files.content("quorvel.ini"), defaultSettingsText());
 }
 
 TEST_F(SettingsTest, NumbersFallBackToTheFreshFile) {
@@ -94,19 +72,12 @@ TEST_F(SettingsTest, NumbersFallBackToTheFreshFile) {
                {"2147483648", 1, true}, {"99999999999999999999", 1, true},
                {"FALSE", 1, false}};
   for (const auto& c : cases) {
-    give("[OPTION-SAVE]\r\nAppendWhenFilter=" + c.stored + "\r\n");
+    files.put("quorvel.ini", "[OPTION-SAVE]\r\nAppendWhenFilter=" + c.stored + "\r\n");
     EXPECT_EQ(settings.readNumber("option-save", "appendwhenfilter"), c.number) << c.stored;
     EXPECT_EQ(settings.readFlag("OPTION-SAVE", "AppendWhenFilter"), c.flag) << c.stored;
   }
   EXPECT_EQ(settings.readNumber("OPTION-FIND-USER", "FindUserBuffer"), 4000);
   EXPECT_EQ(settings.readNumber("POSITION", "MainTop"), 0);
-}
-
-TEST_F(SettingsTest, AValueStaysOneLineOfWhichAtMost79CharactersAreRead) {
-  settings.WriteSetting("S", "k", "a\r\n[T]\nx=1\x1B\x7F");
-  EXPECT_EQ(folder.read("quorvel.ini"), "[S]\r\nk=a[T]x=1\r\n");
-  settings.WriteSetting("S", "k", std::string(100, 'x'));
-  EXPECT_EQ(settings.ReadSetting("s", "K"), std::string(79, 'x'));
 }
 
 }  // namespace

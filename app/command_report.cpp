@@ -13,6 +13,19 @@ void reportFailure(CommandContext& context, std::string_view text) {
   context.view.showMessage({std::string(text), Buttons::Ok, {}});
 }
 
+void reportOutOfMemory(CommandContext& context) {
+  MainWindowView& view = context.view;
+  context.state.stopFlag = false;
+  view.showBusyPointer(false);
+  view.setProgress(0);
+  view.showProgress(false);
+  view.showPositionLabels(false);
+  view.showTree(true);
+  view.enableTree(true);
+  view.setStatusPanel(StatusPanel::Text, "Using " + context.state.logTitle);
+  reportFailure(context, Error{ErrorCode::OutOfMemory, {}}.sentence());
+}
+
 bool refusesResultsFile(CommandContext& context, const std::filesystem::path& path) {
   const auto& state = context.state;
   const std::array needed = {state.logPath, context.settings.path(), state.usersFilePath(), state.filterFilePath()};

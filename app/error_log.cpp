@@ -5,6 +5,7 @@
 
 #include "app/program.h"
 #include "core/clock.h"
+#include "core/memory_limit.h"
 #include "core/text.h"
 
 namespace quorvel {
@@ -23,7 +24,8 @@ ErrorLog::ErrorLog(FileSystem& files, const std::filesystem::path& programFolder
     : m_files(files), m_path(programFolder / kFileName) {}
 
 ErrorLog::~ErrorLog() {
-  flush();
+  keepWholeLines(m_batch);  // a line is begun only where memory ran out in the middle of it
+  asMemoryAllows([this] { flush(); });
 }
 
 void ErrorLog::recordNotSaved(const std::filesystem::path& log, const std::filesystem::path& usersFile,

@@ -1,8 +1,10 @@
 #include "app/main_window.h"
 
 #include <array>
+#include <new>
 #include <string>
 
+#include "app/command_report.h"
 #include "app/count_commands.h"
 #include "app/filter_commands.h"
 #include "app/find_users_command.h"
@@ -83,12 +85,21 @@ void frmMain::unload() {
   (void)m_context.files.remove(m_state.usersFilePath());
 }
 
+void frmMain::run(const std::function<void(CommandContext&)>& command) {
+  if (m_state.batchFlag) return command(m_context);  // the whole run ends then
+  try {
+    command(m_context);
+  } catch (const std::bad_alloc&) {
+    reportOutOfMemory(m_context);
+  }
+}
+
 void frmMain::mnuOpenLogFile_Click() {
-  chooseLogFile(m_context);
+  run(chooseLogFile);
 }
 
 void frmMain::openLogFile(const std::filesystem::path& path) {
-  quorvel::openLogFile(m_context, path);
+  run([&path](CommandContext& context) { quorvel::openLogFile(context, path); });
 }
 
 void frmMain::useLog(const std::filesystem::path& path, std::string_view title, LogType type) {
@@ -96,15 +107,15 @@ void frmMain::useLog(const std::filesystem::path& path, std::string_view title, 
 }
 
 void frmMain::mnuSaveShortInfo_Click() {
-  SaveShortInfoCommand(m_context);
+  run(SaveShortInfoCommand);
 }
 
 void frmMain::mnuSaveFilterWindow_Click() {
-  saveFilterWindow(m_context);
+  run(saveFilterWindow);
 }
 
 void frmMain::mnuFindUsers_Click() {
-  findUsers(m_context);
+  run(findUsers);
 }
 
 void frmMain::mnuStop_Click() {
@@ -112,27 +123,27 @@ void frmMain::mnuStop_Click() {
 }
 
 void frmMain::mnuFilterAll_Click() {
-  filterAll(m_context);
+  run(filterAll);
 }
 
 void frmMain::mnuFilterSelected_Click() {
-  filterSelected(m_context);
+  run(filterSelected);
 }
 
 void frmMain::mnuFilterIP_Click() {
-  filterIP(m_context);
+  run(filterIP);
 }
 
 void frmMain::mnuFilterUser_Click() {
-  filterUser(m_context);
+  run(filterUser);
 }
 
 void frmMain::mnuFilterSession_Click() {
-  filterSession(m_context);
+  run(filterSession);
 }
 
 void frmMain::mnuReloadTreeView_Click() {
-  reloadTree(m_context);
+  run(reloadTree);
 }
 
 void frmMain::toggleAutoFilter() {
@@ -144,23 +155,23 @@ void frmMain::toggleAutoFilter() {
 }
 
 void frmMain::mnuCountAllTransfers_Click() {
-  countAllTransfers(m_context);
+  run(countAllTransfers);
 }
 
 void frmMain::mnuCountSelectedSessions_Click() {
-  countSelectedSessions(m_context);
+  run(countSelectedSessions);
 }
 
 void frmMain::mnuCountIPTransfers_Click() {
-  countIPTransfers(m_context);
+  run(countIPTransfers);
 }
 
 void frmMain::mnuCountUsersTransfers_Click() {
-  countUsersTransfers(m_context);
+  run(countUsersTransfers);
 }
 
 void frmMain::mnuCountSessionsTransfers_Click() {
-  countSessionsTransfers(m_context);
+  run(countSessionsTransfers);
 }
 
 void frmMain::cmdPasteResultTortbFilter_Click(std::string_view caption, std::string_view text) {
@@ -168,7 +179,7 @@ void frmMain::cmdPasteResultTortbFilter_Click(std::string_view caption, std::str
 }
 
 void frmMain::TreeView1_NodeClick(std::int32_t node) {
-  clickNode(m_context, node);
+  run([node](CommandContext& context) { clickNode(context, node); });
 }
 
 void frmMain::TreeView1_RightButton() {
@@ -180,19 +191,19 @@ void frmMain::setNodeChecked(std::int32_t node, bool checked) {
 }
 
 void frmMain::mnuShowUsernameLogontime_Click() {
-  chooseLayout(m_context, 0);
+  run([](CommandContext& context) { chooseLayout(context, 0); });
 }
 
 void frmMain::mnuShowUsernameIP_Click() {
-  chooseLayout(m_context, 1);
+  run([](CommandContext& context) { chooseLayout(context, 1); });
 }
 
 void frmMain::mnuShowIPUsername_Click() {
-  chooseLayout(m_context, 2);
+  run([](CommandContext& context) { chooseLayout(context, 2); });
 }
 
 void frmMain::mnuShowIPLogontime_Click() {
-  chooseLayout(m_context, 3);
+  run([](CommandContext& context) { chooseLayout(context, 3); });
 }
 
 void frmMain::mnuShowCheckboxesInTreeView_Click() {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string_view>
 
 #include "app/command_context.h"
@@ -94,6 +95,9 @@ class frmMain {
   void mnuWebReportBug_Click();
 
  private:
+  /// Runs a command; where memory runs out in it, the window says so and is at rest again.
+  void run(const std::function<void(CommandContext&)>& command);
+
   MainWindowState m_state;
   CommandContext m_context;
 };

@@ -43,8 +43,20 @@ bool keepsBuilding(CommandContext& context, UsersFile& users) {
   return false;
 }
 
+/// Tells the view when the tree may not be looked at, whatever ends the change.
+class TreeChange {
+ public:
+  explicit TreeChange(MainWindowView& view) : m_view(view) { m_view.treeIsAboutToChange(); }
+  TreeChange(const TreeChange&) = delete;
+  TreeChange& operator=(const TreeChange&) = delete;
+  ~TreeChange() { m_view.treeHasChanged(); }
+
+ private:
+  MainWindowView& m_view;
+};
+
 void fillTree(CommandContext& context, const TreeOptions& options) {
-  context.view.treeIsAboutToChange();
+  const TreeChange change(context.view);
   context.state.selectedNode = 0;
   auto users = UsersFile::open(context.files, context.state.usersFilePath(), OpenMode::ReadWrite);
   if (users.isOk()) {
@@ -52,7 +64,6 @@ void fillTree(CommandContext& context, const TreeOptions& options) {
   } else {
     context.state.tree.clear();
   }
-  context.view.treeHasChanged();
 }
 
 /// The record shown for a node, 0 where there are no records. The rule: read from record 1 until one has the node as

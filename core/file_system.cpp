@@ -1,5 +1,6 @@
 #include "core/file_system.h"
 
+#include <new>
 #include <random>
 #include <system_error>
 
@@ -49,11 +50,16 @@ Result<std::string> FileSystem::readWhole(const std::filesystem::path& path) {
 
 Status FileSystem::replaceWhole(const std::filesystem::path& path, std::string_view content) {
   const auto temporary = temporaryName(path);
-  Status done = writeNewFile(*this, temporary, content);
-  if (done.isOk()) done = rename(temporary, path);
-  if (done.isOk()) return {};
-  (void)remove(temporary);
-  return Error{done.error().code, path};
+  try {
+    Status done = writeNewFile(*this, temporary, content);
+    if (done.isOk()) done = rename(temporary, path);
+    if (done.isOk()) return {};
+    (void)remove(temporary);
+    return Error{done.error().code, path};
+  } catch (const std::bad_alloc&) {
+    (void)remove(temporary);
+    throw;
+  }
 }
 
 bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {

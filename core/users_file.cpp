@@ -1,9 +1,11 @@
 #include "core/users_file.h"
 
 #include <algorithm>
-#include <array>
+#include <new>
+#include <span>
 #include <utility>
 
+#include "core/memory_limit.h"
 #include "core/record_format.h"
 
 namespace quorvel {
@@ -27,7 +29,7 @@ UsersFileWriter::UsersFileWriter(FileSystem& files, std::filesystem::path path, 
       m_writer([this](const std::string& batch) { return writeBatch(batch); }) {}
 
 UsersFileWriter::~UsersFileWriter() {
-  flush();
+  asMemoryAllows([this] { flush(); });
 }
 
 void UsersFileWriter::WriteSessionRecord(const UserAct& record, std::int32_t recordNumber) {
@@ -43,7 +45,7 @@ void UsersFileWriter::WriteSessionRecord(const UserAct& record, std::int32_t rec
 }
 
 void UsersFileWriter::flush() {
-  (void)m_writer.finish();
+  if (!m_writer.finish().isOk()) throw std::bad_alloc();  // the only failure that writeBatch() does not keep
   if (!m_batch.empty()) {
     m_firstInBatch += slotsIn(m_batch);
     (void)writeBatch(m_batch);

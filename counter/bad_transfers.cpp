@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/clock.h"
+#include "core/memory_limit.h"
 #include "core/text.h"
 
 namespace quorvel {
@@ -30,7 +31,7 @@ BadTransferLog::BadTransferLog(FileSystem& files, std::filesystem::path path)
 
 BadTransferLog::~BadTransferLog() {
   keepWholeLines(m_batch);  // a line is begun only where memory ran out in the middle of it
-  flush();
+  asMemoryAllows([this] { flush(); });
 }
 
 void BadTransferLog::LogBadTransfer(std::string_view line, const TransferCount& totals) {

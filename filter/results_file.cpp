@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/memory_limit.h"
 #include "core/text.h"
 
 namespace quorvel {
@@ -35,7 +36,7 @@ ResultsFile::ResultsFile(FileSystem& files, std::filesystem::path path) : m_file
 
 ResultsFile::~ResultsFile() {
   keepWholeLines(m_batch);  // a line is begun only where memory ran out in the middle of it
-  flush();
+  asMemoryAllows([this] { flush(); });
 }
 
 void ResultsFile::beginSession(const UserAct& session) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <new>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -28,6 +29,7 @@ enum class Fault {
   Remove,
   NotThere,  ///< Exist() answers no
   Stamp,
+  NoMemory,  ///< thrown by any call
 };
 
 struct FaultName {
@@ -41,7 +43,7 @@ inline constexpr std::array kAllFaults = {
     FaultName{Fault::DiskFull, "disk full"}, FaultName{Fault::Resize, "resize"},
     FaultName{Fault::Sync, "sync"},          FaultName{Fault::Rename, "rename"},
     FaultName{Fault::Remove, "remove"},      FaultName{Fault::NotThere, "not there"},
-    FaultName{Fault::Stamp, "stamp"},
+    FaultName{Fault::Stamp, "stamp"},        FaultName{Fault::NoMemory, "no memory"},
 };
 
 /// Hands everything on to other files, save for the calls that are to fail.
@@ -135,6 +137,7 @@ class FaultFiles final : public FileSystem {
 
   bool fails(Fault fault, const std::filesystem::path& path) {
     if (m_before) m_before(path);
+    if (isDue(Fault::NoMemory, path)) throw std::bad_alloc();
     return isDue(fault, path);
   }
   bool isDue(Fault fault, const std::filesystem::path& path) {

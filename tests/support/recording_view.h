@@ -70,6 +70,7 @@ class RecordingView : public MainWindowView {
     answerOpen({FileChoice::Outcome::Chosen, path, filterIndex, {}, 0});
   }
   void chooseSave(const std::filesystem::path& path) { answerSave({FileChoice::Outcome::Chosen, path, 1, {}, 0}); }
+  void forgetAnswers() { m_saveAnswers.clear(); }
   /// Runs action inside yield number n, counted from 1 over the view's life.
   void atYield(int n, std::function<void()> action) { m_yieldActions[n] = std::move(action); }
   void atEachYield(std::function<void()> action) { m_eachYieldAction = std::move(action); }

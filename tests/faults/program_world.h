@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/main_window.h"
+#include "core/record_format.h"
 #include "tests/app/scanned_log.h"
 #include "tests/support/fault_files.h"
 #include "tests/support/recording_view.h"
@@ -17,6 +18,22 @@ inline std::string busySettings() {
   turnOn("GetFilenameOnTransferError=");
   turnOn("CheckBoxInTreeView=");
   return text + "[OTHER]\r\nKept=yes\r\n";
+}
+
+inline constexpr std::string_view kOldResults = "of an earlier run\r\n";
+
+/// The lines of the small log over and over, each time with a line of padding dashes behind them.
+inline std::string longLog(std::size_t size, std::size_t padding = 0) {
+  std::string text;
+  while (text.size() < size)
+    text += logLines("") + (padding > 0 ? std::string(padding, '-') + "\r\n" : "");
+  return text;
+}
+
+/// Every slot of a users file holds a record, or nothing.
+inline void expectWholeRecords(std::string_view users) {
+  for (std::size_t at = 0; at < users.size(); at += kRecordSize)
+    EXPECT_TRUE(decodeRecord(users.substr(at, kRecordSize))) << "record at byte " << at;
 }
 
 /// real must outlive the world.
@@ -38,6 +55,11 @@ struct ProgramWorld {
     window.setNodeChecked(kFirstSession, true);
     window.setNodeChecked(kThirdSession, true);
     window.TreeView1_NodeClick(kFirstSession);
+  }
+  /// As behind every command.
+  void expectIdle() {
+    EXPECT_FALSE(window.state().commandRunning || view.isCommandRunning() || view.isProgressVisible());
+    EXPECT_TRUE(view.status(StatusPanel::Text).starts_with("Using")) << view.status(StatusPanel::Text);
   }
   [[nodiscard]] std::string allMessages() const {
     std::string text;

@@ -32,19 +32,9 @@ enum class Fault {
   NoMemory,  ///< thrown by any call
 };
 
-struct FaultName {
-  Fault fault;
-  std::string_view name;
-};
-inline constexpr std::array kAllFaults = {
-    FaultName{Fault::Open, "open"},          FaultName{Fault::Size, "size"},
-    FaultName{Fault::Read, "read"},          FaultName{Fault::ShortRead, "short read"},
-    FaultName{Fault::Write, "write"},        FaultName{Fault::ShortWrite, "short write"},
-    FaultName{Fault::DiskFull, "disk full"}, FaultName{Fault::Resize, "resize"},
-    FaultName{Fault::Sync, "sync"},          FaultName{Fault::Rename, "rename"},
-    FaultName{Fault::Remove, "remove"},      FaultName{Fault::NotThere, "not there"},
-    FaultName{Fault::Stamp, "stamp"},        FaultName{Fault::NoMemory, "no memory"},
-};
+inline constexpr std::array kFaultNames = {"open",        "size",      "read",   "short read", "write",
+                                           "short write", "disk full", "resize", "sync",       "rename",
+                                           "remove",      "not there", "stamp",  "no memory"};
 
 /// Hands everything on to other files, save for the calls that are to fail.
 class FaultFiles final : public FileSystem {
@@ -52,40 +42,37 @@ class FaultFiles final : public FileSystem {
   /// real must outlive this.
   explicit FaultFiles(FileSystem& real) : m_real(real) {}
 
-  /// Lets call number n, from 1, of those the fault is about fail. One fault at a time.
+  /// Lets call number n, from 1, of those the fault is about fail; 0: none. One fault at a time.
   void arm(Fault fault, int n) {
     m_fault = fault;
     m_left = n;
     m_hasFailed = false;
-    m_failedPath.clear();
   }
-  void disarm() { m_left = 0; }
   /// Whether the call was reached since arm().
   [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
+  /// Only valid when hasFailed().
   [[nodiscard]] const std::filesystem::path& failedPath() const { return m_failedPath; }
   /// Runs before every call with the file's name, on whatever thread makes the call.
   void beforeEachCall(std::function<void(const std::filesystem::path&)> action) { m_before = std::move(action); }
 
   [[nodiscard]] Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) override {
-    if (fails(Fault::Open, path)) return Error{ErrorCode::PermissionDenied, path};
-    auto file = m_real.open(path, mode);
-    if (!file.isOk()) return file.error();
-    return Result<std::unique_ptr<File>>(std::make_unique<FaultFile>(*this, path, std::move(file.value())));
+    return call(Fault::Open, path, [&] {
+      auto file = m_real.open(path, mode);
+      if (file.isOk()) file.value() = std::make_unique<FaultFile>(*this, path, std::move(file.value()));
+      return file;
+    });
   }
   Status remove(const std::filesystem::path& path) override {
-    if (fails(Fault::Remove, path)) return Error{ErrorCode::PermissionDenied, path};
-    return m_real.remove(path);
+    return call(Fault::Remove, path, [&] { return m_real.remove(path); });
   }
   Status rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
-    if (fails(Fault::Rename, to)) return Error{ErrorCode::PermissionDenied, to};
-    return m_real.rename(from, to);
+    return call(Fault::Rename, to, [&] { return m_real.rename(from, to); });
   }
   [[nodiscard]] bool Exist(const std::filesystem::path& path) override {
-    return !fails(Fault::NotThere, path) && m_real.Exist(path);
+    return call(Fault::NotThere, path, [] { return Status(); }).isOk() && m_real.Exist(path);
   }
   [[nodiscard]] Result<FileStamp> stamp(const std::filesystem::path& path) override {
-    if (fails(Fault::Stamp, path)) return Error{ErrorCode::DeviceIoError, path};
-    return m_real.stamp(path);
+    return call(Fault::Stamp, path, [&] { return m_real.stamp(path); });
   }
 
  private:
@@ -95,10 +82,11 @@ class FaultFiles final : public FileSystem {
         : m_owner(owner), m_path(std::move(path)), m_real(std::move(real)) {}
 
     [[nodiscard]] Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const override {
-      if (m_owner.fails(Fault::Read, m_path)) return Error{ErrorCode::DeviceIoError, m_path};
-      const auto count = m_real->readAt(offset, buffer);
-      if (count.isOk() && m_owner.isDue(Fault::ShortRead, m_path)) return count.value() / 2;
-      return count;
+      return m_owner.call(Fault::Read, m_path, [&] {
+        auto count = m_real->readAt(offset, buffer);
+        if (count.isOk() && m_owner.isDue(Fault::ShortRead, m_path)) count.value() /= 2;
+        return count;
+      });
     }
     Status writeAt(std::uint64_t offset, std::string_view data) override {
       return write(data, [&](std::string_view part) { return m_real->writeAt(offset, part); });
@@ -107,27 +95,25 @@ class FaultFiles final : public FileSystem {
       return write(data, [&](std::string_view part) { return m_real->append(part); });
     }
     Status resize(std::uint64_t length) override {
-      if (m_owner.fails(Fault::Resize, m_path)) return Error{ErrorCode::DeviceIoError, m_path};
-      return m_real->resize(length);
+      return m_owner.call(Fault::Resize, m_path, [&] { return m_real->resize(length); });
     }
     [[nodiscard]] Result<std::uint64_t> size() const override {
-      if (m_owner.fails(Fault::Size, m_path)) return Error{ErrorCode::DeviceIoError, m_path};
-      return m_real->size();
+      return m_owner.call(Fault::Size, m_path, [&] { return m_real->size(); });
     }
     Status sync() override {
-      if (m_owner.fails(Fault::Sync, m_path)) return Error{ErrorCode::DeviceIoError, m_path};
-      return {};
+      return m_owner.call(Fault::Sync, m_path, [] { return Status(); });
     }
 
    private:
     template <typename Write>
     Status write(std::string_view data, Write writePart) {
-      const bool wasFull = m_owner.m_fault == Fault::DiskFull && m_owner.hasFailed() && m_owner.m_left != 0;
-      if (wasFull || m_owner.fails(Fault::Write, m_path)) return Error{ErrorCode::DiskFull, m_path};
-      const bool isShort = m_owner.isDue(Fault::ShortWrite, m_path) || m_owner.isDue(Fault::DiskFull, m_path);
-      if (!isShort) return writePart(data);
-      (void)writePart(data.substr(0, data.size() / 2));
-      return Error{ErrorCode::DiskFull, m_path};
+      return m_owner.call(Fault::Write, m_path, [&]() -> Status {
+        const bool wasFull = m_owner.m_fault == Fault::DiskFull && m_owner.hasFailed();
+        const bool isShort = m_owner.isDue(Fault::ShortWrite, m_path) || m_owner.isDue(Fault::DiskFull, m_path);
+        if (!wasFull && !isShort) return writePart(data);
+        if (!wasFull) (void)writePart(data.substr(0, data.size() / 2));
+        return Error{ErrorCode::DiskFull, m_path};
+      });
     }
 
     FaultFiles& m_owner;
@@ -135,14 +121,18 @@ class FaultFiles final : public FileSystem {
     std::unique_ptr<File> m_real;
   };
 
-  bool fails(Fault fault, const std::filesystem::path& path) {
+  /// What the real call brings, unless it is the one to fail.
+  template <typename Real>
+  auto call(Fault fault, const std::filesystem::path& path, Real real) -> decltype(real()) {
     if (m_before) m_before(path);
     if (isDue(Fault::NoMemory, path)) throw std::bad_alloc();
-    return isDue(fault, path);
+    if (!isDue(fault, path)) return real();
+    const bool isDenied = fault == Fault::Open || fault == Fault::Rename || fault == Fault::Remove;
+    if (fault == Fault::Write) return Error{ErrorCode::DiskFull, path};
+    return Error{isDenied ? ErrorCode::PermissionDenied : ErrorCode::DeviceIoError, path};
   }
   bool isDue(Fault fault, const std::filesystem::path& path) {
-    if (fault != m_fault || m_left == 0 || m_hasFailed || m_left.fetch_sub(1) != 1) return false;
-    if (fault == Fault::DiskFull) m_left = 1;  // until disarm()
+    if (fault != m_fault || m_left.fetch_sub(1) != 1) return false;
     m_failedPath = path;
     m_hasFailed = true;
     return true;

@@ -4,25 +4,15 @@
 
 #include <atomic>
 #include <fstream>
-#include <functional>
 #include <string>
 
-#include "core/record_format.h"
 #include "tests/faults/program_world.h"
 
 namespace quorvel::test {
 namespace {
 
-/// Long enough to be read in several pieces, by a thread of its own.
-std::string longLog() {
-  std::string text;
-  for (int i = 0; i < 200; ++i)
-    text += logLines("") + std::string(8000, '-') + "\r\n";
-  return text;
-}
-
 struct Change {
-  const char* name;
+  std::string name;
   void (*happen)(const std::filesystem::path& log);
 };
 
@@ -32,16 +22,10 @@ const Change kChanges[] = {
     {"is_emptied", [](const std::filesystem::path& log) { std::filesystem::resize_file(log, 0); }},
     {"is_replaced",
      [](const std::filesystem::path& log) {
-       auto other = log;
-       other += ".new";
-       std::ofstream(other, std::ios::binary) << logLines("(000002)");
-       std::filesystem::rename(other, log);
+       std::ofstream(log.string() + ".new", std::ios::binary) << logLines("(000002)");
+       std::filesystem::rename(log.string() + ".new", log);
      }},
-    {"disappears",
-     [](const std::filesystem::path& log) {
-       std::error_code ignored;
-       std::filesystem::remove(log, ignored);
-     }},
+    {"disappears", [](const std::filesystem::path& log) { std::filesystem::remove(log); }},
 };
 
 class ChangingLog : public testing::TestWithParam<Change> {
@@ -51,8 +35,9 @@ class ChangingLog : public testing::TestWithParam<Change> {
   int work(int n) {
     const TempFolder folder;
     folder.write("quorvel.ini", busySettings());
-    folder.write("out.txt", "of an earlier run\r\n");
-    const auto log = folder.write("a.log", longLog());
+    folder.write("out.txt", kOldResults);
+    static const std::string kLong = longLog(1'800'000, 8000);  // read in several pieces, by a thread
+    const auto log = folder.write("a.log", kLong);
     ProgramWorld world(systemFiles(), folder.path());
     std::atomic<int> calls = 0;
     world.files.beforeEachCall([&](const std::filesystem::path& path) {
@@ -63,20 +48,14 @@ class ChangingLog : public testing::TestWithParam<Change> {
     world.scan(log);
     for (std::int32_t node = 1; node <= std::min(world.window.state().tree.nodeCount(), 10); ++node)
       world.window.TreeView1_NodeClick(node);
-    for (const auto item : {&frmMain::mnuFilterAll_Click, &frmMain::mnuFilterSelected_Click}) {
+    for (const auto item : {&frmMain::mnuFilterAll_Click, &frmMain::mnuFilterSelected_Click,
+                            &frmMain::mnuCountAllTransfers_Click, &frmMain::mnuCountUsersTransfers_Click}) {
       world.view.chooseSave(folder / "out.txt");
       (world.window.*item)();
     }
-    world.window.mnuCountAllTransfers_Click();
-    world.window.mnuCountUsersTransfers_Click();
-    EXPECT_FALSE(world.view.isCommandRunning());
-    EXPECT_FALSE(world.view.isProgressVisible());
-    EXPECT_TRUE(world.view.status(StatusPanel::Text).starts_with("Using"));
-    EXPECT_TRUE(folder.read("out.txt").starts_with("of an earlier run\r\n"));
-    EXPECT_TRUE(folder.read("out.txt").ends_with("\r\n"));
-    const std::string users = folder.read("users.qva");
-    for (std::size_t at = 0; at < users.size(); at += kRecordSize)
-      EXPECT_TRUE(decodeRecord(std::string_view(users).substr(at, kRecordSize)));
+    world.expectIdle();
+    EXPECT_TRUE(folder.read("out.txt").starts_with(kOldResults) && folder.read("out.txt").ends_with("\r\n"));
+    expectWholeRecords(folder.read("users.qva"));
     return calls;
   }
 };
@@ -91,7 +70,7 @@ TEST_P(ChangingLog, IsSurvivedAtEveryCall) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, ChangingLog, testing::ValuesIn(kChanges),
-                         [](const auto& change) { return std::string(change.param.name); });
+                         [](const auto& change) { return change.param.name; });
 
 TEST(TwoPrograms, TheOneWhoseRecordsAreGoneSaysSo) {
   const TempFolder folder;
@@ -107,10 +86,10 @@ TEST(TwoPrograms, TheOneWhoseRecordsAreGoneSaysSo) {
 
   first.window.TreeView1_NodeClick(kSecondSession);
   EXPECT_TRUE(first.allMessages().starts_with("Lost file: users.qva\r\n")) << first.allMessages();
-  folder.write("out.txt", "of an earlier run\r\n");
+  folder.write("out.txt", kOldResults);
   first.view.chooseSave(folder / "out.txt");
   first.window.mnuFilterAll_Click();
-  EXPECT_EQ(folder.read("out.txt"), "of an earlier run\r\n");
+  EXPECT_EQ(folder.read("out.txt"), kOldResults);
   first.window.mnuFindUsers_Click();
   first.view.forgetCalls();
   first.window.TreeView1_NodeClick(kSecondSession);

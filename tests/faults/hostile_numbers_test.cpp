@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <regex>
 #include <string>
 
 #include "cli/batch_run.h"
@@ -15,30 +16,16 @@ const std::string kDigits(400, '9');
 TEST(HostileNumbers, ByteCountsThatDoNotFitAreLeftOut) {
   const TempFolder folder;
   folder.write("quorvel.ini", busySettings());
-  const std::pair<std::string, std::string> cases[] = {{kDigits, "0"},
-                                                       {"-" + kDigits, "0"},
-                                                       {"-5", "-5"},
-                                                       {"1e2", "100"},
-                                                       {"1e400", "0"},
-                                                       {"1e-400", "0"},
-                                                       {"0.00001", "0"},
-                                                       {"922337203685477.5807", "922337203685477.5807"},
-                                                       {"922337203685478", "0"},
-                                                       {"nan", "0"},
-                                                       {"inf", "0"},
-                                                       {"", "0"},
-                                                       {"0x10", "0"}};
-  for (const auto& [count, sum] : cases) {
-    const auto log =
-        folder.write("a.log", logLines("(000002)") + "Wed 19Jan05 13:28:06 - (000001) Sent file a (1 Kb/sec - " +
-                                  count + " bytes)\r\n");
-    ProgramWorld world(systemFiles(), folder.path());
-    world.scan(log);
-    world.window.mnuCountAllTransfers_Click();
-    const auto results = world.view.callsStartingWith("counter result");
-    ASSERT_EQ(results.size(), 1u);
-    EXPECT_NE(results[0].find("sends: 1 - (" + sum + " bytes)"), std::string::npos) << count << ": " << results[0];
-  }
+  std::string log = logLines("(000002)");
+  for (const std::string& count : {kDigits, "-" + kDigits, std::string("1e400"), std::string("922337203685478"),
+                                   std::string("nan"), std::string(), std::string("-5"), std::string("1e2")})
+    log += "Wed 19Jan05 13:28:06 - (000001) Sent file a (1 Kb/sec - " + count + " bytes)\r\n";
+  ProgramWorld world(systemFiles(), folder.path());
+  world.scan(folder.write("a.log", log));
+  world.window.mnuCountAllTransfers_Click();
+  const auto results = world.view.callsStartingWith("counter result");
+  ASSERT_EQ(results.size(), 1u);
+  EXPECT_NE(results[0].find("sends: 8 - (95 bytes)"), std::string::npos) << results[0];
 }
 
 TEST(HostileNumbers, AnySettingLetsEverythingRun) {
@@ -47,17 +34,8 @@ TEST(HostileNumbers, AnySettingLetsEverythingRun) {
         std::string("-99999999999"), kDigits, std::string("abc"), std::string("1e9"), std::string("\xFF=[;")}) {
     SCOPED_TRACE(value);
     const TempFolder folder;
-    const std::string sound = busySettings();
-    std::string text;  // with every value replaced but that of Version
-    for (std::size_t at = 0; at < sound.size();) {
-      const auto end = sound.find("\r\n", at) + 2;
-      const std::string line = sound.substr(at, end - at);
-      const auto equals = line.find('=');
-      text += equals == std::string::npos || line.starts_with("Version") ? line
-                                                                         : line.substr(0, equals + 1) + value + "\r\n";
-      at = end;
-    }
-    folder.write("quorvel.ini", text);
+    const std::regex anyValue("(\n(?!Version)[^=\r]*=)[^\r]*");
+    folder.write("quorvel.ini", std::regex_replace(busySettings(), anyValue, "$1" + value));
     const auto log = folder.write("a.log", logLines(""));
     ProgramWorld world(systemFiles(), folder.path());
     world.scan(log);
@@ -65,23 +43,6 @@ TEST(HostileNumbers, AnySettingLetsEverythingRun) {
     (void)world.window.readPlacement();
     (void)runBatch(world.window, log.string() + " 100 210 300 " + (folder / "out.txt").string());
     EXPECT_EQ(folder.read("a.log"), logLines(""));
-  }
-}
-
-TEST(HostileNumbers, MaxArgumentsAndWindowPositionsMayBeAnything) {
-  const TempFolder folder;
-  const auto log = folder.write("a.log", logLines(""));
-  for (const char* most : {"-1", "0", "1", "1000000000"}) {
-    folder.write("quorvel.ini", busySettings());
-    ProgramWorld world(systemFiles(), folder.path());
-    world.settings.WriteSetting("COMMAND-LINE-ARGUMENTS", "MaxArguments", most);
-    for (const char* key : {"MainTop", "MainLeft", "MainWidth", "MainHeight"})
-      world.settings.WriteSetting("POSITION", key, most);
-    const WindowPlacement placement = world.window.readPlacement();
-    EXPECT_EQ(placement.isCentred, std::string(most).starts_with("-") || std::string(most) == "0");
-    (void)runBatch(world.window, log.string() + " 100 300 " + (folder / "out.txt").string());
-    EXPECT_EQ(folder.has("out.txt"), std::string(most) == "1000000000") << most;
-    std::filesystem::remove(folder / "out.txt");
   }
 }
 

@@ -1,6 +1,7 @@
 // Files on which one chosen operation fails, as a disk, a network drive or another program makes it fail.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <filesystem>
@@ -83,9 +84,10 @@ class FaultFiles final : public FileSystem {
 
     [[nodiscard]] Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const override {
       return m_owner.call(Fault::Read, m_path, [&] {
-        auto count = m_real->readAt(offset, buffer);
-        if (count.isOk() && m_owner.isDue(Fault::ShortRead, m_path)) count.value() /= 2;
-        return count;
+        const auto count = m_real->readAt(offset, buffer);
+        if (!count.isOk() || !m_owner.isDue(Fault::ShortRead, m_path)) return count;
+        std::fill_n(buffer.begin(), buffer.size(), '?');
+        return m_real->readAt(offset, buffer.first(count.value() / 2));
       });
     }
     Status writeAt(std::uint64_t offset, std::string_view data) override {

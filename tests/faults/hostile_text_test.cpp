@@ -14,19 +14,17 @@ namespace quorvel::test {
 namespace {
 
 /// Twice as name and address, each has room in a record.
-const std::string kHostileTexts[] = {
-    "<img/src='//x'>",
-    "<b>",
-    "<a/href=file:/x>",
-    "&lt;i&gt;&copy;",
-    "[*]&File",
-    "\x1B]0;t\x07\x1B[31m",
-    "\x80\x81\x8D\x9B\xFF\x7F",
-    "../../etc/passwd",
-    "C:\\con|/dev/null",
-    "$(id)`id`;id|id&",
-    "%s%n%1%2%L1!",
-};
+const std::string kHostileTexts[] = {"<img/src='//x'>",
+                                     "<b>",
+                                     "<a/href=file:/x>",
+                                     "&lt;i&gt;&copy;",
+                                     "[*]&File",
+                                     "\x1B]0;t\x07\x1B[31m",
+                                     "\x80\x81\x8D\x9B\xFF\x7F",
+                                     "../../etc/passwd",
+                                     "C:\\con|/dev/null",
+                                     "$(id)`id`;id|id&",
+                                     "%s%n%1%2%L1!"};
 
 const char* const kHostileFileNames[] = {"<img src='x.png'>.log",  "&lt;b&gt;[*].log",   "\u202Egol.exe",
                                          "a\nb\r\x1B]0;t\x07.log", "\u2066x\u2029y.log", "$(id)`id`;&.log"};
@@ -127,37 +125,28 @@ TEST_F(HostileText, FileNamesAreShownAsTheyStand) {
 
 TEST_F(HostileText, FileDialogsShowFileNamesAsTheyStand) {
   QtFileDialogs real;
-  FileRequest request;
-  request.title = "<b>Save[*]";
-  request.filter = "Text (*.txt)|*.txt";
-  request.folder = folder.path();
-  request.fileMustExist = true;
-  const QString typed = toFileName(folder / "<img src='x.png'>.txt");
-  const auto typeName = [&typed](QFileDialog& dialog) {
-    expectNothingInterpreted();
-    dialog.findChild<QLineEdit*>()->setText(typed);
-    QMetaObject::invokeMethod(&dialog, "accept", Qt::QueuedConnection);
+  const std::filesystem::path name = folder / "<img src='x.png'>.txt";
+  // Types the name into the file dialog, which then asks something: whether to overwrite, or, of a missing file, why.
+  const auto type = [this, &name](bool overwrites) {
+    onDialog<QFileDialog>([this, &name, overwrites](QFileDialog& dialog) {
+      expectNothingInterpreted();
+      dialog.findChild<QLineEdit*>()->setText(toFileName(name));
+      QMetaObject::invokeMethod(&dialog, "accept", Qt::QueuedConnection);
+      onDialog<QMessageBox>([&dialog, overwrites](QMessageBox& box) {
+        expectNothingInterpreted();
+        if (overwrites) return box.button(QMessageBox::Yes)->click();
+        QMetaObject::invokeMethod(&dialog, "reject", Qt::QueuedConnection);
+        box.reject();
+      });
+    });
   };
-  // The file is missing, says Qt; then the file dialog is there again.
-  onDialog<QFileDialog>([this, typeName](QFileDialog& dialog) {
-    typeName(dialog);
-    onDialog<QMessageBox>([&dialog](QMessageBox& box) {
-      expectNothingInterpreted();
-      QMetaObject::invokeMethod(&dialog, "reject", Qt::QueuedConnection);
-      box.reject();
-    });
-  });
+  FileRequest request{"<b>Save[*]", "Text (*.txt)|*.txt", 1, folder.path(), true, false};
+  type(false);
   EXPECT_EQ(real.askOpenFile(&window, request).outcome, FileChoice::Outcome::Cancelled);
-  folder.write("<img src='x.png'>.txt", "");
+  folder.write(name.filename().string(), "");
   request.asksBeforeOverwriting = true;
-  onDialog<QFileDialog>([this, typeName](QFileDialog& dialog) {
-    typeName(dialog);
-    onDialog<QMessageBox>([](QMessageBox& box) {
-      expectNothingInterpreted();
-      box.button(QMessageBox::Yes)->click();
-    });
-  });
-  EXPECT_EQ(real.askSaveFile(&window, request).path, folder / "<img src='x.png'>.txt");
+  type(true);
+  EXPECT_EQ(real.askSaveFile(&window, request).path, name);
 }
 
 TEST_F(HostileText, TenMegabytesOfANameAreNoName) {
@@ -167,10 +156,9 @@ TEST_F(HostileText, TenMegabytesOfANameAreNoName) {
   for (const char* cut : {"0", "1"}) {
     settings.WriteSetting("MAIN", "TrunkLongUsernames", cut);
     const std::string name(kSize, 'n');
-    const auto find = [this, &name] {
+    lookAtDialog([&] {  // what has no room in a record is told
       openAndFind(sessionLog(1, name, "alice") + sessionLog(2, "10.0.0.5", name) + sessionLog(3, "10.0.0.5", "bob"));
-    };
-    lookAtDialog(find);  // what has no room in a record is told
+    });
     EXPECT_EQ(status(StatusPanel::Logons), "Logons: 3");
     EXPECT_EQ(window.panes().tree().model()->rowCount(), *cut == '0' ? 1 : 2);
     EXPECT_LT(folder.read("error.log").size(), 20'000u);

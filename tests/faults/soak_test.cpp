@@ -15,6 +15,7 @@
 #include <QWindow>
 #include <array>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <iterator>
 #include <random>
@@ -56,17 +57,6 @@ std::multiset<std::string> openHandles() {
   return targets;
 }
 
-auto threadCount() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-}
-
-std::string joined(const std::multiset<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names)
-    text += name + ' ';
-  return text;
-}
-
 /// One start of the program, and what a user does to it from there.
 class Desk final : public WindowTest {
  public:
@@ -82,23 +72,12 @@ class Desk final : public WindowTest {
     rest();
   }
 
-  void doSomething() {
-    if (pick(2) == 0) {
-      chooseItem(static_cast<MenuItem>(pick(Menus::kItemCount)));
-    } else {
-      (this->*kOthers[pick(kOthers.size())])();
-    }
-    runEvents();
-  }
+  void doSomething() { act(pick(2) == 0 ? pick(Menus::kItemCount) : Menus::kItemCount + pick(m_others.size())); }
   /// Everything once: what Qt loads and opens at first use is there afterwards.
   void doEverything() {
-    for (std::size_t item = 0; item < Menus::kItemCount; ++item)
-      chooseItem(static_cast<MenuItem>(item));
-    for (const auto other : kOthers)
-      (this->*other)();
-    runEvents();
+    for (std::size_t n = 0; n < Menus::kItemCount + m_others.size(); ++n)
+      act(n);
   }
-
   /// To where every start begins: what is then in use can be compared.
   void rest() {
     std::filesystem::remove(folder / "out.txt");
@@ -121,8 +100,18 @@ class Desk final : public WindowTest {
  private:
   void TestBody() override {}
 
-  std::size_t pick(std::size_t count) { return m_random() % count; }
-
+  template <typename Count>
+  Count pick(Count count) {
+    return count == 0 ? 0 : static_cast<Count>(m_random() % static_cast<std::size_t>(count));
+  }
+  void act(std::size_t n) {
+    if (n < Menus::kItemCount) {
+      chooseItem(static_cast<MenuItem>(n));
+    } else {
+      m_others[n - Menus::kItemCount]();
+    }
+    runEvents();
+  }
   void chooseItem(MenuItem item) {
     if (item == MenuItem::mnuExit || item == MenuItem::mnuWebVisitWebsite || item == MenuItem::mnuWebSendEmail ||
         item == MenuItem::mnuWebReportBug)
@@ -134,75 +123,9 @@ class Desk final : public WindowTest {
       std::filesystem::remove(folder / "out.txt");
   }
   [[nodiscard]] QModelIndex anyNode() {
-    const QAbstractItemModel& model = *window.panes().tree().model();
-    if (model.rowCount() == 0) return {};
-    const QModelIndex top = model.index(static_cast<int>(pick(static_cast<std::size_t>(model.rowCount()))), 0);
-    const int children = model.rowCount(top);
-    return pick(4) == 0 ? top : model.index(static_cast<int>(pick(static_cast<std::size_t>(children))), 0, top);
-  }
-  void clickNode() {
-    SessionTreeBox& tree = window.panes().tree();
-    const QModelIndex node = anyNode();
-    tree.scrollTo(node);
-    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, tree.visualRect(node).center());
-  }
-  void tickNode() {
-    window.panes().tree().setCurrentIndex(anyNode());
-    QTest::keyClick(&window.panes().tree(), Qt::Key_Space);
-  }
-  void searchTree() { window.panes().tree().keyboardSearch(QStringLiteral("b")); }
-  void openPopUp() {
-    QContextMenuEvent press(QContextMenuEvent::Mouse, QPoint(5, 5), window.mapToGlobal(QPoint(5, 5)));
-    QCoreApplication::sendEvent(window.panes().tree().viewport(), &press);
-  }
-  void openBranches() {
-    for (int row = 0; row < window.panes().tree().model()->rowCount(); ++row)
-      window.panes().tree().setExpanded(window.panes().tree().model()->index(row, 0), pick(2) == 0);
-  }
-  void resize() { window.resize(300 + static_cast<int>(pick(900)), 200 + static_cast<int>(pick(700))); }
-  void copyText() {
-    window.panes().filter().selectAll();
-    window.panes().filter().copy();
-  }
-  /// As the server, or somebody else, changes it.
-  void changeLog() {
-    const std::filesystem::path log = folder / "changing.log";
-    const std::string text = sessionLog(7, "10.0.0.7", "zoe");
-    const auto size = std::filesystem::exists(log) ? std::filesystem::file_size(log) : 0;
-    switch (pick(4)) {
-      case 0:
-        if (size > 0) std::filesystem::resize_file(log, pick(size));
-        break;
-      case 1:
-        std::filesystem::remove(log);
-        break;
-      case 2:
-        folder.write("changing.log", text + text);
-        break;
-      default:
-        if (size < 100'000) std::ofstream(log, std::ios::app) << text + text + text;
-    }
-  }
-  void dropLog() { commands.openLogFile(m_logs[pick(m_logs.size())]); }
-  void changeSetting() {
-    constexpr std::array kSettings = {std::pair("OPTION-FILTER", "FilterTransfers"),
-                                      std::pair("OPTION-FILTER", "AutoFilterSession"),
-                                      std::pair("OPTION-TREEVIEW", "TreeViewType"),
-                                      std::pair("OPTION-TREEVIEW", "DisplayQUITUsers"),
-                                      std::pair("OPTION-SAVE", "AppendWhenFilter"),
-                                      std::pair("MAIN", "TrunkLongUsernames"),
-                                      std::pair("OPTION-COUNTER", "GetFilenameOnTransferError"),
-                                      std::pair("Main", "LastOpenFile01")};
-    constexpr std::array kValues = {"0", "1", "2", "-1", "x"};
-    const auto& [section, key] = kSettings[pick(kSettings.size())];
-    settings.WriteSetting(section, key, kValues[pick(kValues.size())]);
-    commands.toggleAutoFilter();
-  }
-  void askForFile() {
-    FileRequest request;
-    request.filter = "Log (*.*)|*.*";
-    request.folder = folder.path();
-    (void)QtFileDialogs().askOpenFile(&window, request);
+    const QAbstractItemModel& model = *m_tree.model();
+    const QModelIndex top = model.index(pick(model.rowCount()), 0);
+    return pick(4) == 0 ? top : model.index(pick(model.rowCount(top)), 0, top);
   }
 
   /// The user's other hand: whatever is open is played with and closed, whatever runs is now and then stopped.
@@ -224,24 +147,70 @@ class Desk final : public WindowTest {
   /// Buttons are clicked later: another dialog may come of it.
   void playWith(QDialog& dialog) {
     for (QListWidget* const list : dialog.findChildren<QListWidget*>())
-      if (pick(2) == 0) list->setCurrentRow(static_cast<int>(pick(static_cast<std::size_t>(list->count()))));
+      if (pick(2) == 0) list->setCurrentRow(pick(list->count()));
     for (QLineEdit* const field : dialog.findChildren<QLineEdit*>())
       if (!field->isReadOnly()) field->setText(QString::fromLatin1(kInputs[pick(kInputs.size())]));
     const auto buttons = dialog.findChildren<QAbstractButton*>();
     if (buttons.isEmpty()) return;
-    auto* const button = buttons[static_cast<qsizetype>(pick(static_cast<std::size_t>(buttons.size())))];
+    auto* const button = buttons[pick(buttons.size())];
     if (button->isVisible()) QMetaObject::invokeMethod(button, "click", Qt::QueuedConnection);
   }
 
-  static constexpr std::array kOthers = {&Desk::clickNode,    &Desk::tickNode,      &Desk::searchTree, &Desk::openPopUp,
-                                         &Desk::openBranches, &Desk::resize,        &Desk::copyText,   &Desk::changeLog,
-                                         &Desk::dropLog,      &Desk::changeSetting, &Desk::askForFile};
   static constexpr std::array kNames = {"alice", "bob", "<b>carol</b>", "a-name-that-is-longer-than-a-record-allows"};
   static constexpr std::array kInputs = {"1", "5000", "-3", "99999999999", "127.0.0.1", "::1", "no host!", ""};
   std::mt19937 m_random;
+  SessionTreeBox& m_tree = window.panes().tree();
+  /// What is done apart from choosing menu items.
+  const std::vector<std::function<void()>> m_others = {
+      [this] {
+        const QModelIndex node = anyNode();
+        m_tree.scrollTo(node);
+        QTest::mouseClick(m_tree.viewport(), Qt::LeftButton, {}, m_tree.visualRect(node).center());
+      },
+      [this] {
+        m_tree.setCurrentIndex(anyNode());
+        QTest::keyClick(&m_tree, Qt::Key_Space);
+      },
+      [this] { m_tree.keyboardSearch(QStringLiteral("b")); },
+      [this] {
+        QContextMenuEvent press(QContextMenuEvent::Mouse, QPoint(5, 5), window.mapToGlobal(QPoint(5, 5)));
+        QCoreApplication::sendEvent(m_tree.viewport(), &press);
+      },
+      [this] {
+        for (int row = 0; row < m_tree.model()->rowCount(); ++row)
+          m_tree.setExpanded(m_tree.model()->index(row, 0), pick(2) == 0);
+      },
+      [this] { window.resize(300 + pick(900), 200 + pick(700)); },
+      [this] {
+        window.panes().filter().selectAll();
+        window.panes().filter().copy();
+      },
+      [this] {  // as the server, or somebody else, changes it
+        const std::string old = folder.read("changing.log");
+        const std::string line = sessionLog(7, "10.0.0.7", "zoe");
+        const std::string texts[] = {old.substr(0, pick(old.size() + 1)), line + line,
+                                     old.substr(0, 100'000) + line + line + line};
+        folder.write("changing.log", texts[pick(3)]);
+        if (pick(4) == 0) std::filesystem::remove(folder / "changing.log");
+      },
+      [this] { commands.openLogFile(m_logs[pick(m_logs.size())]); },
+      [this] {  // as an editor changes any setting
+        constexpr std::array kValues = {"0", "1", "2", "-1", "x"};
+        std::string text = folder.read("quorvel.ini");
+        const auto value = text.find('=', pick(text.size() + 1)) + 1;
+        text.replace(value, text.find('\r', value) - value, kValues[pick(kValues.size())]);
+        folder.write("quorvel.ini", text);
+        commands.toggleAutoFilter();
+      },
+      [this] {
+        FileRequest request;
+        request.filter = "Log (*.*)|*.*";
+        request.folder = folder.path();
+        (void)QtFileDialogs().askOpenFile(&window, request);
+      }};
   std::vector<std::filesystem::path> m_logs;
   QTimer m_hand;
-  std::size_t m_turnsLeft = 0;
+  int m_turnsLeft = 0;
 };
 
 /// Runs a start of the program and returns how much more memory it has at its end than after a fifth of the way.
@@ -257,10 +226,10 @@ std::ptrdiff_t growthOf(Desk& desk, int count) {
   }
   desk.rest();
   constexpr std::ptrdiff_t kMostThreads = 25;  // Qt's lookups take up to 20
-  EXPECT_LE(threadCount(), kMostThreads);
+  EXPECT_LE(std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}), kMostThreads);
   // A lookup given up on may still be on its way.
   EXPECT_TRUE(QTest::qWaitFor([&handles] { return openHandles().size() <= handles.size(); }))
-      << joined(handles) << "\nnow " << joined(openHandles());
+      << testing::PrintToString(handles) << "\nnow " << testing::PrintToString(openHandles());
   return static_cast<std::ptrdiff_t>(liveBytes()) - static_cast<std::ptrdiff_t>(bytes);
 }
 

@@ -5,23 +5,19 @@
 #include "tests/fuzz/fuzz_input.h"
 #include "tools/command_codes.h"
 
+namespace quorvel::test {
 namespace {
-
-using namespace quorvel;
-using namespace quorvel::test;
 
 std::vector<std::string> split(std::string_view text, std::size_t most) {
   std::vector<std::string> arguments{""};
-  bool isInside = false;
+  char before = ' ';
   for (const char c : text) {
-    const bool isSeparator = c == ' ' || c == '\t';
-    if (!isSeparator && !isInside) {
-      if (arguments.size() > most) break;
-      arguments.emplace_back();
-    }
-    if (!isSeparator) arguments.back() += c;
-    isInside = !isSeparator;
+    const bool isBlank = c == ' ' || c == '\t';
+    if (!isBlank && (before == ' ' || before == '\t')) arguments.emplace_back();
+    if (!isBlank) arguments.back() += c;
+    before = c;
   }
+  arguments.resize(std::min(arguments.size(), most + 1));
   return arguments;
 }
 
@@ -41,8 +37,7 @@ std::vector<std::string> sort(const std::vector<std::string>& raw) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  FuzzInput input(data, size);
+void runTarget(FuzzInput input) {
   MemoryFiles files;
   Settings settings(files, "folder");
   const std::size_t most = input.byte();
@@ -53,5 +48,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(arguments.sortedArguments() == sort(arguments.rawArguments()), "codes are sorted");
   require(!arguments.endsWithOutputFile() || arguments.argumentCount() > 1, "the log is no output file");
   arguments.fix_filenames_from_command_array(arguments.sortedArguments()[1]);
-  return 0;
 }
+
+}  // namespace quorvel::test

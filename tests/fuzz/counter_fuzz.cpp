@@ -1,16 +1,15 @@
 // Transfers are counted as a plain loop over the log's lines counts them: those of sessions and those of the whole log.
 #include "tests/fuzz/session_input.h"
 
-using namespace quorvel;
-using namespace quorvel::test;
+namespace quorvel::test {
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void runTarget(FuzzInput input) {
   constexpr std::size_t kLongestLog = 600'000;
-  FuzzInput input(data, size);
   FuzzInput odd = input;
   for (int bytes = 0; bytes < 14; ++bytes)
     (void)input.byte();
   const std::string log = input.expandedRest(kLongestLog);
   requireNone(compareCounts(log, chooseSessions(log, odd)));
-  return 0;
 }
+
+}  // namespace quorvel::test

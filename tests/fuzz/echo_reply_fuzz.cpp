@@ -2,11 +2,9 @@
 #include "tests/fuzz/fuzz_input.h"
 #include "tests/support/echo_reply.h"
 
-using namespace quorvel;
-using namespace quorvel::test;
+namespace quorvel::test {
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  FuzzInput input(data, size);
+void runTarget(FuzzInput input) {
   const IpFamily family = input.flag() ? IpFamily::V4 : IpFamily::V6;
   const Echo echo{static_cast<std::uint16_t>(input.number(2)), std::string(input.rest().substr(0, 2000))};
   const std::string whole = echoReply(family, echo);
@@ -18,5 +16,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const auto any = parseEchoReply(family, input.rest());
   if (any) require(input.rest().ends_with(any->payload), "what is found stands in the message");
-  return 0;
 }
+
+}  // namespace quorvel::test

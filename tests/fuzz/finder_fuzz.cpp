@@ -2,13 +2,11 @@
 #include "tests/fuzz/fuzz_input.h"
 #include "tests/reference/comparison.h"
 
-using namespace quorvel;
-using namespace quorvel::test;
+namespace quorvel::test {
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void runTarget(FuzzInput input) {
   constexpr std::size_t kLongestLog = 40'000;
   constexpr std::size_t kSmallestBlock = 64;
-  FuzzInput input(data, size);
   FindOptions options;
   options.trunkLongUsernames = input.flag();
   const std::size_t blockSize = kSmallestBlock + input.number(2);
@@ -16,5 +14,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   requireNone(compareFinder(log, options));
   options.blockSize = blockSize;
   requireNone(compareFinder(log, options));
-  return 0;
 }
+
+}  // namespace quorvel::test

@@ -4,10 +4,8 @@
 #include "counter/transfer_count.h"
 #include "tests/fuzz/fuzz_input.h"
 
+namespace quorvel::test {
 namespace {
-
-using namespace quorvel;
-using namespace quorvel::test;
 
 /// What the C library makes of text, times 10,000; not a number where it takes less than all of it.
 long double scaledByLibrary(const std::string& text) {
@@ -22,8 +20,7 @@ long double scaledByLibrary(const std::string& text) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  FuzzInput input(data, size);
+void runTarget(FuzzInput input) {
   const auto a = static_cast<std::int64_t>(std::uint64_t{input.number(4)} << 32 | input.number(4));
   const auto b = static_cast<std::int64_t>(input.number(4));
   require(parseFixedPoint(fixedPointText(a)) == a, "a number that was written can be read");
@@ -41,5 +38,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } else {
     require(std::isnan(expected) || std::fabs(expected) > kLargest, "a text that is no number, or a large one");
   }
-  return 0;
 }
+
+}  // namespace quorvel::test

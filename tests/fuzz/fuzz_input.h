@@ -11,8 +11,6 @@
 
 #include "tests/support/memory_log.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
 namespace quorvel::test {
 
 /// Ends the program, as a finding, unless the condition holds.
@@ -30,7 +28,7 @@ inline void requireNone(const std::string& difference) {
 /// Choices are taken from the end of the input, so that what is left in front reads as the text it is about.
 class FuzzInput {
  public:
-  FuzzInput(const std::uint8_t* data, std::size_t size) : m_bytes(reinterpret_cast<const char*>(data), size) {}
+  explicit FuzzInput(std::string_view bytes) : m_bytes(bytes) {}
 
   /// The next byte; 0 when none is left.
   [[nodiscard]] unsigned byte() {
@@ -72,5 +70,8 @@ class FuzzInput {
  private:
   std::string_view m_bytes;
 };
+
+/// What a target does with one input; each defines it.
+void runTarget(FuzzInput input);
 
 }  // namespace quorvel::test

@@ -3,10 +3,8 @@
 #include "core/users_file.h"
 #include "tests/fuzz/fuzz_input.h"
 
+namespace quorvel::test {
 namespace {
-
-using namespace quorvel;
-using namespace quorvel::test;
 
 void checkSlot(std::string_view slot) {
   const auto record = decodeRecord(slot);
@@ -50,8 +48,7 @@ void checkWriter(FuzzInput& input) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  FuzzInput input(data, size);
+void runTarget(FuzzInput input) {
   const auto newIndex = static_cast<std::int32_t>(input.number(4));
   MemoryFiles files;
   files.put("users.qva", input.rest());
@@ -61,5 +58,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   checkFile(files, newIndex);
   require(files.content("users.qva").size() == length, "the file keeps its length");
   checkWriter(input);
-  return 0;
 }
+
+}  // namespace quorvel::test

@@ -2,13 +2,11 @@
 // what the same loop chooses.
 #include "tests/fuzz/session_input.h"
 
-using namespace quorvel;
-using namespace quorvel::test;
+namespace quorvel::test {
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void runTarget(FuzzInput input) {
   constexpr std::size_t kLongestLog = 100'000;
   constexpr std::size_t kSmallestBlock = 64;
-  FuzzInput input(data, size);
   const unsigned choice = input.byte();
   const std::size_t blockSize = kSmallestBlock + input.number(2);
   FuzzInput odd = input;
@@ -17,5 +15,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string log = input.expandedRest(kLongestLog);
   const CommandSwitches on{(choice & 1) != 0, (choice & 2) != 0, (choice & 4) != 0, (choice & 8) != 0};
   requireNone(compareSessionLines(log, chooseSessions(log, odd), on, blockSize));
-  return 0;
 }
+
+}  // namespace quorvel::test

@@ -7,10 +7,8 @@
 #include "tests/reference/block_search.h"
 #include "tools/go_to_position.h"
 
+namespace quorvel::test {
 namespace {
-
-using namespace quorvel;
-using namespace quorvel::test;
 
 void checkFolding(std::string_view text, std::string_view needle) {
   const std::string folded = lowerCase(text);
@@ -43,8 +41,7 @@ void checkPosition(std::string_view text, std::int32_t position) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  FuzzInput input(data, size);
+void runTarget(FuzzInput input) {
   const auto position = static_cast<std::int32_t>(input.flag() ? input.number(4) : input.number(2));
   const std::string needle = input.text(8);
   const std::string text = input.expandedRest(20'000);
@@ -55,5 +52,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   checkNumber(needle);
   checkNumber(text);
   checkPosition(text, position);
-  return 0;
 }
+
+}  // namespace quorvel::test

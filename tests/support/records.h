@@ -1,7 +1,7 @@
 // Session records as text, for failure messages.
 #pragma once
 
-#include <ostream>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -9,32 +9,30 @@
 
 namespace quorvel::test {
 
-/// Bytes that are not printable ASCII as \xNN; the middle of a long text left out.
-[[nodiscard]] inline std::string visible(std::string_view text) {
+/// Bytes that are not printable ASCII as \xNN; what lies between longest bytes at either end left out.
+[[nodiscard]] inline std::string visible(std::string_view text, std::size_t longest = 80) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
-  constexpr std::size_t kLongest = 80;
+  if (text.size() > 2 * longest) {
+    return visible(text.substr(0, longest)) + "...(" + std::to_string(text.size()) + " bytes)..." +
+           visible(text.substr(text.size() - longest));
+  }
   std::string shown;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (i == kLongest && text.size() > 2 * kLongest) {
-      shown.append("...(").append(std::to_string(text.size())).append(" bytes)...");
-      i = text.size() - kLongest;
-    }
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if (byte >= 0x20 && byte < 0x7F) {
-      shown += text[i];
-    } else {
-      shown += {'\\', 'x', kDigits[byte / 16], kDigits[byte % 16]};
-    }
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    shown += byte >= 0x20 && byte < 0x7F ? std::string(1, c)
+                                         : std::string{'\\', 'x', kDigits[byte / 16], kDigits[byte % 16]};
   }
   return shown;
 }
 
 [[nodiscard]] inline std::string describe(const UserAct& record) {
-  std::string text = std::string("{").append(std::to_string(record.Position));
+  std::ostringstream text;
+  text << '{' << record.Position;
   for (const std::string* field :
        {&record.Name, &record.NumberInLog, &record.IP, &record.ConnectTime, &record.LogonTime, &record.LogoffTime})
-    text.append(", \"").append(visible(*field)).append("\"");
-  return text.append(", " + std::to_string(record.LogonNo)).append(", " + std::to_string(record.TreeIndex)).append("}");
+    text << ", \"" << visible(*field) << '"';
+  text << ", " << record.LogonNo << ", " << record.TreeIndex << '}';
+  return text.str();
 }
 
 }  // namespace quorvel::test

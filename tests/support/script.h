@@ -12,16 +12,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tests/support/records.h"
+#include "tests/support/temp_folder.h"
 
 namespace quorvel::test {
 
@@ -29,26 +31,18 @@ struct Script {
   std::filesystem::path file;
   std::string text;  ///< from its name on
 
-  /// Its name, fit for GoogleTest.
+  /// Its file's and its own name, fit for GoogleTest.
   [[nodiscard]] std::string name() const {
-    std::string name = text.substr(3, text.find('\n') - 3);
-    std::replace_if(
-        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
-    return name;
+    const std::string title = text.substr(3, text.find('\n') - 3);
+    return std::regex_replace(file.stem().string() + ' ' + title, std::regex("[^A-Za-z0-9]"), "_");
   }
-  friend void PrintTo(const Script& script, std::ostream* out) { *out << script.file.stem().string(); }
 };
-
-inline std::string readText(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// Every script of the folder's text files, in the order of their names.
 inline std::vector<Script> loadScripts(const std::filesystem::path& folder) {
   std::vector<Script> scripts;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    std::istringstream lines(readText(entry.path()));
+    std::istringstream lines(readFile(entry.path()));
     for (std::string line; std::getline(lines, line);) {
       if (line.starts_with("== ")) scripts.push_back({entry.path(), {}});
       scripts.back().text += line + "\n";
@@ -58,19 +52,9 @@ inline std::vector<Script> loadScripts(const std::filesystem::path& folder) {
   return scripts;
 }
 
-/// Bytes that are not printable ASCII as \xNN, "$" for an empty line and behind a blank at the end.
-inline std::string printable(std::string_view line) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string shown;
-  for (const char c : line) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= ' ' && byte <= '~') {
-      shown += c;
-    } else {
-      shown += {'\\', 'x', kDigits[byte / 16], kDigits[byte % 16]};
-    }
-  }
-  return line.empty() || line.ends_with(' ') ? shown + '$' : shown;
+/// A line as it stands in a script: "$" for an empty one and behind a blank at the end.
+inline std::string scriptLine(std::string_view line) {
+  return visible(line, line.size()) + (line.empty() || line.ends_with(' ') ? "$" : "");
 }
 
 /// What a file holds: its lines behind a bar.
@@ -94,11 +78,11 @@ inline void play(const Script& script, const std::function<std::string(const std
     if (line.empty() || line.starts_with("#") || line.starts_with("==")) continue;
     std::istringstream answers(act(line));
     for (std::string answer; std::getline(answers, answer);)
-      played += "  " + printable(answer) + "\n";
+      played += "  " + scriptLine(answer) + "\n";
   }
   EXPECT_EQ(script.text, played);
   if (std::getenv("QUORVEL_ACCEPT_SCRIPTS") == nullptr) return;
-  std::string all = readText(script.file);
+  std::string all = readFile(script.file);
   all.replace(all.find(script.text), script.text.size(), played);
   std::ofstream(script.file, std::ios::binary) << all;
 }

@@ -10,6 +10,12 @@
 
 namespace quorvel::test {
 
+/// Content of a file; empty when it is missing.
+inline std::string readFile(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 class TempFolder {
  public:
   TempFolder()
@@ -31,11 +37,7 @@ class TempFolder {
     std::ofstream(m_path / name, std::ios::binary) << content;
     return m_path / name;
   }
-  /// Content of a file in the folder; empty when it is missing.
-  [[nodiscard]] std::string read(std::string_view name) const {
-    std::ifstream file(m_path / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  [[nodiscard]] std::string read(std::string_view name) const { return readFile(m_path / name); }
   [[nodiscard]] bool has(std::string_view name) const { return std::filesystem::exists(m_path / name); }
 
  private:

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdio>
+#include <initializer_list>
 #include <random>
-#include <span>
 #include <string_view>
 #include <vector>
+
+#include "core/text.h"
+#include "tests/reference/block_search.h"
 
 namespace quorvel::test {
 namespace {
@@ -78,18 +80,10 @@ class LogMaker {
 
   std::size_t below(std::size_t count) { return static_cast<std::size_t>(m_random() % count); }
   bool chance(std::size_t percent) { return below(100) < percent; }
+  std::string pick(const std::vector<std::string_view>& texts) { return std::string(texts[below(texts.size())]); }
   template <typename T>
-  const T& pick(std::span<const T> choices) {
-    return choices[below(choices.size())];
-  }
-
-  std::size_t pickSize() {
-    const std::size_t kind = below(1000);
-    if (kind < 100) return 10 + below(300);
-    if (kind < 600) return 300 + below(4000);
-    if (kind < 900) return 3000 + below(14000);
-    if (kind < 995) return 10000 + below(60000);
-    return 60000 + below(340000);
+  T pick(std::initializer_list<T> values) {
+    return values.begin()[below(values.size())];
   }
 
   void step() {
@@ -105,23 +99,19 @@ class LogMaker {
   }
 
   std::string event(const Session& session) {
-    std::string text(pick<std::string_view>(kEvents));
-    if (const auto star = text.find('*'); star != std::string::npos) {
+    std::string text = pick(kEvents);
+    if (const auto star = text.find('*'); star != std::string::npos)
       text.replace(star, 1, chance(85) ? session.name : makeName());
-    }
     return text;
   }
 
   std::string makeName() {
-    constexpr std::array<std::size_t, 8> kLengths = {30, 300, 3950, 3973, 3974, 3980, 9000, 40000};
-    if (m_longNames && chance(15)) return std::string(pick<std::size_t>(kLengths), 'n');
-    return std::string(pick<std::string_view>(kNames));
+    if (!m_longNames || !chance(15)) return pick(kNames);
+    return std::string(pick({30u, 300u, 3950u, 3973u, 3974u, 3980u, 9000u, 40000u}), 'n');
   }
 
   void connect() {
-    Session session{
-        std::string(chance(m_oddPercent) ? pick<std::string_view>(kOddNumbers) : pick<std::string_view>(kUsualNumbers)),
-        makeName(), 0};
+    Session session{pick(chance(m_oddPercent) ? kOddNumbers : kUsualNumbers), makeName(), 0};
     const std::size_t before = m_log.size();
     std::string text = std::string("Connected to 10.").append(std::to_string(below(300))).append(".0.5");
     if (chance(80)) text += " (Local address 10.0.0.1)";
@@ -134,9 +124,8 @@ class LogMaker {
   }
 
   void close(const Session& session) {
-    std::string text = "Closing connection for user TEST (00:01:08 connected)";
-    if (chance(10)) return line(stamp() + " ! " + session.number + " " + text);
-    sessionLine(session, text);
+    line(stamp() + (chance(10) ? " ! " : " - ") + session.number +
+         " Closing connection for user TEST (00:01:08 connected)");
   }
 
   void serverStart() {
@@ -166,21 +155,18 @@ class LogMaker {
   }
 
   void changeCase(std::string& text) {
-    const std::size_t way = below(3);
-    for (char& c : text) {
-      const bool flip = way == 2 ? chance(50) : true;
-      const auto byte = static_cast<unsigned char>(c);
-      const bool isLatinLetter = byte >= 0xC0 && byte != 0xD7 && byte != 0xDF && byte != 0xF7 && byte != 0xFF;
-      if (!flip || !(isLatinLetter || (byte < 0x80 && std::isalpha(byte)))) continue;
-      c = static_cast<char>(way == 0 ? byte | 0x20u : way == 1 ? byte & ~0x20u : byte ^ 0x20u);
-    }
+    const std::string lower = lowerCase(text);
+    const std::string upper = upperCase(text);
+    const std::size_t upperPercent = pick({0u, 50u, 100u});
+    for (std::size_t i = 0; i < text.size(); ++i)
+      text[i] = chance(upperPercent) ? upper[i] : lower[i];
   }
 
   void noise() {
     static const auto kNoise = split(
         "| |(000012)|) Connected to|- (000012) |) Connected to  x|- Starting FTP|\0\0\0|- Starting FTP Server..|"
         "(((((((((((((((((((((((((((((((((((("sv);
-    if (chance(70)) return line(std::string(pick<std::string_view>(kNoise)));
+    if (chance(70)) return line(pick(kNoise));
     fill(below(chance(95) ? 400 : 9000));
   }
 
@@ -195,58 +181,47 @@ class LogMaker {
   /// Writes a line whose token starts where a search from an open session changes blocks, or right beside that, and
   /// a few more of the session's lines behind it.
   void align() {
+    static const auto kAligned = split(
+        "USER alice|QUIT|Closing connection|530 Incorrect password|530 Not logged in - password incorrect|"
+        "User alice logged in"sv);
     if (m_open.empty()) return;
-    struct Search {
-      std::size_t overlap;      ///< length of the text searched for
-      std::size_t tokenOffset;  ///< where it starts in a line without a bracket: at the dash or at the number
-    };
-    constexpr std::array<Search, 8> kSearches = {
-        {{13, 23}, {14, 23}, {27, 23}, {53, 21}, {53, 21}, {31, 21}, {14, 21}, {49, 21}}};
-    constexpr std::array<int, 12> kBeside = {-2, -1, 0, 0, 1, 2, -92, -97, -98, -99, -100, -101};
     const Session session = m_open[below(m_open.size())];
-    const Search search = pick<Search>(kSearches);
-    fillTo(session.begin, search.overlap, pick<int>(kBeside), search.tokenOffset);
-    m_log += alignedLine(session);
+    // The length of the text searched for, and where it begins in a line without a bracket: at the dash or the number.
+    const auto [overlap, begin] =
+        pick({std::pair{13, 23}, {14, 23}, {27, 23}, {53, 21}, {53, 21}, {31, 21}, {14, 21}, {49, 21}});
+    fillTo(session.begin, overlap, pick({-2, -1, 0, 0, 1, 2, -92, -97, -98, -99, -100, -101}) - begin);
+    m_log +=
+        stamp() + (chance(20) ? " - Starting FTP Server..." : " - " + session.number + " " + pick(kAligned)) + "\r\n";
     for (std::size_t more = below(4); more > 0; --more)
       sessionLine(session, event(session));
     if (chance(30)) close(session);
   }
 
-  std::string alignedLine(const Session& session) {
-    static const auto kAligned = split(
-        "USER alice|QUIT|Closing connection|530 Incorrect password|530 Not logged in - password incorrect|"
-        "User alice logged in"sv);
-    if (chance(20)) return stamp() + " - Starting FTP Server...\r\n";
-    return stamp() + " - " + session.number + " " + std::string(pick<std::string_view>(kAligned)) + "\r\n";
-  }
-
   /// A connect line whose mark starts where the search for the next session changes blocks.
   void alignConnect() {
-    constexpr std::string_view kMark = ") Connected to ";
-    const std::size_t last = m_log.rfind(kMark);
-    fillTo(last == std::string::npos ? 0 : last + 60, kMark.size(), static_cast<int>(below(5)) - 2, 30);
+    const std::size_t last = m_log.rfind(") Connected to ");
+    fillTo(last == std::string::npos ? 0 : last + 60, 15, static_cast<int>(below(5)) - 32);
     m_log += stamp() + " - (000042) Connected to 10.0.0.42 (Local address 10.0.0.1)\r\n";
   }
 
-  /// Fills up so that offset bytes further on, some block of a search from begin starts, give or take beside bytes.
-  void fillTo(std::size_t begin, std::size_t overlap, int beside, std::size_t offset) {
-    std::int64_t target = static_cast<std::int64_t>(begin) + beside - static_cast<std::int64_t>(offset);
+  /// Fills up to so many bytes beside the start of some block of a search from begin.
+  void fillTo(std::size_t begin, int overlap, int beside) {
+    std::int64_t target = static_cast<std::int64_t>(begin) + beside;
     while (target < static_cast<std::int64_t>(m_log.size()) + 2)
-      target += kBlock - static_cast<std::int64_t>(overlap);
+      target += kBlock - overlap;
     fill(static_cast<std::size_t>(target) - m_log.size() - 2);
   }
 
   void cutEnd() {
     const std::size_t way = below(6);
-    if (way < 2) return;
-    if (way == 2) return m_log.resize(m_log.size() - below(std::min<std::size_t>(m_log.size(), 200)));
-    if (way == 3 && m_log.size() > kBlock) {  // an end that lies exactly at, or next to, the end of a block
+    if (way == 2) m_log.resize(m_log.size() - below(std::min<std::size_t>(m_log.size(), 200)));
+    if (way == 3) {  // exactly at, or next to, the end of a block
       const std::size_t begin = m_open.empty() ? 0 : m_open.back().begin;
       const std::size_t blocks = (m_log.size() - begin) / kBlock;
       if (blocks > 0) m_log.resize(begin + blocks * (kBlock - below(60)) + below(5));
-      return;
     }
-    const std::string_view token = pick<std::string_view>(kTokens);
+    if (way < 4) return;
+    const std::string token = pick(kTokens);
     const std::size_t at = m_log.rfind(token);
     if (at != std::string::npos) m_log.resize(at + (chance(50) ? token.size() : 1 + below(token.size())));
   }
@@ -264,15 +239,16 @@ class LogMaker {
   std::size_t m_clock = 0;
 
   // The habits of this log, drawn in this order.
-  const std::size_t m_size = pickSize();
+  const std::size_t m_size =
+      10 + below(chance(1) ? 400'000 : pick({300u, 4000u, 4000u, 4000u, 4000u, 16'000u, 16'000u, 60'000u}));
   const bool m_lineFeedOnly = chance(15);
   const bool m_mixedLineEnds = chance(5);
-  const std::size_t m_bracketPercent = pick<std::size_t>(std::array<std::size_t, 4>{0, 100, 100, 50});
+  const std::size_t m_bracketPercent = pick({0u, 100u, 100u, 50u});
   const std::size_t m_casePercent = chance(50) ? 0 : 20;
   const std::size_t m_oddPercent = chance(60) ? 0 : 40;
   const std::size_t m_noisePercent = chance(50) ? 5 : 20;
-  const std::size_t m_alignPercent = chance(50) ? 0 : 8;
-  const std::size_t m_closePercent = pick<std::size_t>(std::array<std::size_t, 4>{0, 10, 10, 25});
+  const std::size_t m_alignPercent = pick({0u, 8u, 30u});
+  const std::size_t m_closePercent = pick({0u, 10u, 10u, 25u});
   const std::size_t m_restartPercent = chance(60) ? 0 : 3;
   const bool m_longNames = chance(3);
   // Long logs get few sessions: each that never ends is searched for up to the end of the log.

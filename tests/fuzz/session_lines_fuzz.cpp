@@ -13,7 +13,7 @@ void runTarget(FuzzInput input) {
   for (int bytes = 0; bytes < 14; ++bytes)
     (void)input.byte();
   const std::string log = input.expandedRest(kLongestLog);
-  const CommandSwitches on{(choice & 1) != 0, (choice & 2) != 0, (choice & 4) != 0, (choice & 8) != 0};
+  const CommandFilterOptions on{(choice & 1) != 0, (choice & 2) != 0, (choice & 4) != 0, (choice & 8) != 0};
   requireNone(compareSessionLines(log, chooseSessions(log, odd), on, blockSize));
 }
 

@@ -35,10 +35,8 @@ struct Written final : FilterOutput {
 /// Takes the lines of sessions and compares them at each session's end. Every fifth session is given up on the way.
 class SessionCheck final : public SessionLineConsumer {
  public:
-  SessionCheck(std::string_view log, CommandSwitches switches)
-      : m_log(log),
-        m_switches(switches),
-        m_commandFilter({switches.transfers, switches.deletes, switches.site, switches.mdtm}) {}
+  SessionCheck(std::string_view log, CommandFilterOptions switches)
+      : m_log(log), m_switches(switches), m_commandFilter(switches) {}
 
   bool beginSession(const UserAct& session) override {
     ++m_begun;
@@ -85,7 +83,7 @@ class SessionCheck final : public SessionLineConsumer {
   }
 
   std::string_view m_log;
-  CommandSwitches m_switches;
+  CommandFilterOptions m_switches;
   EntireSessionFilter m_entireFilter;
   CommandFilter m_commandFilter;
   std::vector<std::string> m_lines;
@@ -144,8 +142,8 @@ std::string compareFinder(const std::string& log, const FindOptions& options) {
                     scanSessions(log, options.trunkLongUsernames));
 }
 
-std::string compareSessionLines(const std::string& log, const std::vector<UserAct>& sessions, CommandSwitches switches,
-                                std::size_t blockSize) {
+std::string compareSessionLines(const std::string& log, const std::vector<UserAct>& sessions,
+                                CommandFilterOptions switches, std::size_t blockSize) {
   for (const std::size_t stopAfter : {std::size_t{SIZE_MAX}, std::size_t{1}}) {
     SessionCheck check(log, switches);
     check.stopAfter = stopAfter;

@@ -22,7 +22,7 @@ namespace quorvel::test {
 
 /// The lines handed out for the sessions, and what both filters make of them; blockSize is what is read at once.
 [[nodiscard]] std::string compareSessionLines(const std::string& log, const std::vector<UserAct>& sessions,
-                                              CommandSwitches switches, std::size_t blockSize);
+                                              CommandFilterOptions switches, std::size_t blockSize);
 
 /// The transfers of each session and those of the whole log.
 [[nodiscard]] std::string compareCounts(const std::string& log, const std::vector<UserAct>& sessions);

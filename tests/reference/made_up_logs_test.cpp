@@ -43,7 +43,7 @@ TEST_P(MadeUpLogs, AreReadAsTheLiteralScansReadThem) {
     EXPECT_EQ(compareFinder(log, options), "");
     if (seed % 5 != 0) continue;  // the rest takes longer
     const auto sessions = someSessions(log, seed / 5);
-    const CommandSwitches on{(seed & 1) != 0, (seed & 2) != 0, (seed & 4) != 0, (seed & 8) != 0};
+    const CommandFilterOptions on{(seed & 1) != 0, (seed & 2) != 0, (seed & 4) != 0, (seed & 8) != 0};
     EXPECT_EQ(compareSessionLines(log, sessions, on, readSize), "");
     EXPECT_EQ(compareCounts(log, sessions), "");
   }

@@ -1,6 +1,8 @@
 #include "tests/reference/session_text.h"
 
 #include <algorithm>
+#include <initializer_list>
+#include <utility>
 
 #include "tests/reference/block_search.h"
 
@@ -29,9 +31,8 @@ struct FoldedLine {
       : line(lowerCase(text)), number(lowerCase(sessionNumber)) {}
 
   [[nodiscard]] bool contains(std::string_view text) const { return holds(line, lowerCase(text)); }
-  template <typename... Texts>
-  [[nodiscard]] bool hasMark(const Texts&... texts) const {
-    return (contains(number + texts) || ...);
+  [[nodiscard]] bool hasMark(std::initializer_list<const char*> texts) const {
+    return std::any_of(texts.begin(), texts.end(), [this](const char* text) { return contains(number + text); });
   }
   [[nodiscard]] bool isOfSession() const { return holds(line, number); }
   [[nodiscard]] bool isClose() const { return holds(line, "- " + number + " closing connection"); }
@@ -46,8 +47,8 @@ std::string connectMark(const UserAct& session) {
 }
 
 /// The command filter's flags and output.
-struct CommandFilter {
-  CommandSwitches switches;
+struct CommandBlocks {
+  CommandFilterOptions switches;
   std::vector<std::string> written;
   bool inTransfer = false;
   bool inDelete = false;
@@ -56,47 +57,39 @@ struct CommandFilter {
   bool inMdtm = false;
 
   void detect(const FoldedLine& line) {
-    if (!inTransfer && switches.transfers) inTransfer = line.hasMark(" STOR", " RETR");
-    if (!inDelete && switches.deletes) {
-      inDelete = line.hasMark(" DELE");
-      if (inDelete) deleteFirstLine = true;
-    }
-    if (!inSite && switches.site) inSite = line.hasMark(" SITE");
-    if (!inMdtm && switches.mdtm) inMdtm = line.hasMark(" MDTM");
+    if (!inTransfer && switches.transfers) inTransfer = line.hasMark({" STOR", " RETR"});
+    if (!inDelete && switches.deletes) inDelete = deleteFirstLine = line.hasMark({" DELE"});
+    if (!inSite && switches.site) inSite = line.hasMark({" SITE"});
+    if (!inMdtm && switches.mdtm) inMdtm = line.hasMark({" MDTM"});
   }
 
   void block(const std::string& text, bool isLast, bool& flag) {
     written.push_back(text);
-    if (!isLast) return;
-    written.emplace_back();
-    flag = false;
+    if (isLast) written.emplace_back();
+    flag = !isLast;
   }
 
   void deleteReply(const std::string& text, const FoldedLine& line) {
-    const bool isReply = line.hasMark(" 550 ", " 250 ");
-    if (line.hasMark(" DELE") && !isReply) {
-      written.insert(written.end(), {"", text, ""});
-    } else if (isReply) {
-      written.insert(written.end(), {text, ""});
-    } else {
-      written.emplace_back();
-    }
+    const bool isReply = line.hasMark({" 550 ", " 250 "});
+    const bool isNextDelete = line.hasMark({" DELE"}) && !isReply;
+    if (isNextDelete) written.emplace_back();
+    if (isNextDelete || isReply) written.push_back(text);
+    written.emplace_back();
     inDelete = false;
   }
 
   void take(const std::string& text, const FoldedLine& line) {
     detect(line);
     if (inTransfer) {
-      block(text, line.hasMark(" Received file", " Sent file", " Error ", " 550 ", " 501 Syntax error"), inTransfer);
-    } else if (inDelete && deleteFirstLine) {
+      block(text, line.hasMark({" Received file", " Sent file", " Error ", " 550 ", " 501 Syntax error"}), inTransfer);
+    } else if (std::exchange(deleteFirstLine, false)) {
       written.push_back(text);
-      deleteFirstLine = false;
     } else if (inDelete) {
       deleteReply(text, line);
     } else if (inSite) {
-      block(text, line.hasMark(" 200 ", " 501"), inSite);
+      block(text, line.hasMark({" 200 ", " 501"}), inSite);
     } else if (inMdtm) {
-      block(text, line.hasMark(" 213", " 253", " 501", " 550", " 553"), inMdtm);
+      block(text, line.hasMark({" 213", " 253", " 501", " 550", " 553"}), inMdtm);
     }
   }
 };
@@ -158,8 +151,8 @@ std::vector<std::string> entireSession(std::string_view log, const UserAct& sess
   return written;
 }
 
-std::vector<std::string> sessionCommands(std::string_view log, const UserAct& session, CommandSwitches switches) {
-  CommandFilter filter{switches, {}};
+std::vector<std::string> sessionCommands(std::string_view log, const UserAct& session, CommandFilterOptions switches) {
+  CommandBlocks filter{switches, {}};
   if (session.Position == 0) return {};
   for (const std::string& text : linesFrom(log, session)) {
     const FoldedLine line(text, session.NumberInLog);

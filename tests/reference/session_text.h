@@ -8,6 +8,7 @@
 
 #include "core/user_act.h"
 #include "counter/transfer_count.h"
+#include "filter/session_filter.h"
 
 namespace quorvel::test {
 
@@ -19,15 +20,9 @@ namespace quorvel::test {
 
 [[nodiscard]] std::vector<std::string> entireSession(std::string_view log, const UserAct& session);
 
-struct CommandSwitches {
-  bool transfers = false;
-  bool deletes = false;
-  bool site = false;
-  bool mdtm = false;
-};
 /// The lines the command filter writes, its empty lines included.
 [[nodiscard]] std::vector<std::string> sessionCommands(std::string_view log, const UserAct& session,
-                                                       CommandSwitches switches);
+                                                       CommandFilterOptions switches);
 
 struct CountedTransfers {
   TransferCount totals;

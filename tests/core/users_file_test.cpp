@@ -16,7 +16,7 @@ TEST(UsersFileWriter, TellsWhenMemoryRanOutOnTheThreadThatWrites) {
   UsersFileWriter writer(files, "users.qva", [](const UserAct&, std::int32_t, const Error&) { FAIL(); });
   const auto writeMany = [&writer] {
     for (std::int32_t n = 1; n <= 10'000; ++n)
-      writer.WriteSessionRecord(UserAct{.Position = n}, n);
+      writer.WriteSessionRecord({n, "", "", "", "", "", "", n, 0}, n);
     writer.flush();
   };
   files.arm(Fault::NoMemory, 1);

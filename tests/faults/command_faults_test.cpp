@@ -248,7 +248,7 @@ class FaultRun {
   /// Finds and filters the sessions without trouble; the size of what comes out.
   std::size_t tryAgain() {
     const std::filesystem::path again = "/logs/again.txt";
-    m_world->files.arm(Fault::Open, 0);
+    m_world->files.disarm();
     m_world->view.forgetCalls();
     m_world->view.forgetAnswers();
     m_world->window.useLog(kLog, "a.log", LogType::ServU);

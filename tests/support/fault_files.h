@@ -43,12 +43,13 @@ class FaultFiles final : public FileSystem {
   /// real must outlive this.
   explicit FaultFiles(FileSystem& real) : m_real(real) {}
 
-  /// Lets call number n, from 1, of those the fault is about fail; 0: none. One fault at a time.
+  /// Lets call number n, from 1, of those the fault is about fail. One fault at a time.
   void arm(Fault fault, int n) {
     m_fault = fault;
     m_left = n;
     m_hasFailed = false;
   }
+  void disarm() { arm(m_fault, 0); }
   /// Whether the call was reached since arm().
   [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
   /// Only valid when hasFailed().

@@ -117,6 +117,7 @@ class PosixFileSystem final : public FileSystem {
   Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) override {
     constexpr mode_t kReadableByAll = 0644;
     const int descriptor = ::open(path.c_str(), flagsOf(mode) | O_CLOEXEC | O_NOCTTY, kReadableByAll);
+    if (descriptor < 0 && errno == ENOENT && mode != OpenMode::Read) return Error{ErrorCode::PathNotFound, path};
     if (descriptor < 0) return Error{codeOf(errno), path};
     auto file = std::make_unique<PosixFile>(descriptor, path);
     struct stat info {};

@@ -4,6 +4,7 @@
 #include <array>
 #include <random>
 
+#include "app/error_log.h"
 #include "app/find_users_command.h"
 #include "app/help_text.h"
 #include "app/tree_commands.h"
@@ -25,6 +26,12 @@ TEST(HelpText, IsTheFirstFileFoundOrTheProgramsOwn) {
   EXPECT_EQ(commandLineReferenceText(files, folders), "first");
 }
 
+TEST(ErrorLog, IsSilentWhereItCannotWrite) {
+  const TempFolder folder;
+  ErrorLog(systemFiles(), folder / "missing").errorInScan("a.log", {ErrorCode::Overflow, {}});
+  EXPECT_FALSE(folder.has("missing"));
+}
+
 TEST_F(ScannedLogTest, AScanYieldsByTheClock) {
   Pacer patient{std::chrono::hours(1)};
   EXPECT_TRUE(patient.isDue());
@@ -42,12 +49,13 @@ TEST_F(ScannedLogTest, TheFilterWindowGetsALongTextInPieces) {
   EXPECT_GT(view.callsStartingWith("filter append").size(), 5u);
 }
 
-/// A users file of sessions with these names; their numbers and addresses tell which is which.
+/// A users file of sessions with these names, of any nodes; numbers and addresses tell which is which.
 std::string usersOf(const std::vector<std::string>& names) {
   std::string bytes(names.size() * kRecordSize, '\0');
   for (std::size_t i = 0; i < names.size(); ++i) {
     const std::string number = std::to_string(i + 1);
-    const UserAct record{0, names[i], "(" + number + ")", "10.0.0." + number, "", "T" + number, "", 0, 0};
+    const UserAct record{
+        0, names[i], "(" + number + ")", "10.0.0." + number, "", "T" + number, "", 0, static_cast<std::int32_t>(i % 5)};
     EXPECT_NE(encodeRecord(record, std::span(bytes).subspan(i * kRecordSize)), 0u);
   }
   return bytes;

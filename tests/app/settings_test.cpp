@@ -70,7 +70,7 @@ TEST_F(SettingsTest, NumbersFallBackToTheFreshFile) {
                {"0", 0, false},         {"", 1, true},
                {"1x", 1, true},         {"2147483647", 2147483647, true},
                {"2147483648", 1, true}, {"99999999999999999999", 1, true},
-               {"FALSE", 1, false}};
+               {"FALSE", 1, false},     {"-2147483649", 1, true}};
   for (const auto& c : cases) {
     files.put("quorvel.ini", "[OPTION-SAVE]\r\nAppendWhenFilter=" + c.stored + "\r\n");
     EXPECT_EQ(settings.readNumber("option-save", "appendwhenfilter"), c.number) << c.stored;
@@ -78,6 +78,13 @@ TEST_F(SettingsTest, NumbersFallBackToTheFreshFile) {
   }
   EXPECT_EQ(settings.readNumber("OPTION-FIND-USER", "FindUserBuffer"), 4000);
   EXPECT_EQ(settings.readNumber("POSITION", "MainTop"), 0);
+}
+
+TEST_F(SettingsTest, AValueStaysOneLineOfWhichAtMost79CharactersAreRead) {
+  settings.WriteSetting("S", "k", "a\r\n[T]\nx=1\x1B\x7F");
+  EXPECT_EQ(files.content("quorvel.ini"), "[S]\r\nk=a[T]x=1\r\n");
+  settings.WriteSetting("S", "k", std::string(100, 'x'));
+  EXPECT_EQ(settings.ReadSetting("s", "K"), std::string(79, 'x'));
 }
 
 }  // namespace

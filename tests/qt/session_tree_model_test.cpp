@@ -1,46 +1,33 @@
 #include "ui/qt/session_tree_model.h"
 
-#include <gtest/gtest.h>
-
 #include <QAbstractItemModelTester>
 #include <QElapsedTimer>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 
-#include "tests/qt/row_texts.h"
-#include "ui/qt/session_tree_box.h"
-#include "ui/qt/text.h"
+#include "tests/qt/window_fixture.h"
 
 namespace quorvel::test {
 namespace {
 
-constexpr SessionTree::KeyPrefixes kPrefixes = {"p", "c"};
-
-const QStringList kSample = {QStringLiteral("anna"),  QStringLiteral(" Mon 1"), QStringLiteral(" Tue 2"),
-                             QStringLiteral("berta"), QStringLiteral(" Mon 3"), QStringLiteral("carl")};
-
 class SessionTreeModelTest : public testing::Test {
  protected:
-  /// Lines of names; those indented by a blank are sessions of the name above.
-  void fill(const QStringList& lines) {
+  void add(std::string_view parent, std::initializer_list<std::string_view> children) {
+    m_tree.addParent(parent);
+    for (const std::string_view child : children)
+      m_tree.addChild(parent, ++m_records, child);
+  }
+  void fill() {
     m_model.beginChange();
-    m_tree.clear(kPrefixes);
-    std::string parent;
-    std::int32_t record = 0;
-    for (const QString& line : lines) {
-      const std::string text = toBytes(line.trimmed());
-      if (line.startsWith(u' ')) {
-        m_tree.addChild(parent, ++record, text);
-      } else {
-        m_tree.addParent(parent = text);
-      }
-    }
+    m_tree.clear({"p", "c"});
+    add("anna", {"Mon 1", "Tue 2"});
+    add("berta", {"Mon 3"});
+    add("carl", {});
     m_model.endChange();
   }
-
   void showInBox() {
-    fill(kSample);
+    fill();
     QObject::connect(&m_model, &SessionTreeModel::checkRequested, &m_model,
                      [this](std::int32_t node, bool checked) { m_tree.setChecked(node, checked); });
     const QModelIndex first = m_model.index(0, 0);
@@ -53,6 +40,7 @@ class SessionTreeModelTest : public testing::Test {
   }
 
   SessionTree m_tree;
+  std::int32_t m_records = 0;
   SessionTreeModel m_model{m_tree};
   SessionTreeBox m_box;
   QSignalSpy m_clicks{&m_box, &SessionTreeBox::nodeClicked};
@@ -60,42 +48,37 @@ class SessionTreeModelTest : public testing::Test {
 };
 
 TEST_F(SessionTreeModelTest, ShowsTheTreeAndItsChanges) {
-  EXPECT_EQ(rowTexts(m_model), QStringList());
-  fill(kSample);
-  EXPECT_EQ(rowTexts(m_model), kSample);
-  EXPECT_FALSE(m_model.index(3, 0).isValid());
-  EXPECT_FALSE(m_model.index(0, 1).isValid());
-  EXPECT_FALSE(m_model.index(2, 0, m_model.index(0, 0)).isValid());
-  EXPECT_EQ(m_model.indexOf(3), m_model.index(1, 0, m_model.index(0, 0)));
+  EXPECT_EQ(rowTexts(m_model), "");
+  fill();
+  EXPECT_EQ(rowTexts(m_model), "anna| Mon 1| Tue 2|berta| Mon 3|carl");
+  const QModelIndex anna = m_model.index(0, 0);
+  EXPECT_EQ(m_model.indexOf(3), m_model.index(1, 0, anna));
+  for (const QModelIndex& none : {m_model.index(3, 0), m_model.index(0, 1), m_model.index(2, 0, anna)})
+    EXPECT_FALSE(none.isValid());
   m_model.beginChange();
   EXPECT_EQ(m_model.rowCount(), 0) << "the tree must not be looked at";
-  m_tree.clear();
-  m_model.endChange();
-  EXPECT_EQ(rowTexts(m_model), QStringList());
-}
-
-TEST_F(SessionTreeModelTest, ASessionBelowASessionIsShownThere) {
-  m_model.beginChange();
   m_tree.clear({"", ""});
-  m_tree.addParent("x");
-  m_tree.addChild("x", 1, "y");   // its key is "1y"
-  m_tree.addChild("1y", 2, "z");  // which a user's name happens to be
+  add("x", {"y"});                // its key is "4y"
+  m_tree.addChild("4y", 5, "z");  // which a user's name happens to be
   m_model.endChange();
-  const QModelIndex inner = m_model.indexOf(3);
-  EXPECT_EQ(inner.data().toString(), QStringLiteral("z"));
-  EXPECT_EQ(inner.parent(), m_model.indexOf(2));
+  EXPECT_EQ(rowTexts(m_model), "x| y");
+  EXPECT_EQ(m_model.indexOf(3).data().toString(), QStringLiteral("z")) << "a session below a session";
+  EXPECT_EQ(m_model.indexOf(3).parent(), m_model.indexOf(2));
   EXPECT_EQ(m_model.findText(QStringLiteral("z"), 1, false, {1, 2}), 3);
 }
 
 TEST_F(SessionTreeModelTest, TypeAheadFindsNamesOnTheScreenAndGoesRound) {
-  fill(kSample);
-  EXPECT_EQ(m_model.findText(QStringLiteral("BER"), 0, false, {}), 4);
-  EXPECT_EQ(m_model.findText(QStringLiteral("a"), 6, false, {}), 1);
-  EXPECT_EQ(m_model.findText(QStringLiteral("a"), 1, true, {}), 1);
-  EXPECT_EQ(m_model.findText(QStringLiteral("Mon"), 0, false, {}), 0);
-  EXPECT_EQ(m_model.findText(QStringLiteral("Mon"), 0, false, {4}), 5);
-  EXPECT_EQ(m_model.findText(QStringLiteral("anna"), 5, false, {4}), 1);
-  EXPECT_EQ(m_model.findText(QStringLiteral("zzz"), 2, false, {}), 0) << "a session in a branch closed meanwhile";
+  fill();
+  const struct {
+    const char* typed;
+    std::int32_t from;
+    bool includesFrom;
+    std::unordered_set<std::int32_t> open;
+    std::int32_t found;
+  } cases[] = {{"BER", 0, false, {}, 4},  {"a", 6, false, {}, 1},     {"a", 1, true, {}, 1},   {"Mon", 0, false, {}, 0},
+               {"Mon", 0, false, {4}, 5}, {"anna", 5, false, {4}, 1}, {"zzz", 2, false, {}, 0}};  // 2: closed meanwhile
+  for (const auto& c : cases)
+    EXPECT_EQ(m_model.findText(QString::fromLatin1(c.typed), c.from, c.includesFrom, c.open), c.found) << c.typed;
 }
 
 TEST_F(SessionTreeModelTest, KeysMoveCheckFindAndClick) {
@@ -126,16 +109,12 @@ TEST_F(SessionTreeModelTest, TheLeftButtonClicksANodeOrItsCheckBoxAndNotBoth) {
 }
 
 TEST(SessionTreeBoxTest, AMillionSessionsOfOneUserExpandScrollAndCheckWithoutAPause) {
-  constexpr std::int32_t kSessions = 1'000'000;
   SessionTree tree;
-  tree.clear(kPrefixes);
   tree.addParent("anonymous");
-  for (std::int32_t record = 1; record <= kSessions; ++record)
-    tree.addChild("anonymous", record, "Mon 05Mar01 10:15:02");
-  tree.seal();
+  for (std::int32_t record = 1; record <= 1'000'000; ++record)
+    tree.addChild("anonymous", record, " Mon 05Mar01 10:15:02");
   SessionTreeModel model(tree);
   SessionTreeBox box;
-  box.resize(300, 400);
   box.showModel(&model);
   const std::function<void()> steps[] = {
       [&] { box.show(); },
@@ -152,7 +131,7 @@ TEST(SessionTreeBoxTest, AMillionSessionsOfOneUserExpandScrollAndCheckWithoutAPa
     QCoreApplication::processEvents();
     EXPECT_LT(time.elapsed(), 5'000) << "far above what it takes, far below what items of Qt's own would need";
   }
-  EXPECT_EQ(box.currentIndex(), model.indexOf(tree.nodeCount()));
+  EXPECT_EQ(box.currentIndex(), model.indexOf(1'000'001));
 }
 
 }  // namespace

@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemModel>
+#include <QLabel>
 #include <QMessageBox>
 
-#include "tests/qt/row_texts.h"
 #include "tests/support/program_window.h"
+#include "tests/support/sample_log.h"
 #include "ui/qt/main_panes.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/session_tree_box.h"
@@ -16,13 +18,23 @@ namespace quorvel::test {
 
 /// The log of one session, from the connect line to the closing line.
 inline std::string sessionLog(int number, const std::string& ip, const std::string& name,
-                              const std::string& otherLines = {}) {
-  char id[16];
-  std::snprintf(id, sizeof id, "(%06d)", number);
-  const auto line = [&id](const std::string& text) { return "Mon 05Mar01 10:15:02 - " + (id + (" " + text)) + "\r\n"; };
-  return line("Connected to " + ip + " (Local address 192.168.0.1)") + line("USER " + name) +
-         line("User " + name + " logged in") + (otherLines.empty() ? "" : line(otherLines)) +
-         line("Closing connection");
+                              const std::string& otherLine = {}) {
+  const std::string id = std::to_string(1'000'000 + number).substr(1);
+  return logLine(id, "Connected to " + ip + " (Local address 192.168.0.1)") + logLine(id, "USER " + name) +
+         logLine(id, "User " + name + " logged in") + (otherLine.empty() ? "" : logLine(id, otherLine)) +
+         logLine(id, "Closing connection");
+}
+
+/// The rows of a tree from top to bottom, a blank in front of those that stand below another one, "|" between them.
+inline std::string rowTexts(const QAbstractItemModel& model) {
+  QStringList texts;
+  for (int row = 0; row < model.rowCount(); ++row) {
+    const QModelIndex parent = model.index(row, 0);
+    texts += parent.data().toString();
+    for (int child = 0; child < model.rowCount(parent); ++child)
+      texts += u' ' + model.index(child, 0, parent).data().toString();
+  }
+  return texts.join(u'|').toStdString();
 }
 
 class WindowTest : public testing::Test, protected ProgramWindow {
@@ -41,7 +53,6 @@ class WindowTest : public testing::Test, protected ProgramWindow {
     const QModelIndex top = model->index(parent, 0);
     return child < 0 ? top : model->index(child, 0, top);
   }
-  void click(const QModelIndex& index);
   /// A part of the window by its name.
   template <typename T>
   [[nodiscard]] T& part(const char* name) {
@@ -51,8 +62,8 @@ class WindowTest : public testing::Test, protected ProgramWindow {
   [[nodiscard]] std::string status(StatusPanel panel = StatusPanel::Text) {
     return window.statusText(panel).toStdString();
   }
-  [[nodiscard]] std::string treeHeader();
-  [[nodiscard]] QStringList treeLines() { return rowTexts(*window.panes().tree().model()); }
+  [[nodiscard]] std::string treeHeader() { return part<QLabel>("lblTreeHeader").text().toStdString(); }
+  [[nodiscard]] std::string treeLines() { return rowTexts(*window.panes().tree().model()); }
 };
 
 }  // namespace quorvel::test

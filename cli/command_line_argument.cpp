@@ -11,9 +11,10 @@
 namespace quorvel {
 namespace {
 
-/// The log, every code with a value, the last argument and the empty entries around them.
-constexpr std::size_t kMostSorted = 100;
-static_assert(2 * kCommandCodes.size() + 4 <= kMostSorted);
+/// The table of sorted arguments has indexes 0 to 100: the log, every code with a value, the last argument and the
+/// empty entries around them always have room.
+constexpr std::size_t kSortedEntries = 101;
+static_assert(2 * kCommandCodes.size() + 4 <= kSortedEntries);
 
 bool isCode(std::string_view argument, int code) {
   return parseInteger(argument) == code;
@@ -51,24 +52,20 @@ Status classCommandLineArgument::GetCommandLine(std::string_view text) {
 Status classCommandLineArgument::sortCLA() {
   Status outcome;
   m_sorted.assign(1, {});
-  addSorted(m_raw.size() > 1 ? m_raw[1] : std::string());
+  m_sorted.push_back(m_raw.size() > 1 ? m_raw[1] : std::string());
   for (const auto& code : kCommandCodes) {
     const auto hit =
         std::find_if(m_raw.begin(), m_raw.end(), [&code](const auto& argument) { return isCode(argument, code.code); });
     if (hit == m_raw.end()) continue;
-    addSorted(std::to_string(code.code));
+    m_sorted.push_back(std::to_string(code.code));
     if (!code.takesValue()) continue;
     const bool hasValue = std::next(hit) != m_raw.end();
-    addSorted(hasValue ? *std::next(hit) : std::string());
+    m_sorted.push_back(hasValue ? *std::next(hit) : std::string());
     if (!hasValue) outcome = Error{ErrorCode::SubscriptOutOfRange, {}};
   }
-  addSorted(m_raw.back());
-  addSorted({});
+  m_sorted.push_back(m_raw.back());
+  m_sorted.emplace_back();
   return outcome;
-}
-
-void classCommandLineArgument::addSorted(std::string_view argument) {
-  if (m_sorted.size() <= kMostSorted) m_sorted.emplace_back(argument);
 }
 
 bool classCommandLineArgument::endsWithOutputFile() const {

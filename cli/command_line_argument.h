@@ -45,7 +45,6 @@ class classCommandLineArgument {
 
  private:
   Status sortCLA();
-  void addSorted(std::string_view argument);
 
   const Settings& m_settings;
   std::filesystem::path m_programFolder;

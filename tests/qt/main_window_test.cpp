@@ -68,7 +68,10 @@ TEST_F(MainWindowTest, ThePopUpMenuSwitchesTheLayout) {
   EXPECT_TRUE(window.menus().action(MenuItem::mnuShowUsernameLogontime).isChecked()) << "chosen again, it stays";
   for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
     const bool isWanted = answer == QMessageBox::Yes;
-    onDialog<QMessageBox>([answer](QMessageBox& box) { box.button(answer)->click(); });
+    onDialog<QMessageBox>([answer](QMessageBox& box) {
+      EXPECT_EQ(box.windowTitle(), QStringLiteral("Quorvel analyzer - update TreeView?"));
+      box.button(answer)->click();
+    });
     choose(isWanted ? MenuItem::mnuShowIPUsername : MenuItem::mnuShowUsernameIP);
     EXPECT_EQ(treeHeader(), isWanted ? "IP\n|--Username" : "Username\n|--IP");
     EXPECT_EQ(treeLines() == "10.0.0.5| alice| alice|10.0.0.6| bob", isWanted) << treeLines();
@@ -163,8 +166,15 @@ TEST_F(WhileScanning, OnlyStopAndExitCanBeChosenAndAnotherCommandIsRefused) {
 }
 
 TEST_F(WhileScanning, EscapeAndTheButtonStop) {
-  EXPECT_FALSE(findsUsers([this] { emit window.findChild<QShortcut*>()->activated(); }));
-  EXPECT_FALSE(findsUsers([this] { part<QPushButton>("cmdStop").click(); }));
+  EXPECT_FALSE(findsUsers([this] {
+    EXPECT_TRUE(window.findChild<QShortcut*>()->isEnabled());
+    emit window.findChild<QShortcut*>()->activated();
+  }));
+  EXPECT_FALSE(findsUsers([this] {
+    auto& stop = part<QPushButton>("cmdStop");
+    EXPECT_TRUE(QTest::qWaitFor([&stop] { return stop.isVisible(); }));
+    stop.click();
+  }));
 }
 
 TEST_F(WhileScanning, ClosingStopsTheScanFirstAndThenCloses) {

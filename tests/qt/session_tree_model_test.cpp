@@ -75,7 +75,7 @@ TEST_F(SessionTreeModelTest, TypeAheadFindsNamesOnTheScreenAndGoesRound) {
     bool includesFrom;
     std::unordered_set<std::int32_t> open;
     std::int32_t found;
-  } cases[] = {{"BER", 0, false, {}, 4},  {"a", 6, false, {}, 1},     {"a", 1, true, {}, 1},   {"Mon", 0, false, {}, 0},
+  } cases[] = {{"BER", 0, false, {}, 4},  {"a", 6, false, {}, 1},     {"", 4, true, {}, 4},    {"Mon", 0, false, {}, 0},
                {"Mon", 0, false, {4}, 5}, {"anna", 5, false, {4}, 1}, {"zzz", 2, false, {}, 0}};  // 2: closed meanwhile
   for (const auto& c : cases)
     EXPECT_EQ(m_model.findText(QString::fromLatin1(c.typed), c.from, c.includesFrom, c.open), c.found) << c.typed;

@@ -11,7 +11,6 @@
 #include <string>
 #include <thread>
 
-#include "core/record_format.h"
 #include "tests/faults/program_world.h"
 #include "tests/support/program_run.h"
 
@@ -20,19 +19,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::string_view kOldResults = "of an earlier run\r\n";
-
 int rounds() {
   const char* const text = std::getenv("QUORVEL_KILLS");
   return text == nullptr ? 20 : std::atoi(text);
-}
-
-/// The sessions of the small log over and over.
-std::string longLog(std::size_t size) {
-  std::string text;
-  while (text.size() < size)
-    text += logLines("");
-  return text;
 }
 
 /// Sends a signal to a child process that runs work. False when the child had ended by itself, or did so in time.
@@ -53,21 +42,21 @@ bool killDuring(const std::function<void()>& work, std::chrono::microseconds aft
   return WIFSIGNALED(status) || WEXITSTATUS(status) != 0;
 }
 
-class Killed : public testing::Test {
+class Killed : public testing::Test, protected ProgramShell {
  protected:
   Killed() {
     home.write("a.log", longLog(4'000'000));
     home.write("quorvel.ini", busySettings());
   }
 
-  /// Kills work as often as wanted, within longest, and looks at the files each time.
-  void killOften(const std::function<void()>& work, std::chrono::microseconds longest, int signal = SIGKILL) {
+  /// Kills what does action as often as wanted, within longest, and looks at the files each time.
+  void killOften(const std::function<void()>& action, std::chrono::microseconds longest, int signal = SIGKILL) {
     int killed = 0;
     for (int i = 0; i < rounds() && !HasFailure(); ++i) {
-      folder.write("out.txt", kOldResults);
+      work.write("out.txt", kOldResults);
       const auto after = std::chrono::microseconds(std::uniform_int_distribution<long>(0, longest.count())(random));
       SCOPED_TRACE("signal after " + std::to_string(after.count()) + " us");
-      killed += killDuring(work, after, signal) ? 1 : 0;
+      killed += killDuring(action, after, signal) ? 1 : 0;
       expectWholeFiles(signal != SIGKILL);
     }
     RecordProperty("killed", killed);
@@ -76,34 +65,30 @@ class Killed : public testing::Test {
   /// Killed, the program leaves the beginning of what a whole run writes: the system may cut its last write anywhere.
   /// Asked to end, it stops behind a whole line.
   void expectWholeFiles(bool wasAsked) const {
-    const std::string results = folder.read("out.txt");
+    const std::string results = work.read("out.txt");
     EXPECT_TRUE(results.starts_with(kOldResults));
     EXPECT_TRUE(wasAsked ? results.ends_with("\r\n") : wholeResults.starts_with(results)) << results.size() << " bytes";
     const std::string settingsText = home.read("quorvel.ini");
     EXPECT_TRUE(settingsText.starts_with("[MAIN]\r\nVersion=")) << settingsText;
     EXPECT_TRUE(settingsText.ends_with("[OTHER]\r\nKept=yes\r\n")) << settingsText;
-    const std::string users = home.read("users.qva");
-    for (std::size_t at = 0; at < users.size(); at += kRecordSize)
-      EXPECT_TRUE(decodeRecord(std::string_view(users).substr(at, kRecordSize))) << "record at byte " << at;
+    expectWholeRecords(home.read("users.qva"));
   }
   /// Replaces this process by the program.
   void becomeProgram(const std::string& codes) const {
     ::setenv("QUORVEL_HOME", home.path().c_str(), 1);
     const std::string command =
-        "exec '" QUORVEL_EXECUTABLE "' a.log " + codes + " '" + (folder / "out.txt").string() + "' 2>/dev/null";
+        "exec '" QUORVEL_EXECUTABLE "' a.log " + codes + " '" + (work / "out.txt").string() + "' 2>/dev/null";
     ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
   }
   /// Runs to the end; notes the results and returns the time it took.
   std::chrono::microseconds runWhole(const std::string& codes) {
-    folder.write("out.txt", kOldResults);
+    work.write("out.txt", kOldResults);
     const auto begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(runProgram(QUORVEL_EXECUTABLE, home, folder, "a.log " + codes + " out.txt").status, 0);
-    wholeResults = folder.read("out.txt");
+    EXPECT_EQ(run("quorvel a.log " + codes + " out.txt").status, 0);
+    wholeResults = work.read("out.txt");
     return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin);
   }
 
-  TempFolder home;
-  TempFolder folder;
   std::string wholeResults{kOldResults};
   std::mt19937_64 random{std::random_device{}()};
 };
@@ -121,7 +106,7 @@ TEST_F(Killed, ARunKeepsWhatItWrote) {
 
 TEST_F(Killed, SettingsAreTheOldOrTheNewOnes) {
   Settings settings(systemFiles(), home.path());
-  folder.write("out.txt", kOldResults);
+  work.write("out.txt", kOldResults);
   killOften(
       [&settings] {
         for (int i = 0; i < 1000; ++i)
@@ -136,12 +121,12 @@ TEST_F(Killed, AShortInfoTableKeepsWhatWasWritten) {
   const auto saveTable = [this] {
     ProgramWorld child(systemFiles(), home.path());
     child.window.useLog(home / "a.log", "a.log", LogType::ServU);
-    child.view.chooseSave(folder / "table.txt");
+    child.view.chooseSave(work / "table.txt");
     child.window.mnuSaveShortInfo_Click();
   };
   killOften(saveTable, 50ms);
   saveTable();
-  const std::string table = folder.read("table.txt");
+  const std::string table = work.read("table.txt");
   EXPECT_TRUE(table.ends_with("\r\n"));
   EXPECT_GT(table.size(), home.read("users.qva").size());
 }

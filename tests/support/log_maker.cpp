@@ -240,14 +240,14 @@ class LogMaker {
 
   // The habits of this log, drawn in this order.
   const std::size_t m_size =
-      10 + below(chance(1) ? 400'000 : pick({300u, 4000u, 4000u, 4000u, 4000u, 16'000u, 16'000u, 60'000u}));
+      10 + below(chance(1) ? 400'000 : pick({300u, 6000u, 6000u, 6000u, 6000u, 24'000u, 24'000u, 70'000u}));
   const bool m_lineFeedOnly = chance(15);
   const bool m_mixedLineEnds = chance(5);
   const std::size_t m_bracketPercent = pick({0u, 100u, 100u, 50u});
   const std::size_t m_casePercent = chance(50) ? 0 : 20;
   const std::size_t m_oddPercent = chance(60) ? 0 : 40;
   const std::size_t m_noisePercent = chance(50) ? 5 : 20;
-  const std::size_t m_alignPercent = pick({0u, 8u, 30u});
+  const std::size_t m_alignPercent = pick({0u, 0u, 8u, 25u});
   const std::size_t m_closePercent = pick({0u, 10u, 10u, 25u});
   const std::size_t m_restartPercent = chance(60) ? 0 : 3;
   const bool m_longNames = chance(3);

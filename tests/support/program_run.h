@@ -10,22 +10,28 @@
 
 namespace quorvel::test {
 
-struct ProgramRun {
-  int status = -1;  ///< exit status; -1: it crashed
-  std::string out;
-  std::string err;
-};
+/// A program folder, a folder to work in, and commands that run there.
+struct ProgramShell {
+  struct Run {
+    int status = -1;  ///< exit status; -1: it crashed
+    std::string out;
+    std::string err;
+  };
 
-/// Runs the program in workFolder with the given program folder. arguments are shell text, redirections included.
-inline ProgramRun runProgram(const std::filesystem::path& executable, const TempFolder& programFolder,
-                             const TempFolder& workFolder, const std::string& arguments) {
-  const TempFolder streams;
-  const std::string command = "cd '" + workFolder.path().string() + "' && QUORVEL_HOME='" +
-                              programFolder.path().string() + "' timeout 60 '" + executable.string() + "' >'" +
-                              (streams / "out").string() + "' 2>'" + (streams / "err").string() + "' </dev/null " +
-                              arguments;
-  const int ended = std::system(command.c_str());
-  return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, streams.read("out"), streams.read("err")};
-}
+  /// Runs commands of the shell, in which "quorvel" is the program and $home its folder.
+  [[nodiscard]] Run run(const std::string& commands) const {
+    const TempFolder streams;
+    streams.write("script",
+                  "export QUORVEL_HOME=$home LC_ALL=C\nquorvel() { '" QUORVEL_EXECUTABLE "' \"$@\"; }\n" + commands);
+    const std::string command = "cd '" + work.path().string() + "' && export home='" + home.path().string() +
+                                "' && streams='" + streams.path().string() + "' && timeout 60 sh \"$streams/script\" " +
+                                "</dev/null >\"$streams/out\" 2>\"$streams/err\"";
+    const int ended = std::system(command.c_str());
+    return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, streams.read("out"), streams.read("err")};
+  }
+
+  TempFolder home;
+  TempFolder work;
+};
 
 }  // namespace quorvel::test

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <tuple>
 
 #include "ui/console/plain_line.h"
 
@@ -34,27 +35,25 @@ TEST(ConsoleView, WritesOneLineForAMessageAndNothingElseWhereThereIsNoTerminal) 
 }
 
 TEST(ConsoleView, RewritesItsProgressLineAndClearsIt) {
-  const struct {
-    std::int64_t minimum, maximum, value;
-    std::string_view shown;
-  } cases[] = {{0, 200, 100, "50 %"},
-               {0, 0, 0, "0 %"},
-               {5, 1, 3, "0 %"},
-               {0, 10, 99, "100 %"},
-               {INT64_MIN, INT64_MAX, INT64_MAX, "100 %"}};
-  for (const auto& c : cases) {
+  const std::tuple<std::int64_t, std::int64_t, std::int64_t, const char*> cases[] = {
+      {0, 200, 100, "50 %"},
+      {0, 0, 0, "0 %"},
+      {5, 1, 3, "0 %"},
+      {0, 10, 99, "100 %"},
+      {INT64_MIN, INT64_MAX, INT64_MAX, "100 %"}};
+  for (const auto& [minimum, maximum, value, shown] : cases) {
     std::ostringstream out;
     ConsoleView view(out, ConsoleView::Progress::Shown);
     view.yield();
     EXPECT_EQ(out.str(), "");
     view.setStatusPanel(StatusPanel::Text, "Searching \x1B.log");
     view.showProgress(true);
-    view.setProgressRange(c.minimum, c.maximum);
-    view.setProgress(c.value);
+    view.setProgressRange(minimum, maximum);
+    view.setProgress(value);
     view.setPositionLabels("Current position:", "100");
     view.yield();
     view.yield();  // too soon to draw again
-    const std::string line = std::string(c.shown) + "  Current position: 100  Searching ?.log";
+    const std::string line = std::string(shown) + "  Current position: 100  Searching ?.log";
     EXPECT_EQ(out.str(), line);
     view.showMessage({"Text", Buttons::Ok, {}});
     EXPECT_EQ(out.str(), line + '\r' + std::string(line.size(), ' ') + "\rquorvel: Text\n");

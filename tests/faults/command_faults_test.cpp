@@ -35,15 +35,10 @@ struct Command {
   void (*prepare)(MemoryFiles&) = [](MemoryFiles&) {};
 };
 
-/// Runs a menu item that asks where to save to.
+/// Runs a menu item, which may ask where to save to.
 template <void (frmMain::*item)()>
-void saving(ProgramWorld& world) {
+void choose(ProgramWorld& world) {
   world.view.chooseSave(kResults);
-  (world.window.*item)();
-}
-
-template <void (frmMain::*item)()>
-void plain(ProgramWorld& world) {
   (world.window.*item)();
 }
 
@@ -74,22 +69,22 @@ const Command kCommands[] = {
        world.window.mnuOpenLogFile_Click();
      }},
     {"drop_log", [](ProgramWorld& world) { world.window.openLogFile(kLog); }},
-    {"find_users", plain<&frmMain::mnuFindUsers_Click>},
-    {"reload_tree", plain<&frmMain::mnuReloadTreeView_Click>},
+    {"find_users", choose<&frmMain::mnuFindUsers_Click>},
+    {"reload_tree", choose<&frmMain::mnuReloadTreeView_Click>},
     {"click_node", [](ProgramWorld& world) { world.window.TreeView1_NodeClick(kSecondSession); }},
-    {"filter_session", plain<&frmMain::mnuFilterSession_Click>},
-    {"filter_all", saving<&frmMain::mnuFilterAll_Click>, Results::Appended},
-    {"filter_ip", saving<&frmMain::mnuFilterIP_Click>, Results::Appended},
-    {"filter_user", saving<&frmMain::mnuFilterUser_Click>, Results::Appended},
-    {"filter_selected", saving<&frmMain::mnuFilterSelected_Click>, Results::Appended},
-    {"filter_all_anew", saving<&frmMain::mnuFilterAll_Click>, Results::Replaced, replaceResults},
-    {"save_filter_window", saving<&frmMain::mnuSaveFilterWindow_Click>, Results::Replaced},
-    {"save_short_info", saving<&frmMain::mnuSaveShortInfo_Click>, Results::Replaced},
-    {"count_all", plain<&frmMain::mnuCountAllTransfers_Click>},
-    {"count_selected", plain<&frmMain::mnuCountSelectedSessions_Click>},
-    {"count_ip", plain<&frmMain::mnuCountIPTransfers_Click>},
-    {"count_user", plain<&frmMain::mnuCountUsersTransfers_Click>},
-    {"count_session", plain<&frmMain::mnuCountSessionsTransfers_Click>},
+    {"filter_session", choose<&frmMain::mnuFilterSession_Click>},
+    {"filter_all", choose<&frmMain::mnuFilterAll_Click>, Results::Appended},
+    {"filter_ip", choose<&frmMain::mnuFilterIP_Click>, Results::Appended},
+    {"filter_user", choose<&frmMain::mnuFilterUser_Click>, Results::Appended},
+    {"filter_selected", choose<&frmMain::mnuFilterSelected_Click>, Results::Appended},
+    {"filter_all_anew", choose<&frmMain::mnuFilterAll_Click>, Results::Replaced, replaceResults},
+    {"save_filter_window", choose<&frmMain::mnuSaveFilterWindow_Click>, Results::Replaced},
+    {"save_short_info", choose<&frmMain::mnuSaveShortInfo_Click>, Results::Replaced},
+    {"count_all", choose<&frmMain::mnuCountAllTransfers_Click>},
+    {"count_selected", choose<&frmMain::mnuCountSelectedSessions_Click>},
+    {"count_ip", choose<&frmMain::mnuCountIPTransfers_Click>},
+    {"count_user", choose<&frmMain::mnuCountUsersTransfers_Click>},
+    {"count_session", choose<&frmMain::mnuCountSessionsTransfers_Click>},
     {"batch_filter", [](ProgramWorld& world) { runBatchOf(world, "100 210 250 10.0.0.5 260 bob"); }, Results::Appended},
     {"batch_count", [](ProgramWorld& world) { runBatchOf(world, "100 300 350 10.0.0.5 360 alice"); },
      Results::Appended},

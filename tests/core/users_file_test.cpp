@@ -4,15 +4,13 @@
 
 #include <new>
 
-#include "tests/support/fault_files.h"
 #include "tests/support/memory_files.h"
 
 namespace quorvel::test {
 namespace {
 
 TEST(UsersFileWriter, TellsWhenMemoryRanOutOnTheThreadThatWrites) {
-  MemoryFiles memory;
-  FaultFiles files(memory);
+  MemoryFiles files;
   UsersFileWriter writer(files, "users.qva", [](const UserAct&, std::int32_t, const Error&) { FAIL(); });
   const auto writeMany = [&writer] {
     for (std::int32_t n = 1; n <= 10'000; ++n)
@@ -23,7 +21,7 @@ TEST(UsersFileWriter, TellsWhenMemoryRanOutOnTheThreadThatWrites) {
   EXPECT_THROW(writeMany(), std::bad_alloc);
   files.disarm();
   EXPECT_THROW(writer.flush(), std::bad_alloc) << "and puts no record into another one's place";
-  EXPECT_EQ(memory.count(), 0u);
+  EXPECT_EQ(files.count(), 0u);
 }
 
 }  // namespace

@@ -2,60 +2,59 @@
 // second program may run in the same folder, at any moment.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <fstream>
 #include <string>
 
 #include "tests/faults/program_world.h"
+#include "tests/support/memory_files.h"
 
 namespace quorvel::test {
 namespace {
 
+const std::filesystem::path kLog = "/program/a.log";
+
 struct Change {
   std::string name;
-  void (*happen)(const std::filesystem::path& log);
+  void (*happen)(MemoryFiles& disk);
 };
 
 const Change kChanges[] = {
-    {"grows", [](const std::filesystem::path& log) { std::ofstream(log, std::ios::app) << logLines(""); }},
-    {"is_cut", [](const std::filesystem::path& log) { std::filesystem::resize_file(log, 1000); }},
-    {"is_emptied", [](const std::filesystem::path& log) { std::filesystem::resize_file(log, 0); }},
-    {"is_replaced",
-     [](const std::filesystem::path& log) {
-       std::ofstream(log.string() + ".new", std::ios::binary) << logLines("(000002)");
-       std::filesystem::rename(log.string() + ".new", log);
-     }},
-    {"disappears", [](const std::filesystem::path& log) { std::filesystem::remove(log); }},
+    {"grows", [](MemoryFiles& disk) { (void)disk.open(kLog, OpenMode::Append).value()->append(logLines("")); }},
+    {"is_cut", [](MemoryFiles& disk) { (void)disk.open(kLog, OpenMode::ReadWrite).value()->resize(1000); }},
+    {"is_emptied", [](MemoryFiles& disk) { (void)disk.open(kLog, OpenMode::ReadWrite).value()->resize(0); }},
+    {"is_replaced", [](MemoryFiles& disk) { disk.put(kLog, logLines("(000002)")); }},
+    {"disappears", [](MemoryFiles& disk) { (void)disk.remove(kLog); }},
 };
 
 class ChangingLog : public testing::TestWithParam<Change> {
  protected:
-  /// From opening the log to clicking its sessions. change happens before call number n that concerns the log; the
+  /// From opening the log to clicking its sessions. The change happens before call number n that concerns the log; the
   /// result is the number of such calls.
-  int work(int n) {
-    const TempFolder folder;
-    folder.write("quorvel.ini", busySettings());
-    folder.write("out.txt", kOldResults);
+  static int work(int n) {
     static const std::string kLong = longLog(1'800'000, 8000);  // read in several pieces, by a thread
-    const auto log = folder.write("a.log", kLong);
-    ProgramWorld world(systemFiles(), folder.path());
-    std::atomic<int> calls = 0;
-    world.files.beforeEachCall([&](const std::filesystem::path& path) {
-      if (path == log && ++calls == n && std::filesystem::exists(log)) GetParam().happen(log);
+    const std::filesystem::path kResults = "/program/out.txt";
+    MemoryFiles disk;
+    disk.put("/program/quorvel.ini", busySettings());
+    disk.put(kResults, kOldResults);
+    disk.put(kLog, kLong);
+    ProgramWorld world(disk, "/program");
+    int calls = 0;
+    disk.beforeEachCall([&](const std::filesystem::path& path) {
+      if (path == kLog && ++calls == n) GetParam().happen(disk);
     });
     world.window.load();
-    world.window.openLogFile(log);
-    world.scan(log);
+    world.window.openLogFile(kLog);
+    world.scan(kLog);
     for (std::int32_t node = 1; node <= std::min(world.window.state().tree.nodeCount(), 10); ++node)
       world.window.TreeView1_NodeClick(node);
     for (const auto item : {&frmMain::mnuFilterAll_Click, &frmMain::mnuFilterSelected_Click,
                             &frmMain::mnuCountAllTransfers_Click, &frmMain::mnuCountUsersTransfers_Click}) {
-      world.view.chooseSave(folder / "out.txt");
+      world.view.chooseSave(kResults);
       (world.window.*item)();
     }
     world.expectIdle();
-    EXPECT_TRUE(folder.read("out.txt").starts_with(kOldResults) && folder.read("out.txt").ends_with("\r\n"));
-    expectWholeRecords(folder.read("users.qva"));
+    const std::string results = disk.content(kResults);
+    EXPECT_TRUE(results.starts_with(kOldResults) && results.ends_with("\r\n"));
+    expectWholeRecords(disk.content("/program/users.qva"));
     return calls;
   }
 };

@@ -137,10 +137,10 @@ class FaultRun {
   }
   /// False when the command makes fewer calls than n.
   bool run(Fault fault, int n, std::size_t soundSize) {
-    m_world->files.arm(fault, n);
+    m_disk.arm(fault, n);
     const bool hasReturned = returns(fault);
-    if (!m_world->files.hasFailed()) return false;
-    SCOPED_TRACE(m_world->files.failedPath().string());
+    if (m_disk.failedPath().empty()) return false;
+    SCOPED_TRACE(m_disk.failedPath().string());
     expectNothingLost();
     if (!hasReturned) return true;
     m_world->expectIdle();
@@ -217,7 +217,7 @@ class FaultRun {
     const auto isOneOf = [fault](std::initializer_list<Fault> faults) {
       return std::find(faults.begin(), faults.end(), fault) != faults.end();
     };
-    const auto& path = m_world->files.failedPath();
+    const auto& path = m_disk.failedPath();
     const std::string messages = m_world->allMessages();
     const std::string_view name = m_command.name;
     const bool isBatch = name.starts_with("batch");
@@ -243,7 +243,7 @@ class FaultRun {
   /// Finds and filters the sessions without trouble; the size of what comes out.
   std::size_t tryAgain() {
     const std::filesystem::path again = "/logs/again.txt";
-    m_world->files.disarm();
+    m_disk.disarm();
     m_world->view.forgetCalls();
     m_world->view.forgetAnswers();
     m_world->window.useLog(kLog, "a.log", LogType::ServU);

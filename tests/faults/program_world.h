@@ -1,4 +1,4 @@
-// The whole program without a screen, in files that can be made to fail.
+// The whole program without a screen.
 #pragma once
 
 #include <string>
@@ -6,7 +6,6 @@
 #include "app/main_window.h"
 #include "core/record_format.h"
 #include "tests/app/scanned_log.h"
-#include "tests/support/fault_files.h"
 #include "tests/support/recording_view.h"
 
 namespace quorvel::test {
@@ -36,12 +35,11 @@ inline void expectWholeRecords(std::string_view users) {
     EXPECT_TRUE(decodeRecord(users.substr(at, kRecordSize))) << "record at byte " << at;
 }
 
-/// real must outlive the world.
+/// files must outlive the world.
 struct ProgramWorld {
-  explicit ProgramWorld(FileSystem& real, const std::filesystem::path& programFolder)
-      : files(real), settings(files, programFolder), window(files, settings, view, pacer, programFolder) {}
+  ProgramWorld(FileSystem& files, const std::filesystem::path& programFolder)
+      : settings(files, programFolder), window(files, settings, view, pacer, programFolder) {}
 
-  FaultFiles files;
   Settings settings;
   RecordingView view;
   Pacer pacer{Pacer::Clock::duration::zero()};

@@ -14,7 +14,10 @@ class CheckedSessions {
     while (m_node < m_tree.nodeCount()) {
       ++m_node;
       if (!m_tree.isChecked(m_node)) continue;
-      if (const std::int32_t record = recordOf(m_node); record != 0) return m_users.read(record);
+      const std::int32_t number = recordOf(m_node);
+      if (number == 0) continue;
+      const UserAct* const record = m_users.read(number);
+      return record != nullptr ? std::optional(*record) : std::nullopt;
     }
     return std::nullopt;
   }
@@ -50,8 +53,8 @@ class CheckedSessions {
 SessionSource chosenSessions(UsersFile& users, std::function<bool(const UserAct&)> isChosen) {
   return [&users, isChosen = std::move(isChosen), number = std::int32_t{0}]() mutable -> std::optional<UserAct> {
     while (number < users.recordCount()) {
-      auto record = users.read(++number);
-      if (record && isChosen(*record)) return record;
+      const UserAct* const record = users.read(++number);
+      if (record != nullptr && isChosen(*record)) return *record;
     }
     return std::nullopt;
   };

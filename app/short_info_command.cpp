@@ -28,8 +28,8 @@ bool yieldAndAskForStop(CommandContext& context) {
 
 Status writeLines(CommandContext& context, UsersFile& users, ShortInfoTable& table) {
   for (std::int32_t number = 1; number <= users.recordCount(); ++number) {
-    const auto record = users.read(number);
-    if (!record) {
+    const UserAct* const record = users.read(number);
+    if (record == nullptr) {
       std::ignore = table.flush();
       return Error{ErrorCode::DeviceIoError, context.state.usersFilePath()};
     }

@@ -127,7 +127,8 @@ void askForTreeUpdate(CommandContext& context) {
 std::optional<UserAct> readSessionOfNode(CommandContext& context, std::int32_t node) {
   auto users = UsersFile::open(context.files, context.state.usersFilePath());
   if (!users.isOk()) return std::nullopt;
-  return users.value().read(recordToShow(users.value(), context.state.tree, node));
+  const UserAct* const record = users.value().read(recordToShow(users.value(), context.state.tree, node));
+  return record != nullptr ? std::optional(*record) : std::nullopt;
 }
 
 void reportLostUsersFile(CommandContext& context) {

@@ -90,15 +90,20 @@ std::size_t encodeRecord(const UserAct& record, std::span<char> slot) {
   return size;
 }
 
-std::optional<UserAct> decodeRecord(std::string_view slot) {
+bool decodeRecord(std::string_view slot, UserAct& record) {
   Decoder decoder(slot);
-  UserAct record;
   record.Position = static_cast<std::int32_t>(decoder.number(4));
   for (const auto text : kTexts)
     record.*text = decoder.text();
   record.LogonNo = static_cast<std::int32_t>(decoder.number(4));
   record.TreeIndex = static_cast<std::int32_t>(decoder.number(4));
-  if (decoder.failed()) return std::nullopt;
+  if (decoder.failed()) record = UserAct();
+  return !decoder.failed();
+}
+
+std::optional<UserAct> decodeRecord(std::string_view slot) {
+  std::optional<UserAct> record(std::in_place);
+  if (!decodeRecord(slot, *record)) record.reset();
   return record;
 }
 

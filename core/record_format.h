@@ -27,7 +27,8 @@ inline constexpr std::size_t kRecordOverhead = 3 * 4 + 6 * 2;
 /// it is. 0, and slot untouched, when the record needs more than slot.size() bytes.
 [[nodiscard]] std::size_t encodeRecord(const UserAct& record, std::span<char> slot);
 
-/// Reads a record from the start of slot. Empty when a length word points behind the slot's end.
+/// Reads a record from the start of slot. False, and an empty record, when a length word points behind the slot's end.
+[[nodiscard]] bool decodeRecord(std::string_view slot, UserAct& record);
 [[nodiscard]] std::optional<UserAct> decodeRecord(std::string_view slot);
 
 /// The tree index alone, without decoding the texts. Empty, or false and slot untouched, where decodeRecord() fails.

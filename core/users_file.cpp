@@ -104,11 +104,12 @@ Result<UsersFile> UsersFile::open(FileSystem& files, const std::filesystem::path
   return UsersFile(std::move(file.value()), static_cast<std::int32_t>(count));
 }
 
-std::optional<UserAct> UsersFile::read(std::int32_t recordNumber) {
-  if (recordNumber < 1 || recordNumber > m_recordCount) return std::nullopt;
+const UserAct* UsersFile::read(std::int32_t recordNumber) {
+  if (recordNumber < 1 || recordNumber > m_recordCount) return nullptr;
   const std::string_view bytes = slot(recordNumber);
-  if (bytes.empty()) return std::nullopt;
-  return decodeRecord(bytes).value_or(UserAct());
+  if (bytes.empty()) return nullptr;
+  (void)decodeRecord(bytes, m_record);
+  return &m_record;
 }
 
 std::optional<std::int32_t> UsersFile::treeIndex(std::int32_t recordNumber) {

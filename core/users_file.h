@@ -71,9 +71,10 @@ class UsersFile {
 
   /// Number of records, a shorter last slot included. Taken when the file was opened.
   [[nodiscard]] std::int32_t recordCount() const { return m_recordCount; }
-  /// Record n, from 1. Empty behind the last record and when reading fails. A slot that was never filled, or is
-  /// damaged, reads as an empty record with Position 0. Ascending reads cost one file access for many records.
-  [[nodiscard]] std::optional<UserAct> read(std::int32_t recordNumber);
+  /// Record n, from 1; valid until the next call. Null behind the last record and when reading fails. A slot that was
+  /// never filled, or is damaged, reads as an empty record with Position 0. Ascending reads cost one file access for
+  /// many records.
+  [[nodiscard]] const UserAct* read(std::int32_t recordNumber);
   /// The tree index of record n alone, at a fraction of the cost. Empty where read() is, and for a damaged slot.
   [[nodiscard]] std::optional<std::int32_t> treeIndex(std::int32_t recordNumber);
   /// Changes the tree index of a record just read; the rest of its slot stays as it is. Needs OpenMode::ReadWrite.
@@ -92,6 +93,7 @@ class UsersFile {
   std::string m_block;              ///< consecutive slots as they stand in the file, changes included
   std::int32_t m_firstInBlock = 0;  ///< record number of the first slot in m_block; 0: none read yet
   bool m_isChanged = false;
+  UserAct m_record;  ///< read last; its texts keep their memory
   Status m_status;
 };
 

@@ -37,7 +37,7 @@ void AddToTreeView(UsersFile& users, const TreeOptions& options, SessionTree& tr
   if (!isTreeLayout(options.layout)) return;
   const TreeLayout& layout = layoutOf(options.layout);
   tree.clear(layout.keyPrefixes);
-  for (std::int32_t recordNumber = 1; const auto record = users.read(recordNumber); ++recordNumber) {
+  for (std::int32_t recordNumber = 1; const UserAct* const record = users.read(recordNumber); ++recordNumber) {
     if (options.displaysQuitUsers || record->Name != kQuit) {
       const std::string& parentText = (*record).*layout.parentText;
       tree.addParent(parentText);

@@ -65,7 +65,7 @@ std::string usersOf(const std::vector<std::string>& names) {
 std::string readUntilFound(UsersFile& users, std::int32_t nodeCount, std::int32_t node) {
   UserAct shown;
   std::int32_t recordNumber = 1;
-  while (const auto record = users.read(recordNumber)) {
+  while (const UserAct* const record = users.read(recordNumber)) {
     shown = *record;
     if (record->TreeIndex == node || ++recordNumber > nodeCount) break;
   }

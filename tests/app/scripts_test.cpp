@@ -99,8 +99,8 @@ class Player : LogWindow {
     auto users = UsersFile::open(systemFiles(), folder / name);
     std::string text;
     for (std::int32_t n = 1; users.isOk() && n <= users.value().recordCount(); ++n) {
-      const UserAct record = users.value().read(n).value_or(UserAct());
-      text += (n == 1 ? "" : ", ") + record.Name + ' ' + std::to_string(record.TreeIndex);
+      const UserAct* const record = users.value().read(n);
+      text += (n == 1 ? "" : ", ") + record->Name + ' ' + std::to_string(record->TreeIndex);
     }
     return text;
   }

@@ -21,14 +21,15 @@ void checkFile(MemoryFiles& files, std::int32_t newIndex) {
   require(opened.isOk(), "any file can be opened");
   UsersFile& file = opened.value();
   for (std::int32_t n = 1; n <= file.recordCount(); ++n) {
-    auto record = file.read(n);
-    require(record.has_value(), "every slot can be read");
+    const UserAct* const read = file.read(n);
+    require(read != nullptr, "every slot can be read");
+    UserAct record = *read;
     const auto treeIndex = file.treeIndex(n);
     file.setTreeIndex(n, newIndex);
-    if (treeIndex) record->TreeIndex = newIndex;
-    require(file.read(n) == record, "the tree index alone changes");
+    if (treeIndex) record.TreeIndex = newIndex;
+    require(*file.read(n) == record, "the tree index alone changes");
   }
-  require(file.flush().isOk() && !file.read(file.recordCount() + 1), "the file ends behind its records");
+  require(file.flush().isOk() && file.read(file.recordCount() + 1) == nullptr, "the file ends behind its records");
 }
 
 void checkWriter(FuzzInput& input) {
@@ -43,7 +44,7 @@ void checkWriter(FuzzInput& input) {
   }
   auto opened = UsersFile::open(files, "users.qva");
   require(opened.isOk() && opened.value().recordCount() == 4, "every number is used up");
-  require(opened.value().read(3) == (failed == 3 ? UserAct() : record), "a record reads as it was written");
+  require(*opened.value().read(3) == (failed == 3 ? UserAct() : record), "a record reads as it was written");
 }
 
 }  // namespace

@@ -54,9 +54,15 @@ struct ProgramWorld {
     window.setNodeChecked(kThirdSession, true);
     window.TreeView1_NodeClick(kFirstSession);
   }
-  /// As behind every command.
+  /// As behind every command: what it switched on is off again, what it took away is back.
   void expectIdle() {
-    EXPECT_FALSE(window.state().commandRunning || view.isCommandRunning() || view.isProgressVisible());
+    for (const std::string last :
+         {"running off", "busy off", "progress off", "labels off", "tree enabled on", "tree visible on"}) {
+      const auto calls = view.callsStartingWith(last.substr(0, last.rfind('o') + 1));
+      EXPECT_TRUE(calls.empty() || calls.back() == last) << calls.back();
+    }
+    EXPECT_EQ(view.callsStartingWith("tree about").size(), view.callsStartingWith("tree changed").size());
+    EXPECT_FALSE(window.state().commandRunning);
     EXPECT_TRUE(view.status(StatusPanel::Text).starts_with("Using")) << view.status(StatusPanel::Text);
   }
   [[nodiscard]] std::string allMessages() const {

@@ -1,11 +1,8 @@
 // Long life: a user who never stops, on the real window, and nothing that grows. QUORVEL_SOAK in the environment says
 // how many operations, 300 when it is not set.
-#include <gtest/gtest.h>
 #include <malloc.h>
 
 #include <QAbstractButton>
-#include <QClipboard>
-#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -13,14 +10,9 @@
 #include <QPixmapCache>
 #include <QTest>
 #include <QWindow>
-#include <array>
-#include <cstdlib>
-#include <functional>
 #include <iostream>
-#include <iterator>
+#include <optional>
 #include <random>
-#include <set>
-#include <string>
 
 #include "tests/qt/window_fixture.h"
 #ifdef __SANITIZE_ADDRESS__
@@ -30,35 +22,42 @@ extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 namespace quorvel::test {
 namespace {
 
-int operations() {
-  const char* const text = std::getenv("QUORVEL_SOAK");
-  return text == nullptr ? 300 : std::atoi(text);
-}
-
 /// Bytes in use on the heap.
-std::size_t liveBytes() {
+std::ptrdiff_t liveBytes() {
 #ifdef __SANITIZE_ADDRESS__
-  return __sanitizer_get_current_allocated_bytes();
+  return static_cast<std::ptrdiff_t>(__sanitizer_get_current_allocated_bytes());
 #else
   const struct mallinfo2 info = ::mallinfo2();
-  return info.uordblks + info.hblkhd;
+  return static_cast<std::ptrdiff_t>(info.uordblks + info.hblkhd);
 #endif
 }
 
-/// What the open handles lead to, those left out that each of Qt's threads has: it keeps some threads for later
-/// lookups.
-std::multiset<std::string> openHandles() {
-  std::multiset<std::string> targets;
-  std::error_code closed;  // the handle of this walk itself
-  for (const auto& handle : std::filesystem::directory_iterator("/proc/self/fd")) {
-    const std::string target = std::filesystem::read_symlink(handle, closed).string();
-    if (target != "anon_inode:[eventfd]") targets.insert(target);
-  }
-  return targets;
+/// Those that each of Qt's threads has are left out: it keeps some threads for later lookups.
+std::ptrdiff_t openHandles() {
+  return std::count_if(std::filesystem::directory_iterator("/proc/self/fd"), {}, [](const auto& handle) {
+    std::error_code closed;  // the handle of this walk itself
+    return std::filesystem::read_symlink(handle, closed) != "anon_inode:[eventfd]";
+  });
 }
 
+/// What the program uses at a moment of rest.
+struct Use {
+  std::ptrdiff_t handles = openHandles();
+  std::ptrdiff_t bytes = liveBytes();
+
+  void expectNoGrowth(const char* when) const {
+    constexpr std::ptrdiff_t kAllowed = 128 * 1024;
+    constexpr std::ptrdiff_t kMostThreads = 25;  // Qt's lookups take up to 20
+    // A lookup given up on may still be on its way.
+    EXPECT_TRUE(QTest::qWaitFor([this] { return openHandles() <= handles; })) << handles << " before";
+    EXPECT_LE(std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}), kMostThreads);
+    EXPECT_LT(liveBytes() - bytes, kAllowed) << when;
+    std::cout << when << ": " << liveBytes() - bytes << " bytes more, " << openHandles() << " handles\n";
+  }
+};
+
 /// One start of the program, and what a user does to it from there.
-class Desk final : public WindowTest {
+class Desk final : ProgramWindow {
  public:
   explicit Desk(unsigned seed) : m_random(seed) {
     QObject::connect(&m_hand, &QTimer::timeout, &m_hand, [this] { onTurn(); });
@@ -72,60 +71,59 @@ class Desk final : public WindowTest {
     rest();
   }
 
-  void doSomething() { act(pick(2) == 0 ? pick(Menus::kItemCount) : Menus::kItemCount + pick(m_others.size())); }
   /// Everything once: what Qt loads and opens at first use is there afterwards.
   void doEverything() {
     for (std::size_t n = 0; n < Menus::kItemCount + m_others.size(); ++n)
       act(n);
   }
-  /// To where every start begins: what is then in use can be compared.
-  void rest() {
-    std::filesystem::remove(folder / "out.txt");
-    std::filesystem::remove(folder / "error.log");
-    std::filesystem::remove(settings.path());
-    settings.WriteDefaultSettingsFile();
-    commands.load();
-    commands.state().filterMemory = {};
-    window.resize(900, 600);
-    openAndFind(sessionLog(1, "10.0.0.5", "alice"));
-    window.setFilterText({});
-    window.setUserInfo({});
-    QApplication::clipboard()->clear();
-    // At each activation of the window Qt connects this once more.
-    QObject::disconnect(window.windowHandle(), SIGNAL(focusObjectChanged(QObject*)), qApp, nullptr);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    runEvents();
+  void work(int operations) {
+    for (; operations > 0; --operations)
+      act(pick(2) == 0 ? pick(Menus::kItemCount) : Menus::kItemCount + pick(m_others.size()));
+    rest();
   }
 
  private:
-  void TestBody() override {}
-
   template <typename Count>
   Count pick(Count count) {
     return count == 0 ? 0 : static_cast<Count>(m_random() % static_cast<std::size_t>(count));
   }
+  template <typename List>
+  auto oneOf(const List& list) -> decltype(*std::data(list)) {
+    return std::data(list)[pick(std::size(list))];
+  }
   void act(std::size_t n) {
-    if (n < Menus::kItemCount) {
-      chooseItem(static_cast<MenuItem>(n));
-    } else {
-      m_others[n - Menus::kItemCount]();
-    }
+    n < Menus::kItemCount ? chooseItem(static_cast<MenuItem>(n)) : m_others[n - Menus::kItemCount]();
     runEvents();
   }
   void chooseItem(MenuItem item) {
-    if (item == MenuItem::mnuExit || item == MenuItem::mnuWebVisitWebsite || item == MenuItem::mnuWebSendEmail ||
-        item == MenuItem::mnuWebReportBug)
-      return;
-    const std::array targets = {folder / "out.txt", folder / "no" / "out.txt", std::filesystem::path()};
-    dialogs.answer = item == MenuItem::mnuOpenLogFile ? m_logs[pick(m_logs.size())] : targets[pick(targets.size())];
+    using enum MenuItem;
+    if (item == mnuExit || (item >= mnuWebVisitWebsite && item <= mnuWebReportBug)) return;
+    const std::filesystem::path targets[] = {folder / "out.txt", folder / "no" / "out.txt", ""};
+    dialogs.answer = item == mnuOpenLogFile ? oneOf(m_logs) : oneOf(targets);
     choose(item);
-    if (std::filesystem::exists(folder / "out.txt") && std::filesystem::file_size(folder / "out.txt") > 1'000'000)
-      std::filesystem::remove(folder / "out.txt");
+    if (folder.read("out.txt").size() > 1'000'000) std::filesystem::remove(folder / "out.txt");
   }
   [[nodiscard]] QModelIndex anyNode() {
     const QAbstractItemModel& model = *m_tree.model();
     const QModelIndex top = model.index(pick(model.rowCount()), 0);
     return pick(4) == 0 ? top : model.index(pick(model.rowCount(top)), 0, top);
+  }
+  /// To where every start begins: what is then in use can be compared.
+  void rest() {
+    for (const char* left : {"out.txt", "error.log", "quorvel.ini"})
+      std::filesystem::remove(folder / left);
+    settings.WriteDefaultSettingsFile();
+    commands.load();
+    commands.state().filterMemory = {};
+    window.resize(900, 600);
+    open(folder.write("small.log", sessionLog(1, "10.0.0.5", "alice")));
+    choose(MenuItem::mnuFindUsers);
+    window.setFilterText({});
+    window.setUserInfo({});
+    // At each activation of the window Qt connects this once more.
+    QObject::disconnect(window.windowHandle(), SIGNAL(focusObjectChanged(QObject*)), qApp, nullptr);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    runEvents();
   }
 
   /// The user's other hand: whatever is open is played with and closed, whatever runs is now and then stopped.
@@ -149,11 +147,29 @@ class Desk final : public WindowTest {
     for (QListWidget* const list : dialog.findChildren<QListWidget*>())
       if (pick(2) == 0) list->setCurrentRow(pick(list->count()));
     for (QLineEdit* const field : dialog.findChildren<QLineEdit*>())
-      if (!field->isReadOnly()) field->setText(QString::fromLatin1(kInputs[pick(kInputs.size())]));
+      if (!field->isReadOnly()) field->setText(QString::fromLatin1(oneOf(kInputs)));
     const auto buttons = dialog.findChildren<QAbstractButton*>();
-    if (buttons.isEmpty()) return;
-    auto* const button = buttons[pick(buttons.size())];
-    if (button->isVisible()) QMetaObject::invokeMethod(button, "click", Qt::QueuedConnection);
+    if (auto* const button = buttons.value(pick(buttons.size())); button != nullptr && button->isVisible())
+      QMetaObject::invokeMethod(button, "click", Qt::QueuedConnection);
+  }
+
+  /// As the server, or somebody else, changes it.
+  void changeLog() {
+    const std::string old = folder.read("changing.log");
+    const std::string line = sessionLog(7, "10.0.0.7", "zoe");
+    const std::string texts[] = {old.substr(0, pick(old.size() + 1)), line + line,
+                                 old.substr(0, 100'000) + line + line + line};
+    folder.write("changing.log", oneOf(texts));
+    if (pick(4) == 0) std::filesystem::remove(folder / "changing.log");
+  }
+  /// As an editor changes it.
+  void changeAnySetting() {
+    constexpr std::array kValues = {"0", "1", "2", "-1", "x"};
+    std::string text = folder.read("quorvel.ini");
+    const auto value = text.find('=', pick(text.size() + 1)) + 1;
+    text.replace(value, text.find('\r', value) - value, oneOf(kValues));
+    folder.write("quorvel.ini", text);
+    commands.toggleAutoFilter();
   }
 
   static constexpr std::array kNames = {"alice", "bob", "<b>carol</b>", "a-name-that-is-longer-than-a-record-allows"};
@@ -181,81 +197,35 @@ class Desk final : public WindowTest {
           m_tree.setExpanded(m_tree.model()->index(row, 0), pick(2) == 0);
       },
       [this] { window.resize(300 + pick(900), 200 + pick(700)); },
+      [this] { changeLog(); },
+      [this] { changeAnySetting(); },
+      [this] { commands.openLogFile(oneOf(m_logs)); },
       [this] {
-        window.panes().filter().selectAll();
-        window.panes().filter().copy();
-      },
-      [this] {  // as the server, or somebody else, changes it
-        const std::string old = folder.read("changing.log");
-        const std::string line = sessionLog(7, "10.0.0.7", "zoe");
-        const std::string texts[] = {old.substr(0, pick(old.size() + 1)), line + line,
-                                     old.substr(0, 100'000) + line + line + line};
-        folder.write("changing.log", texts[pick(3)]);
-        if (pick(4) == 0) std::filesystem::remove(folder / "changing.log");
-      },
-      [this] { commands.openLogFile(m_logs[pick(m_logs.size())]); },
-      [this] {  // as an editor changes any setting
-        constexpr std::array kValues = {"0", "1", "2", "-1", "x"};
-        std::string text = folder.read("quorvel.ini");
-        const auto value = text.find('=', pick(text.size() + 1)) + 1;
-        text.replace(value, text.find('\r', value) - value, kValues[pick(kValues.size())]);
-        folder.write("quorvel.ini", text);
-        commands.toggleAutoFilter();
-      },
-      [this] {
-        FileRequest request;
-        request.filter = "Log (*.*)|*.*";
-        request.folder = folder.path();
-        (void)QtFileDialogs().askOpenFile(&window, request);
+        (void)QtFileDialogs().askOpenFile(&window, {"", "Log (*.*)|*.*", 1, folder.path()});
       }};
   std::vector<std::filesystem::path> m_logs;
   QTimer m_hand;
   int m_turnsLeft = 0;
 };
 
-/// Runs a start of the program and returns how much more memory it has at its end than after a fifth of the way.
-std::ptrdiff_t growthOf(Desk& desk, int count) {
-  for (int i = 0; i < count / 5; ++i)
-    desk.doSomething();
-  desk.rest();
-  const auto handles = openHandles();
-  const std::size_t bytes = liveBytes();
-  for (int i = count / 5; i < count && !testing::Test::HasFailure(); ++i) {
-    SCOPED_TRACE("operation " + std::to_string(i));
-    desk.doSomething();
-  }
-  desk.rest();
-  constexpr std::ptrdiff_t kMostThreads = 25;  // Qt's lookups take up to 20
-  EXPECT_LE(std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}), kMostThreads);
-  // A lookup given up on may still be on its way.
-  EXPECT_TRUE(QTest::qWaitFor([&handles] { return openHandles().size() <= handles.size(); }))
-      << testing::PrintToString(handles) << "\nnow " << testing::PrintToString(openHandles());
-  return static_cast<std::ptrdiff_t>(liveBytes()) - static_cast<std::ptrdiff_t>(bytes);
-}
-
 TEST(Soak, NeitherMemoryNorHandlesGrow) {
   constexpr int kStarts = 5;
-  constexpr std::ptrdiff_t kAllowed = 128 * 1024;
+  const char* const wanted = std::getenv("QUORVEL_SOAK");
+  const int operations = (wanted == nullptr ? 300 : std::atoi(wanted)) / kStarts;
   QPixmapCache::setCacheLimit(0);  // it lets go of its pixmaps now and then only
-  std::size_t handles = 0;
-  std::size_t bytes = 0;
+  std::optional<Use> afterFirst;
   for (unsigned start = 1; start <= kStarts && !HasFailure(); ++start) {
-    std::ptrdiff_t grown = 0;
     {
       Desk desk(start);
       if (start == 1) desk.doEverything();
-      grown = growthOf(desk, operations() / kStarts);
-      EXPECT_LT(grown, kAllowed) << "start " << start;
+      desk.work(operations / 5);
+      const Use before;
+      desk.work(operations - operations / 5);
+      before.expectNoGrowth("at the end of a start");
     }
-    if (start == 1) {
-      handles = openHandles().size();
-      bytes = liveBytes();
-    }
-    std::cout << "start " << start << ": " << grown << " bytes more at the end, " << liveBytes() << " bytes and "
-              << openHandles().size() << " handles behind it\n";
+    if (!afterFirst) afterFirst.emplace();
+    afterFirst->expectNoGrowth("behind a start");
   }
-  EXPECT_LE(openHandles().size(), handles);
-  EXPECT_LT(static_cast<std::ptrdiff_t>(liveBytes()), static_cast<std::ptrdiff_t>(bytes) + kAllowed);
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ void runTarget(FuzzInput input) {
   std::erase_if(kept, [](unsigned char c) { return c < ' ' || c == 0x7F; });
   const std::string expected = readBack(kept).substr(0, kMaxSettingLength);
   require(settings.ReadSetting(section, key) == expected, "a setting that was written can be read");
-  require(files.count() == 1, "no other file stays behind");
+  require(files.paths().size() == 1, "no other file stays behind");
   (void)settings.readNumber(section, key);
   (void)settings.readFlag(section, key);
   settings.resetOtherVersion();

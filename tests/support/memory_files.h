@@ -16,6 +16,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "core/file_system.h"
 
@@ -53,7 +54,12 @@ class MemoryFiles final : public FileSystem {
   void put(const std::filesystem::path& path, std::string_view content) {
     m_files[path] = std::make_shared<std::string>(content);
   }
-  [[nodiscard]] std::size_t count() const { return m_files.size(); }
+  [[nodiscard]] std::vector<std::filesystem::path> paths() const {
+    std::vector<std::filesystem::path> all;
+    for (const auto& [path, content] : m_files)
+      all.push_back(path);
+    return all;
+  }
 
   /// Lets call number n, from 1, of those the fault is about fail. One fault at a time.
   void arm(Fault fault, int n) {

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "app/menu_commands.h"
 #include "tests/faults/program_world.h"
 #include "tests/support/memory_files.h"
 
@@ -25,46 +26,43 @@ const Change kChanges[] = {
     {"disappears", [](MemoryFiles& disk) { (void)disk.remove(kLog); }},
 };
 
-class ChangingLog : public testing::TestWithParam<Change> {
- protected:
-  /// From opening the log to clicking its sessions. The change happens before call number n that concerns the log; the
-  /// result is the number of such calls.
-  static int work(int n) {
-    static const std::string kLong = longLog(1'800'000, 8000);  // read in several pieces, by a thread
-    const std::filesystem::path kResults = "/program/out.txt";
-    MemoryFiles disk;
-    disk.put("/program/quorvel.ini", busySettings());
-    disk.put(kResults, kOldResults);
-    disk.put(kLog, kLong);
-    ProgramWorld world(disk, "/program");
-    int calls = 0;
-    disk.beforeEachCall([&](const std::filesystem::path& path) {
-      if (path == kLog && ++calls == n) GetParam().happen(disk);
-    });
-    world.window.load();
-    world.window.openLogFile(kLog);
-    world.scan(kLog);
-    for (std::int32_t node = 1; node <= std::min(world.window.state().tree.nodeCount(), 10); ++node)
-      world.window.TreeView1_NodeClick(node);
-    for (const auto item : {&frmMain::mnuFilterAll_Click, &frmMain::mnuFilterSelected_Click,
-                            &frmMain::mnuCountAllTransfers_Click, &frmMain::mnuCountUsersTransfers_Click}) {
-      world.view.chooseSave(kResults);
-      (world.window.*item)();
-    }
-    world.expectIdle();
-    const std::string results = disk.content(kResults);
-    EXPECT_TRUE(results.starts_with(kOldResults) && results.ends_with("\r\n"));
-    expectWholeRecords(disk.content("/program/users.qva"));
-    return calls;
+class ChangingLog : public testing::TestWithParam<Change> {};
+
+/// From opening the log to clicking its sessions. The change happens before call number n that concerns the log; the
+/// result is the number of such calls.
+int work(const Change& change, int n) {
+  using enum MenuItem;
+  static const std::string kLong = longLog(1'800'000, 8000);  // read in several pieces, by a thread
+  const std::filesystem::path results = "/program/out.txt";
+  MemoryFiles disk;
+  disk.put("/program/quorvel.ini", busySettings());
+  disk.put(results, kOldResults);
+  disk.put(kLog, kLong);
+  ProgramWorld world(disk, "/program");
+  int calls = 0;
+  disk.beforeEachCall([&](const std::filesystem::path& path) {
+    if (path == kLog && ++calls == n) change.happen(disk);
+  });
+  world.window.openLogFile(kLog);
+  world.scan(kLog);
+  for (std::int32_t node = 1; node <= std::min(world.window.state().tree.nodeCount(), 10); ++node)
+    world.window.TreeView1_NodeClick(node);
+  for (const MenuItem item : {mnuFilterAll, mnuFilterSelected, mnuCountAllTransfers, mnuCountUsersTransfers}) {
+    world.view.chooseSave(results);
+    runMenuCommand(item, world.window);
   }
-};
+  world.expectIdle();
+  EXPECT_TRUE(disk.content(results).starts_with(kOldResults) && disk.content(results).ends_with("\r\n"));
+  expectWholeRecords(disk.content("/program/users.qva"));
+  return calls;
+}
 
 TEST_P(ChangingLog, IsSurvivedAtEveryCall) {
-  const int calls = work(0);
+  const int calls = work(GetParam(), 0);
   EXPECT_GT(calls, 20);
   for (int n = 1; n <= calls && !HasFailure(); ++n) {
     SCOPED_TRACE("before call " + std::to_string(n));
-    (void)work(n);
+    (void)work(GetParam(), n);
   }
 }
 

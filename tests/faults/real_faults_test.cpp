@@ -1,0 +1,202 @@
+// The built program killed at any moment, and where the system refuses: limits, full disks, terminals. QUORVEL_KILLS in
+// the environment says how often it is killed, 20 times when it is not set.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <functional>
+#include <random>
+#include <regex>
+#include <stdexcept>
+#include <thread>
+
+#include "tests/faults/program_world.h"
+#include "tests/support/program_run.h"
+
+namespace quorvel::test {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::microseconds;
+
+class RealFaults : public testing::Test, protected ProgramShell {
+ protected:
+  RealFaults() {
+    home.write("a.log", longLog(4'000'000));  // long enough to be read and written by threads of their own
+    home.write("quorvel.ini", busySettings());
+    work.write("out.txt", kOldResults);
+  }
+  /// Results may end inside a line only where cutOf is given: what they are then the beginning of.
+  void expectWholeFiles(std::string_view cutOf = {}) const {
+    const std::string results = work.read("out.txt");
+    EXPECT_TRUE(results.starts_with(kOldResults));
+    EXPECT_TRUE(cutOf.empty() ? results.ends_with("\r\n") : cutOf.starts_with(results)) << results.size() << " bytes";
+    const std::regex written("(LastSavePath=)[^\r]*|LastOpenFile0.=x*\r\n");  // by the tests that kill
+    EXPECT_EQ(std::regex_replace(home.read("quorvel.ini"), written, "$1"), busySettings());
+    expectWholeRecords(home.read("users.qva"));
+  }
+};
+using Limits = RealFaults;
+
+/// Sends a signal to a child process that does some work. False when the child had ended by itself, or did so in time.
+bool killDuring(const std::function<void()>& work, microseconds after, int signal) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    work();
+    ::_exit(0);
+  }
+  // Signals sent to "process -1" reach every process of the user.
+  if (child < 0) throw std::runtime_error("no process could be started");
+  std::this_thread::sleep_for(after);
+  ::kill(child, signal);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return WIFSIGNALED(status) || WEXITSTATUS(status) != 0;
+}
+
+class Killed : public RealFaults {
+ protected:
+  /// Kills what does action as often as wanted, within longest, and looks at the files each time. Killed, the program
+  /// leaves the beginning of what a whole run writes: the system may cut its last write anywhere. Asked to end, it
+  /// stops behind a whole line.
+  void killOften(const std::function<void()>& action, microseconds longest, int signal = SIGKILL) {
+    const char* const wanted = ::getenv("QUORVEL_KILLS");
+    int killed = 0;
+    for (int left = wanted == nullptr ? 20 : std::atoi(wanted); left > 0 && !HasFailure(); --left) {
+      work.write("out.txt", kOldResults);
+      const microseconds after(std::uniform_int_distribution<long>(0, longest.count())(random));
+      SCOPED_TRACE("signal after " + std::to_string(after.count()) + " us");
+      killed += killDuring(action, after, signal) ? 1 : 0;
+      expectWholeFiles(signal == SIGKILL ? wholeResults : "");
+    }
+    RecordProperty("killed", killed);
+    EXPECT_GT(killed, 0);
+  }
+  /// Replaces this process by the program.
+  void becomeProgram(const std::string& codes) const {
+    ::setenv("QUORVEL_HOME", home.path().c_str(), 1);
+    const std::string command =
+        "exec '" QUORVEL_EXECUTABLE "' a.log " + codes + " '" + (work / "out.txt").string() + "' 2>/dev/null";
+    ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+  }
+  /// Runs to the end; notes the results and returns the time it took.
+  microseconds runWhole(const std::string& codes) {
+    work.write("out.txt", kOldResults);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(run("quorvel a.log " + codes + " out.txt").status, 0);
+    wholeResults = work.read("out.txt");
+    return std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
+  }
+
+  std::string wholeResults{kOldResults};
+  std::mt19937_64 random{std::random_device{}()};
+};
+
+TEST_F(Killed, ARunKeepsWhatItWrote) {
+  for (const int signal : {SIGKILL, SIGTERM}) {
+    for (const char* codes : {"100 210", "100 300 350 10.0.0.5 360 alice"}) {
+      SCOPED_TRACE(std::string(codes) + ", signal " + std::to_string(signal));
+      const auto longest = runWhole(codes);
+      killOften([&] { becomeProgram(codes); }, longest, signal);
+      (void)runWhole(codes);  // and the next start works
+    }
+  }
+}
+
+TEST_F(Killed, SettingsAreTheOldOrTheNewOnes) {
+  Settings settings(systemFiles(), home.path());
+  const auto writeMany = [&settings] {
+    for (std::size_t i = 0; i < 1000; ++i)
+      settings.WriteSetting("Main", "LastOpenFile01", std::string(i % 70, 'x'));
+  };
+  killOften(writeMany, 30ms);
+}
+
+TEST_F(Killed, AShortInfoTableKeepsWhatWasWritten) {
+  ProgramWorld(systemFiles(), home.path()).scan(home / "a.log");
+  const auto saveTable = [this] {
+    ProgramWorld child(systemFiles(), home.path());
+    child.window.useLog(home / "a.log", "a.log", LogType::ServU);
+    child.view.chooseSave(work / "table.txt");
+    child.window.mnuSaveShortInfo_Click();
+  };
+  killOften(saveTable, 50ms);
+  saveTable();
+  const std::string table = work.read("table.txt");
+  EXPECT_TRUE(table.ends_with("\r\n"));
+  EXPECT_GT(table.size(), home.read("users.qva").size());
+}
+
+TEST_F(Limits, AFileSizeLimitIsAFailedWrite) {
+  // The shell counts blocks of 512 bytes; with the smallest limits not even the session records fit.
+  for (const int blocks : {0, 1, 8, 64, 300, 500}) {
+    SCOPED_TRACE("ulimit -f " + std::to_string(blocks));
+    work.write("out.txt", kOldResults);
+    const auto result = run("ulimit -f " + std::to_string(blocks) + "; quorvel a.log 100 210 out.txt");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err.empty(), blocks == 0) << "the file that takes the messages has the same limit";
+    expectWholeFiles();
+  }
+  EXPECT_EQ(run("quorvel a.log 100 210 out.txt").status, 0) << "without a limit it works";
+}
+
+TEST_F(Limits, AFullDiskIsToldAndKeepsWholeLines) {
+  if (::mount("none", work.path().c_str(), "tmpfs", 0, "size=64k") != 0) GTEST_SKIP() << "mounting is not allowed here";
+  work.write("out.txt", kOldResults);
+  const auto result = run("quorvel a.log 100 210 out.txt");
+  expectWholeFiles();
+  EXPECT_GT(work.read("out.txt").size(), 60'000u) << "what fits is kept";
+  ::umount2(work.path().c_str(), MNT_DETACH);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find("out.txt: Disk full."), std::string::npos) << result.err;
+}
+
+TEST_F(Limits, WithoutThreadsEverythingIsDoneOnOne) {
+  ASSERT_EQ(run("quorvel a.log 100 210 300 expected.txt").status, 0);
+  // No address space has room for a stack of 100 TB, so that no thread can be started.
+  const auto result = run("ulimit -s 100000000000 || exit 99; quorvel a.log 100 210 300 found.txt");
+  if (result.status == 99) GTEST_SKIP() << "the size of stacks is limited here";
+  EXPECT_EQ(std::to_string(result.status) + result.err, "0");
+  EXPECT_EQ(work.read("found.txt"), work.read("expected.txt"));
+}
+
+#ifndef __SANITIZE_ADDRESS__  // which reserves more memory than any limit allows
+TEST_F(Limits, MemoryThatRunsOutIsTold) {
+  const auto under = [this](int kilobytes, const std::string& arguments) {
+    return run("ulimit -v " + std::to_string(kilobytes) + "; quorvel " + arguments);
+  };
+  int least = 3'000;  // what it takes to start
+  while (under(least, "--version").status != 0)
+    least += least / 50;
+  int failed = 0;
+  for (int limit = least; limit < least + 10'000 && !HasFailure(); limit += 200) {
+    SCOPED_TRACE("ulimit -v " + std::to_string(limit));
+    work.write("out.txt", kOldResults);
+    const auto result = under(limit, "a.log 100 210 300 360 alice out.txt");
+    EXPECT_TRUE(result.status == 0 || result.status == 1) << result.status << ' ' << result.err;
+    EXPECT_EQ(result.err.find("Out of memory.") != std::string::npos, result.status == 1) << result.err;
+    expectWholeFiles();
+    failed += result.status;
+  }
+  EXPECT_GT(failed, 0);
+}
+#endif
+
+TEST_F(Limits, ATerminalTakesNoResults) {
+  const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+  if (terminal < 0 || ::grantpt(terminal) != 0 || ::unlockpt(terminal) != 0) GTEST_SKIP() << "no terminals here";
+  home.write("a.log", logLines("") + "\x1B]0;title\x07");
+  const auto result = run(std::string("quorvel a.log 100 210 300 ") + ::ptsname(terminal));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find("Path/File access error."), std::string::npos) << result.err;
+  char received = 0;
+  EXPECT_LT(::read(terminal, &received, 1), 1);
+  ::close(terminal);
+}
+
+}  // namespace
+}  // namespace quorvel::test

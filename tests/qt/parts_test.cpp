@@ -6,37 +6,58 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QImage>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPdfWriter>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTextBlock>
 #include <QTimer>
+#include <tuple>
 
+#include "tests/support/script.h"
 #include "ui/qt/file_dialogs.h"
+#include "ui/qt/menus.h"
 #include "ui/qt/plain_message.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/print_pages.h"
 #include "ui/qt/progress_row.h"
 #include "ui/qt/readable_colours.h"
+#include "ui/qt/text.h"
 #include "ui/qt/window_placement.h"
 
 namespace quorvel::test {
 namespace {
 
-TEST(PlainTextBox, GivesBackTheBytesItWasGivenInPieces) {
-  const std::string text("a\r\n<b>\0\xA0\x81\rz", 12);
+using namespace std::string_literals;
+
+TEST(Text, EveryByteIsOneCharacterAndComesBack) {
+  std::string all;
+  for (int byte = 0; byte < 256; ++byte)
+    all += static_cast<char>(byte);
+  const QString text = toQString(all);
+  EXPECT_EQ(text.size(), 256);
+  EXPECT_EQ(QString(text[0x80]) + text[0x81] + text[0xE4], QStringLiteral("\u20ac\u0081\u00e4"));
+  EXPECT_EQ(toBytes(text), all);
+  EXPECT_EQ(toBytes(QStringLiteral("a\u65e5\u20ac")), "a?\x80") << "not in the code page";
+  EXPECT_EQ(toOneLine(toQString("a\r\nb\x1b[31m\x7f")), QStringLiteral("a\u240d\u240ab\u241b[31m\u2421"));
+  EXPECT_EQ(toTitle("x[*]\n"), QStringLiteral("x[*][*]\u240a")) << "no mark of a modified document";
+}
+
+TEST(PlainTextBox, KeepsItsBytesAndShowsTheirLinesWhereverThePiecesAreCut) {
+  const std::string text = "a\r\n<b>\0\x81\nc\rd\r\n\r\n\n\re\r"s;
   PlainTextBox box;
-  box.setBytes("old");
-  box.setBytes(text.substr(0, 2));  // cut inside the line end
-  box.appendBytes(text.substr(2));
-  EXPECT_EQ(box.blockCount(), 3);
-  const QString second = box.document()->firstBlock().next().text();
-  EXPECT_EQ(second, QStringLiteral("<b>") + QChar(0) + QStringLiteral("\u00a0\u0081"));
-  for (int times = 0; times < 2; ++times) {
+  for (std::size_t cut = 0; cut <= text.size(); ++cut) {
+    box.setBytes(text.substr(0, cut));
+    box.appendBytes(text.substr(cut));
+    EXPECT_EQ(box.toPlainText(), QStringLiteral("a\n<b>\0\u0081\nc\nd\n\n\n\ne")) << cut;
     EXPECT_EQ(box.bytes(), text);
-    box.setBytes(box.bytes());
   }
+  box.setBytes(box.bytes());
+  EXPECT_EQ(box.bytes(), text) << "given a view of its own bytes";
+  box.setBytes(std::string(7'000, 'x'));
+  box.appendBytes(std::string(7'000, 'x'));
+  EXPECT_EQ(box.toPlainText().indexOf(u'\n'), ShownLines::kLongestLine) << "an endless line is broken";
+  EXPECT_EQ(box.toPlainText().size(), 14'001);
 }
 
 TEST(PlainTextBox, CannotBeEditedAndAppendingMovesNothing) {
@@ -52,12 +73,29 @@ TEST(PlainTextBox, CannotBeEditedAndAppendingMovesNothing) {
   EXPECT_EQ(box.textCursor().selectedText(), selected);
 }
 
+/// The items of a menu or of the menu bar, each with its keys, and below it what it opens.
+std::string itemsOf(const QWidget& menu, const std::string& indent = {}) {
+  std::string items;
+  for (const QAction* const action : menu.actions()) {
+    const std::string text = action->isSeparator() ? "-" : action->text().toStdString();
+    const std::string keys = action->shortcut().toString().toStdString();
+    items += indent + (action->isVisible() ? text : '(' + text + ')') + (keys.empty() ? "" : "  " + keys) + '\n';
+    if (action->menu() != nullptr) items += itemsOf(*action->menu(), indent + "  ");
+  }
+  return items;
+}
+
+TEST(Menus, FollowTheScript) {
+  QWidget window;
+  QMenuBar bar(&window);
+  const Menus menus(bar);
+  for (const Script& script : loadScripts(QUORVEL_QT_SCRIPTS))
+    play(script, [&](const std::string& line) { return line == "> bar" ? itemsOf(bar) : itemsOf(menus.treePopup()); });
+}
+
 TEST(WindowPlacement, AWindowIsBroughtBackWhenItCannotBeGrasped) {
   const QList<QRect> screens = {{0, 0, 1000, 800}, {1000, 0, 1000, 800}};
-  const struct {
-    const char* name;
-    QRect window, shown;
-  } cases[] = {
+  const std::tuple<const char*, QRect, QRect> cases[] = {
       {"inside", {10, 20, 500, 400}, {10, 20, 500, 400}},
       {"second screen", {1100, 20, 500, 400}, {1100, 20, 500, 400}},
       {"partly outside", {800, 700, 500, 400}, {800, 700, 500, 400}},
@@ -66,8 +104,8 @@ TEST(WindowPlacement, AWindowIsBroughtBackWhenItCannotBeGrasped) {
       {"too large", {10, 20, 5000, 4000}, {10, 20, 1000, 800}},
       {"too large and outside", {5000, 5000, 5000, 4000}, {0, 0, 1000, 800}},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(broughtOnScreen(c.window, screens), c.shown) << c.name;
+  for (const auto& [name, window, shown] : cases)
+    EXPECT_EQ(broughtOnScreen(window, screens), shown) << name;
 }
 
 TEST(FileDialogs, FiltersAreShownWithTheirPatternAndGiveASuffix) {
@@ -141,16 +179,15 @@ TEST(PrintPages, PrintsEveryPageUntilStopped) {
   for (int i = 0; i < 500; ++i)
     document.text += "line\r\n";
   for (const bool isStopped : {false, true}) {
-    QByteArray pdf;
-    QBuffer buffer(&pdf);
-    buffer.open(QIODevice::WriteOnly);
+    QBuffer pdf;
+    pdf.open(QIODevice::WriteOnly);
     int pages = 0;
-    const PrintOutcome outcome = [&] {
-      QPdfWriter writer(&buffer);
-      return printPages(writer, document, [&] { return ++pages < 2 || !isStopped; });
-    }();
-    EXPECT_EQ(outcome, isStopped ? PrintOutcome::Stopped : PrintOutcome::Printed);
-    EXPECT_EQ(pdf.count("/Type /Page\n"), pages);
+    {
+      QPdfWriter writer(&pdf);
+      const auto outcome = printPages(writer, document, [&] { return ++pages < 2 || !isStopped; });
+      EXPECT_EQ(outcome, isStopped ? PrintOutcome::Stopped : PrintOutcome::Printed);
+    }
+    EXPECT_EQ(pdf.data().count("/Type /Page\n"), pages);
     EXPECT_TRUE(isStopped ? pages == 2 : pages >= 5) << pages;
   }
 }

@@ -37,6 +37,14 @@ inline std::string rowTexts(const QAbstractItemModel& model) {
   return texts.join(u'|').toStdString();
 }
 
+/// A part of a window or dialog by its name.
+template <typename T>
+[[nodiscard]] T& part(const QWidget& whole, const char* name) {
+  T* const found = whole.findChild<T*>(QString::fromLatin1(name));
+  if (found == nullptr) throw std::runtime_error(name);
+  return *found;
+}
+
 class WindowTest : public testing::Test, protected ProgramWindow {
  protected:
   [[nodiscard]] bool canChoose(MenuItem item) { return window.menus().action(item).isEnabled(); }
@@ -53,16 +61,10 @@ class WindowTest : public testing::Test, protected ProgramWindow {
     const QModelIndex top = model->index(parent, 0);
     return child < 0 ? top : model->index(child, 0, top);
   }
-  /// A part of the window by its name.
-  template <typename T>
-  [[nodiscard]] T& part(const char* name) {
-    return *window.findChild<T*>(QString::fromLatin1(name));
-  }
-
   [[nodiscard]] std::string status(StatusPanel panel = StatusPanel::Text) {
     return window.statusText(panel).toStdString();
   }
-  [[nodiscard]] std::string treeHeader() { return part<QLabel>("lblTreeHeader").text().toStdString(); }
+  [[nodiscard]] std::string treeHeader() { return part<QLabel>(window, "lblTreeHeader").text().toStdString(); }
   [[nodiscard]] std::string treeLines() { return rowTexts(*window.panes().tree().model()); }
 };
 

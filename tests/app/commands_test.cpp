@@ -41,12 +41,16 @@ TEST_F(ScannedLogTest, AScanYieldsByTheClock) {
   EXPECT_EQ(view.yieldCount(), yields);
 }
 
-TEST_F(ScannedLogTest, TheFilterWindowGetsALongTextInPieces) {
-  const std::string text = logLines("(000001) Connected") + "(000001) " + std::string(3'000'000, 'x') + "\r\n";
-  folder.write("a.log", text);
-  window.TreeView1_NodeClick(kFirstSession);
+TEST_F(ScannedLogTest, ALongTextIsFilteredInPieces) {
+  const std::string text = logLines("(000002) Connected") + "(000002) " + std::string(3'000'000, 'x') + "\r\n";
+  folder.write("a.log", std::string(150, ' ') + "\r\n" + text);
+  window.TreeView1_NodeClick(kSecondSession);
   EXPECT_EQ(view.filterText(), text);
   EXPECT_GT(view.callsStartingWith("filter append").size(), 5u);
+  view.chooseSave(folder / "out.txt");
+  window.mnuFilterUser_Click();
+  EXPECT_TRUE(folder.read("out.txt").ends_with("\r\n\r\n" + text + "\r\n\r\n\r\n\r\n"));
+  EXPECT_TRUE(folder.read("filter.qva") == text);
 }
 
 /// A users file of sessions with these names, of any nodes; numbers and addresses tell which is which.

@@ -30,20 +30,16 @@ bool isUsual(std::string_view call) {
 }
 
 /// What a line of a script says, word by word.
-class Words {
- public:
-  explicit Words(const std::string& line) : m_line(line) {}
-
+struct Words {
   /// All from word n on, counted from 0, in which "\r\n" stands for a line end.
   [[nodiscard]] std::string from(std::size_t n) const {
     const std::regex start("^(\\S+\\s*){" + std::to_string(n) + "}");
-    return std::regex_replace(std::regex_replace(m_line, start, ""), std::regex(R"(\\r\\n)"), "\r\n");
+    return std::regex_replace(std::regex_replace(line, start, ""), std::regex(R"(\\r\\n)"), "\r\n");
   }
   [[nodiscard]] std::string word(std::size_t n) const { return from(n).substr(0, from(n).find(' ')); }
   [[nodiscard]] int number(std::size_t n) const { return std::stoi(word(n)); }
 
- private:
-  std::string m_line;
+  std::string line;
 };
 
 /// "> x" does something and answers with the calls the window got, ">> x" also with the usual ones, "- x" does it and
@@ -52,7 +48,7 @@ class Player : LogWindow {
  public:
   std::string act(const std::string& line) {
     const std::string kind = line.substr(0, line.find(' '));
-    const Words words(line.substr(kind.size() + 1));
+    const Words words{line.substr(kind.size() + 1)};
     if (kind == "?") return shown(m_questions.at(words.word(0))(words));
     view.forgetCalls();
     perform(words);
@@ -147,8 +143,11 @@ class Player : LogWindow {
     std::filesystem::last_write_time(path, time);
   }
 
+  static FileChoice failure(const std::string& text, int code) {
+    return {FileChoice::Outcome::Failed, {}, 1, text, code};
+  }
+
   using W = const Words&;
-  using Choice = FileChoice::Outcome;
 
   frmOption options{window.context()};
   const std::map<std::string, std::function<void(W)>> m_verbs = {
@@ -159,16 +158,10 @@ class Player : LogWindow {
       // A dialog's answer, given before the menu item is chosen.
       {"open", [this](W w) { view.chooseOpen(folder / w.word(1), w.number(2)); }},
       {"save", [this](W w) { view.chooseSave(folder / w.word(1)); }},
-      {"openFails",
-       [this](W w) {
-         view.answerOpen({Choice::Failed, {}, 1, w.from(1), 12});
-       }},
-      {"saveFails",
-       [this](W w) {
-         view.answerSave({Choice::Failed, {}, 1, w.from(1), -1});
-       }},
+      {"openFails", [this](W w) { view.answerOpen(failure(w.from(1), 12)); }},
+      {"saveFails", [this](W w) { view.answerSave(failure(w.from(1), -1)); }},
       {"answerNo", [this](W) { view.answerMessage(false); }},
-      {"atYield", [this](W w) { performAtYield(w.number(1), Words(w.from(2))); }},
+      {"atYield", [this](W w) { performAtYield(w.number(1), {w.from(2)}); }},
       {"start",
        [this](W) {
          settings.prepareFile();

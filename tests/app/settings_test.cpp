@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <tuple>
+
 #include "app/ini_document.h"
 #include "tests/support/memory_files.h"
 
@@ -12,23 +15,18 @@ TEST(IniDocument, FindsValues) {
   const std::string text =
       "\xEF\xBB\xBF[MAIN]\r\n;Name=comment\r\njunk\r\n  name \t=  a b \r\nQuoted=\" x \"\r\nOdd=\"x'\r\nName=second\r\n"
       "Eq=a=b\r\nEmpty=\r\n=nokey\r\n[main]\r\nLate=1\r\n [ \xC5NGSTR\xD6M ] \r\nk=1\r\n[broken\r\nLast=end";
-  const struct {
-    std::string_view section, key, value;
-  } cases[] = {
+  const std::array<std::string_view, 3> cases[] = {
       {"Main", "NAME", "a b"}, {"MAIN", "quoted", " x "},      {"MAIN", "Odd", "\"x'"},
       {"MAIN", "Eq", "a=b"},   {"MAIN", "Empty", ""},          {"MAIN", "Late", "(none)"},
       {"MAIN", "", "nokey"},   {"\xE5ngstr\xF6m", "K", "1"},   {"\xC5ngstr\xD6m", "last", "end"},
       {"MAIN", "k", "(none)"}, {"MAIN", "Name=a b", "(none)"}, {"other", "Name", "(none)"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(findIniValue(text, c.section, c.key).value_or("(none)"), c.value) << c.section << " " << c.key;
-  }
+  for (const auto& [section, key, value] : cases)
+    EXPECT_EQ(findIniValue(text, section, key).value_or("(none)"), value) << section << " " << key;
 }
 
 TEST(IniDocument, ChangesNothingButTheKey) {
-  const struct {
-    std::string_view before, after;
-  } cases[] = {
+  const std::pair<std::string_view, std::string_view> cases[] = {
       {"", "[S]\r\nk=v\r\n"},
       {"; only", "; only\r\n[S]\r\nk=v\r\n"},
       {"[T]\nx=1\n", "[T]\nx=1\n[S]\nk=v\n"},
@@ -40,9 +38,8 @@ TEST(IniDocument, ChangesNothingButTheKey) {
       {"[S]\r\nk=old", "[S]\r\nk=v"},
       {"\xEF\xBB\xBF[S]\nk=\"q\"\n\x01x", "\xEF\xBB\xBF[S]\nk=v\n\x01x"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(withIniValue(c.before, "S", "k", "v"), c.after) << c.before;
-  }
+  for (const auto& [before, after] : cases)
+    EXPECT_EQ(withIniValue(before, "S", "k", "v"), after) << before;
 }
 
 class SettingsTest : public testing::Test {
@@ -62,19 +59,16 @@ TEST_F(SettingsTest, AnOverlongFileIsNotReadAndReplacedAtTheNextStart) {
 }
 
 TEST_F(SettingsTest, NumbersFallBackToTheFreshFile) {
-  const struct {
-    std::string stored;
-    std::int32_t number;
-    bool flag;
-  } cases[] = {{"7", 7, true},          {"-3", -3, true},
-               {"0", 0, false},         {"", 1, true},
-               {"1x", 1, true},         {"2147483647", 2147483647, true},
-               {"2147483648", 1, true}, {"99999999999999999999", 1, true},
-               {"FALSE", 1, false},     {"-2147483649", 1, true}};
-  for (const auto& c : cases) {
-    files.put("quorvel.ini", "[OPTION-SAVE]\r\nAppendWhenFilter=" + c.stored + "\r\n");
-    EXPECT_EQ(settings.readNumber("option-save", "appendwhenfilter"), c.number) << c.stored;
-    EXPECT_EQ(settings.readFlag("OPTION-SAVE", "AppendWhenFilter"), c.flag) << c.stored;
+  const std::tuple<std::string, std::int32_t, bool> cases[] = {
+      {"7", 7, true},          {"-3", -3, true},
+      {"0", 0, false},         {"", 1, true},
+      {"1x", 1, true},         {"2147483647", 2147483647, true},
+      {"2147483648", 1, true}, {"99999999999999999999", 1, true},
+      {"FALSE", 1, false},     {"-2147483649", 1, true}};
+  for (const auto& [stored, number, flag] : cases) {
+    files.put("quorvel.ini", "[OPTION-SAVE]\r\nAppendWhenFilter=" + stored + "\r\n");
+    EXPECT_EQ(settings.readNumber("option-save", "appendwhenfilter"), number) << stored;
+    EXPECT_EQ(settings.readFlag("OPTION-SAVE", "AppendWhenFilter"), flag) << stored;
   }
   EXPECT_EQ(settings.readNumber("OPTION-FIND-USER", "FindUserBuffer"), 4000);
   EXPECT_EQ(settings.readNumber("POSITION", "MainTop"), 0);

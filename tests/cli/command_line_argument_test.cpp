@@ -4,7 +4,6 @@
 
 #include <array>
 #include <string>
-#include <vector>
 
 #include "tests/support/temp_folder.h"
 
@@ -17,15 +16,6 @@ class CommandLineArgumentTest : public testing::Test {
   Settings settings{systemFiles(), folder.path()};
   classCommandLineArgument arguments{settings, folder.path()};
 };
-
-TEST_F(CommandLineArgumentTest, SplitsAndSorts) {
-  EXPECT_TRUE(arguments.GetCommandLine("\ta 360 bob 350 1.2.3.4 300 260 al 250 5 0210 100  100 \"my out ").isOk());
-  const std::vector<std::string> sorted = {"",    "a",   "100",     "210", "250", "5",   "260", "al",
-                                           "300", "350", "1.2.3.4", "360", "bob", "out", ""};
-  EXPECT_EQ(arguments.sortedArguments(), sorted);
-  for (const std::string_view text : {"a.log 250", "a.log 100 260", "a.log 350", "a.log 360"})
-    EXPECT_FALSE(arguments.GetCommandLine(text).isOk()) << text;
-}
 
 TEST_F(CommandLineArgumentTest, KnowsAnOutputFile) {
   for (const std::string_view text :

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "tests/reference/comparison.h"
 #include "tests/reference/session_scan.h"
 #include "tests/support/records.h"
@@ -34,9 +36,7 @@ TEST(ServuFindUserInfo, DecidesNameLogonAndLogoff) {
   const std::string logon = "Mon 05Mar01 10:15:05";
   const std::string quit = "Mon 05Mar01 10:20:40";
   const std::string end = "Mon 05Mar01 10:20:41";
-  const struct {
-    std::string log, name, logon, logoff;
-  } cases[] = {
+  const std::array<std::string, 4> cases[] = {
       {kUser + kLogon + kStart + kClose, "alice", logon, kServerRestart},
       {kUser + kLogon, "alice", logon, kNotLoggedOut},
       {refused("Not logged in - password incorrect."), "alice", logon + kBadPassword, end},
@@ -54,11 +54,11 @@ TEST(ServuFindUserInfo, DecidesNameLogonAndLogoff) {
       {std::string(4000, '.') + "\r\n" + kUser + kLogon, "NO_USER_FOUND", connect, kNotLoggedOut},
       {at("10:15:03", "(000013) USER bob") + kClose, "QUIT", end, end},
   };
-  for (const auto& c : cases) {
-    const auto records = find(kConnect + c.log);
-    ASSERT_EQ(records.size(), 1u) << c.log;
+  for (const auto& [log, name, logonTime, logoffTime] : cases) {
+    const auto records = find(kConnect + log);
+    ASSERT_EQ(records.size(), 1u) << log;
     const UserAct& found = records[0];
-    EXPECT_EQ(std::tie(found.Name, found.LogonTime, found.LogoffTime), std::tie(c.name, c.logon, c.logoff)) << c.log;
+    EXPECT_EQ(std::tie(found.Name, found.LogonTime, found.LogoffTime), std::tie(name, logonTime, logoffTime)) << log;
   }
 }
 

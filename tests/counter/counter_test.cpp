@@ -106,16 +106,5 @@ TEST(TransferCount, NeverWrapsAround) {
   EXPECT_NE(text.find("transfers: 4294967294\r\n\r\nRETR errors: 2147483647\r\n"), std::string::npos) << text;
 }
 
-TEST(CounterResult, IsAppendedWithByteSumsAndTheHintWhateverIsCounted) {
-  MemoryFiles files;
-  files.put("out.txt", "old\r\n");
-  EXPECT_TRUE(AppendCounterResult(files, "out.txt", {2, 0, 0, 1, 15'000, 0}, "What", {false, true, "bad"}).isOk());
-  EXPECT_EQ(files.content("out.txt"),
-            "old\r\n\r\n\r\n\r\n-------------------------------\r\nCounter results: What\r\n\r\n"
-            "RETR - Server sends: 2 - (1.5 bytes)\r\nSTOR - Server receives: 0 - (0 bytes)\r\n"
-            "Total good transfers: 2 - (1.5 bytes)\r\n\r\nRETR errors: 0\r\nSTOR errors: 1\r\n"
-            "Total bad transfers: 1\r\nLook in the file:bad\r\nfor more info on the bad transfers.\r\n\r\n");
-}
-
 }  // namespace
 }  // namespace quorvel::test

@@ -1,17 +1,6 @@
 // The window as a user works with it.
-#include <QClipboard>
-#include <QContextMenuEvent>
-#include <QDropEvent>
-#include <QLineEdit>
-#include <QMimeData>
 #include <QPrintDialog>
 #include <QPrinterInfo>
-#include <QPushButton>
-#include <QShortcut>
-#include <QSignalSpy>
-#include <QSplitter>
-#include <QTest>
-#include <QUrl>
 
 #include "tests/qt/window_fixture.h"
 

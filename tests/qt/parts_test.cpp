@@ -1,17 +1,7 @@
 // The window's parts one by one.
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QBuffer>
-#include <QFontDatabase>
-#include <QFontMetrics>
-#include <QImage>
-#include <QMenuBar>
-#include <QMessageBox>
-#include <QPdfWriter>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTimer>
+#include <QtWidgets>
 #include <tuple>
 
 #include "tests/support/script.h"

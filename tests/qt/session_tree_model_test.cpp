@@ -1,11 +1,5 @@
 #include "ui/qt/session_tree_model.h"
 
-#include <QAbstractItemModelTester>
-#include <QElapsedTimer>
-#include <QScrollBar>
-#include <QSignalSpy>
-#include <QTest>
-
 #include "tests/qt/window_fixture.h"
 
 namespace quorvel::test {
@@ -69,16 +63,13 @@ TEST_F(SessionTreeModelTest, ShowsTheTreeAndItsChanges) {
 
 TEST_F(SessionTreeModelTest, TypeAheadFindsNamesOnTheScreenAndGoesRound) {
   fill();
-  const struct {
-    const char* typed;
-    std::int32_t from;
-    bool includesFrom;
-    std::unordered_set<std::int32_t> open;
-    std::int32_t found;
-  } cases[] = {{"BER", 0, false, {}, 4},  {"a", 6, false, {}, 1},     {"", 4, true, {}, 4},    {"Mon", 0, false, {}, 0},
-               {"Mon", 0, false, {4}, 5}, {"anna", 5, false, {4}, 1}, {"zzz", 2, false, {}, 0}};  // 2: closed meanwhile
-  for (const auto& c : cases)
-    EXPECT_EQ(m_model.findText(QString::fromLatin1(c.typed), c.from, c.includesFrom, c.open), c.found) << c.typed;
+  using Nodes = std::unordered_set<std::int32_t>;
+  const std::tuple<const char*, std::int32_t, bool, Nodes, std::int32_t> cases[] = {
+      // found, from a node, or on it
+      {"BER", 0, false, {}, 4},  {"a", 6, false, {}, 1},     {"", 4, true, {}, 4},    {"Mon", 0, false, {}, 0},
+      {"Mon", 0, false, {4}, 5}, {"anna", 5, false, {4}, 1}, {"zzz", 2, false, {}, 0}};  // 2: closed meanwhile
+  for (const auto& [typed, from, includesFrom, open, found] : cases)
+    EXPECT_EQ(m_model.findText(QString::fromLatin1(typed), from, includesFrom, open), found) << typed;
 }
 
 TEST_F(SessionTreeModelTest, KeysMoveCheckFindAndClick) {

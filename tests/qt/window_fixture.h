@@ -3,9 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractItemModel>
-#include <QLabel>
-#include <QMessageBox>
+#include <QtTest>
+#include <QtWidgets>
 
 #include "tests/support/program_window.h"
 #include "tests/support/sample_log.h"

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <thread>
 
 #include "tests/support/echo_reply.h"
@@ -13,37 +14,27 @@ namespace {
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 
-/// The other end of a network that the test controls.
-struct Network {
-  IpFamily family = IpFamily::V4;
-  std::vector<std::string> sent;
-  std::vector<std::string> waiting;
-  bool isUp = true;
-
-  /// Answers the request sent last.
-  void answer(std::uint16_t sequence) { waiting.push_back(echoReply(family, {sequence, sent.back().substr(8)})); }
-};
-
-struct FakeSocket : IcmpSocket {
-  explicit FakeSocket(Network& shared) : network(shared) {}
-  [[nodiscard]] IpFamily family() const override { return network.family; }
-  [[nodiscard]] int descriptor() const override { return 7; }
-  [[nodiscard]] bool send(std::string_view message) override {
-    network.sent.emplace_back(message);
-    return network.isUp;
-  }
-  [[nodiscard]] std::optional<std::string> receive() override {
-    if (network.waiting.empty()) return std::nullopt;
-    std::string message = network.waiting.front();
-    network.waiting.erase(network.waiting.begin());
-    return message;
-  }
-
-  Network& network;
-};
-
-class PingTest : public ::testing::Test {
+/// Pings a host over a network that the test controls.
+class PingTest : public testing::Test {
  protected:
+  struct FakeSocket : IcmpSocket {
+    explicit FakeSocket(PingTest& test) : network(test) {}
+    [[nodiscard]] IpFamily family() const override { return network.family; }
+    [[nodiscard]] int descriptor() const override { return 7; }
+    [[nodiscard]] bool send(std::string_view message) override {
+      network.sent.emplace_back(message);
+      return network.isUp;
+    }
+    [[nodiscard]] std::optional<std::string> receive() override {
+      if (network.waiting.empty()) return std::nullopt;
+      const std::string message = network.waiting.front();
+      network.waiting.pop_front();
+      return message;
+    }
+
+    PingTest& network;
+  };
+
   /// What is told of events, each behind a "|".
   static std::string told(const std::vector<PingEvent>& events) {
     std::string lines;
@@ -53,23 +44,28 @@ class PingTest : public ::testing::Test {
   }
   std::string start() { return told(ping.start("10.0.0.5", now)); }
   std::string after(std::chrono::milliseconds wait) { return told(ping.poll(now += wait)); }
+  /// Answers the request sent last.
+  void answer(std::uint16_t sequence) { waiting.push_back(echoReply(family, {sequence, sent.back().substr(8)})); }
 
-  Network network;
-  Ping ping{[this](const std::string&) { return IcmpOpening{std::make_unique<FakeSocket>(network), {}}; }};
+  IpFamily family = IpFamily::V4;
+  std::vector<std::string> sent;
+  std::deque<std::string> waiting;
+  bool isUp = true;
+  Ping ping{[this](const std::string&) { return IcmpOpening{std::make_unique<FakeSocket>(*this), {}}; }};
   Ping::Clock::time_point now{};
 };
 
 TEST_F(PingTest, SendsFourRequestsAndTimesTheReplies) {
-  for (const IpFamily family : {IpFamily::V4, IpFamily::V6}) {
-    network.family = family;
-    network.sent.clear();
+  for (const IpFamily each : {IpFamily::V4, IpFamily::V6}) {
+    family = each;
+    sent.clear();
     EXPECT_EQ(start(), "");
     for (std::uint16_t sequence = 1; sequence <= 4; ++sequence) {
-      ASSERT_EQ(network.sent.size(), sequence);
-      network.answer(sequence);
+      ASSERT_EQ(sent.size(), sequence);
+      answer(sequence);
       EXPECT_EQ(after(3ms), "|Reply from host: 3.0 ms");
       EXPECT_EQ(after(Ping::kInterval - 4ms), "");
-      EXPECT_EQ(network.sent.size(), sequence);
+      EXPECT_EQ(sent.size(), sequence);
       after(1ms);
     }
     EXPECT_FALSE(ping.isRunning());
@@ -82,8 +78,8 @@ TEST_F(PingTest, GoesOnAfterATimeOutAndWhenNothingCanBeSent) {
   for (int i = 1; i <= 4; ++i)
     EXPECT_EQ(after(Ping::kTimeOut - 1ms) + after(1ms), "|No reply from host");
   EXPECT_FALSE(ping.isRunning());
-  EXPECT_EQ(network.sent.size(), 4U);
-  network.isUp = false;
+  EXPECT_EQ(sent.size(), 4U);
+  isUp = false;
   EXPECT_EQ(start(), "|No way to reach host");
   for (int i = 2; i <= 4; ++i)
     EXPECT_EQ(after(Ping::kInterval), "|No way to reach host");
@@ -92,16 +88,16 @@ TEST_F(PingTest, GoesOnAfterATimeOutAndWhenNothingCanBeSent) {
 
 TEST_F(PingTest, PassesOverWhatIsNotTheAwaitedReply) {
   EXPECT_EQ(start(), "");
-  network.answer(2);
-  network.answer(1);
-  network.waiting.back()[20] ^= 1;  // damaged on the way
-  const std::string& request = network.sent.back();
+  answer(2);
+  answer(1);
+  waiting.back()[20] ^= 1;  // damaged on the way
+  const std::string& request = sent.back();
   for (const std::string& other :
        {request, echoReply(IpFamily::V4, {1, "another's token"}), ""s, "EEE"s, std::string(7, 0)})
-    network.waiting.push_back(other);
+    waiting.push_back(other);
   EXPECT_EQ(after(5ms), "");
-  network.answer(1);
-  network.waiting.back().insert(0, "\x45" + std::string(19, '\0'));  // with its IP header
+  answer(1);
+  waiting.back().insert(0, "\x45" + std::string(19, '\0'));  // with its IP header
   EXPECT_EQ(after(5ms), "|Reply from host: 10.0 ms");
 }
 

@@ -1,8 +1,9 @@
-#include "tools/short_info.h"
-
+// Tools that write and read files.
 #include <gtest/gtest.h>
 
 #include "tests/support/memory_files.h"
+#include "tools/go_to_position.h"
+#include "tools/short_info.h"
 
 namespace quorvel::test {
 namespace {
@@ -21,6 +22,17 @@ TEST(ShortInfo, KeepsItsColumnsForManyLinesAndLongValues) {
   }
   EXPECT_TRUE(table.value().flush().isOk());
   EXPECT_EQ(files.content("table.txt"), expected);
+}
+
+// What is shown of a position is compared with the log's own bytes in the fuzz target of texts.
+TEST(GoToPosition, TakesWholeNumbersOf32BitsAndALogThatIsThere) {
+  MemoryFiles files;
+  files.put("a.log", "one line");
+  for (const char* position : {" 5000 ", "2147483647", "-2147483648"})
+    EXPECT_EQ(textAroundPosition(files, "a.log", position), "\r\n\r\n") << position;
+  for (const char* position : {"", "abc", "12x", "5000.5", "2147483648", "-2147483649", "99999999999999999999"})
+    EXPECT_EQ(textAroundPosition(files, "a.log", position), std::nullopt) << position;
+  EXPECT_EQ(textAroundPosition(files, "missing.log", "5000"), std::nullopt);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 
 namespace quorvel::test {
 namespace {
@@ -14,23 +15,20 @@ constexpr std::string_view kLower =
     "\xF0\xF1\xF2\xF3\xF4\xF5\xF6\xF8\xF9\xFA\xFB\xFC\xFD\xFE";
 static_assert(kUpper.size() == kLower.size());
 
-std::array<char, 256> lowerCaseTable() {
-  std::array<char, 256> table{};
-  for (std::size_t byte = 0; byte < table.size(); ++byte) {
-    const std::size_t letter = kUpper.find(static_cast<char>(byte));
-    table[byte] = letter == std::string_view::npos ? static_cast<char>(byte) : kLower[letter];
-  }
-  return table;
-}
-
-constexpr std::int64_t size64(std::string_view text) {
+std::int64_t size64(std::string_view text) {
   return static_cast<std::int64_t>(text.size());
 }
 
 }  // namespace
 
 std::string lowerCase(std::string_view text) {
-  static const std::array<char, 256> kTable = lowerCaseTable();
+  static const std::array<char, 256> kTable = [] {
+    std::array<char, 256> table{};
+    std::iota(table.begin(), table.end(), '\0');
+    for (std::size_t letter = 0; letter < kUpper.size(); ++letter)
+      table[static_cast<unsigned char>(kUpper[letter])] = kLower[letter];
+    return table;
+  }();
   std::string folded(text);
   for (char& c : folded)
     c = kTable[static_cast<unsigned char>(c)];
@@ -54,13 +52,12 @@ std::int64_t BlockSearch::FindForward(std::string_view text, std::int64_t start)
 std::int64_t BlockSearch::FindForwardLimited(std::string_view text, std::int64_t start, std::int64_t limit) const {
   if (start >= m_length) return start;
   const std::string wanted = lowerCase(text);
-  std::int64_t position = start;
-  while (position < m_length) {
+  const std::int64_t step = kBlockSize - size64(text);
+  for (std::int64_t position = start; position < m_length && (position == start || position <= limit);
+       position += step) {
     const std::size_t index = foldedBlock(position).find(wanted);
     if (index != std::string_view::npos) return position + static_cast<std::int64_t>(index);
-    if (size64(text) >= kBlockSize) return 0;  // the next block would not lie further on
-    position += kBlockSize - size64(text);
-    if (position > limit) return 0;
+    if (step <= 0) return 0;  // the next block would not lie further on
   }
   return 0;
 }
@@ -69,31 +66,26 @@ BlockSearch::SessionEnd BlockSearch::FindSessionEnd(std::int64_t start, std::str
   if (start >= m_length) return {start, false};
   const std::string close = lowerCase(closeText);
   const std::string serverStart = "- starting ftp server...";
-  std::int64_t position = start;
-  while (position < m_length) {
+  const std::int64_t step = kBlockSize - size64(close) - size64(serverStart);
+  for (std::int64_t position = start; position < m_length; position += step) {
     const std::size_t closeIndex = foldedBlock(position).find(close);
     const std::size_t serverIndex = foldedBlock(position).find(serverStart);
     const std::size_t first = std::min(closeIndex, serverIndex);
-    if (first != std::string_view::npos) {
-      return {position + static_cast<std::int64_t>(first), serverIndex < closeIndex};
-    }
-    position += kBlockSize - size64(close) - size64(serverStart);
+    if (first != std::string_view::npos) return {position + static_cast<std::int64_t>(first), serverIndex < closeIndex};
   }
   return {};
 }
 
 std::string BlockSearch::bytesAt(std::int64_t position, std::size_t count) const {
-  std::string bytes(count, ' ');
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::int64_t at = position + static_cast<std::int64_t>(i);
-    if (at >= 1 && at <= m_length) bytes[i] = m_log[static_cast<std::size_t>(at - 1 + kBlockSize)];
-  }
+  const std::int64_t from = std::clamp<std::int64_t>(position - 1 + kBlockSize, 0, size64(m_log));
+  std::string bytes = m_log.substr(static_cast<std::size_t>(from), count);
+  bytes.resize(count, ' ');
   return bytes;
 }
 
 std::string BlockSearch::textUpTo(char end, std::int64_t position) const {
-  std::int64_t behind = FindForward(std::string_view(&end, 1), position);
-  if (behind == 0) behind = m_length + 1;
+  const std::int64_t found = FindForward(std::string_view(&end, 1), position);
+  const std::int64_t behind = found == 0 ? m_length + 1 : found;
   if (behind <= position) return {};
   const std::string text = bytesAt(position, static_cast<std::size_t>(behind - position));
   return text.substr(0, text.find(end));  // the search never looks at a log's last byte alone

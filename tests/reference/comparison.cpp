@@ -57,7 +57,7 @@ class SessionCheck final : public SessionLineConsumer {
   void endSession(const UserAct& session) override {
     ++m_ended;
     if (stopAfter != SIZE_MAX) return;
-    std::vector<std::string> expected = session.Position == 0 ? std::vector<std::string>() : linesAbout(m_log, session);
+    std::vector<std::string> expected = linesAbout(m_log, session);
     expected.resize(std::min(expected.size(), m_wanted));
     const std::string what = " of " + describe(session);
     if (m_result.empty()) m_result = difference("the lines" + what, m_lines, expected);

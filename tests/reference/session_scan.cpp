@@ -46,15 +46,12 @@ std::string userName(const BlockSearch& log, const Session& session, char nameEn
 }
 
 std::int64_t findLogonLine(const BlockSearch& log, const Session& session, const std::string& name) {
-  const std::string mark = "- " + session.id + " ";
-  if (name == "anonymous") {
-    return log.FindForwardLimited(mark + "anonymous logged in", session.position, session.limit);
-  }
-  if (name == "QUIT") return log.FindForwardLimited(mark + "Closing connection", session.position, session.limit);
-  if (name == "NO_USER_FOUND") {
-    return log.FindForwardLimited(mark + "Connected to ", session.position - 20, session.limit);
-  }
-  return log.FindForwardLimited(mark + "User " + name + " logged in", session.position, session.limit);
+  std::string event = "User " + name + " logged in";
+  if (name == "anonymous") event = "anonymous logged in";
+  if (name == "QUIT") event = "Closing connection";
+  if (name == "NO_USER_FOUND") event = "Connected to ";
+  const std::int64_t start = session.position - (name == "NO_USER_FOUND" ? 20 : 0);
+  return log.FindForwardLimited("- " + session.id + " " + event, start, session.limit);
 }
 
 std::string failedLogonTime(const BlockSearch& log, const Session& session) {

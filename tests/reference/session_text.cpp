@@ -13,9 +13,8 @@ std::vector<std::string> splitLines(std::string_view text) {
   std::vector<std::string> lines;
   while (!text.empty()) {
     const std::size_t lf = std::min(text.find('\n'), text.size());
-    std::string_view line = text.substr(0, lf);
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    lines.emplace_back(line);
+    lines.emplace_back(text.substr(0, lf));
+    if (lines.back().ends_with('\r')) lines.back().pop_back();
     text.remove_prefix(std::min(lf + 1, text.size()));
   }
   return lines;
@@ -34,13 +33,20 @@ struct FoldedLine {
   [[nodiscard]] bool hasMark(std::initializer_list<const char*> texts) const {
     return std::any_of(texts.begin(), texts.end(), [this](const char* text) { return contains(number + text); });
   }
-  [[nodiscard]] bool isOfSession() const { return holds(line, number); }
-  [[nodiscard]] bool isClose() const { return holds(line, "- " + number + " closing connection"); }
-  [[nodiscard]] bool isServerStart() const { return holds(line, "- starting ftp server..."); }
+  [[nodiscard]] bool isOfSession() const { return contains(number); }
+  [[nodiscard]] bool isClose() const { return contains("- " + number + " Closing connection"); }
+  [[nodiscard]] bool isServerStart() const { return contains("- Starting FTP Server..."); }
 
   std::string line;
   std::string number;
 };
+
+/// Lines of the log from 50 bytes before the session's position on; none where that is unknown.
+std::vector<std::string> linesFrom(std::string_view log, const UserAct& session) {
+  if (session.Position == 0) return {};
+  const auto before = static_cast<std::size_t>(std::max(0, session.Position - 51));
+  return splitLines(log.substr(std::min(before, log.size())));
+}
 
 std::string connectMark(const UserAct& session) {
   return session.ConnectTime + " - " + session.NumberInLog + " Connected to " + session.IP;
@@ -122,12 +128,6 @@ void countLine(const std::string& line, const std::string& prefix, CountedTransf
 
 }  // namespace
 
-std::vector<std::string> linesFrom(std::string_view log, const UserAct& session) {
-  const std::int64_t from = std::max<std::int64_t>(1, std::int64_t{session.Position} - 50);
-  const auto index = std::min(static_cast<std::size_t>(from - 1), log.size());
-  return splitLines(log.substr(index));
-}
-
 std::vector<std::string> linesAbout(std::string_view log, const UserAct& session) {
   std::vector<std::string> lines = linesFrom(log, session);
   std::erase_if(lines, [&](const std::string& text) {
@@ -139,21 +139,19 @@ std::vector<std::string> linesAbout(std::string_view log, const UserAct& session
 
 std::vector<std::string> entireSession(std::string_view log, const UserAct& session) {
   std::vector<std::string> written;
-  if (session.Position == 0) return written;
   bool isConnected = false;
   for (const std::string& text : linesFrom(log, session)) {
     const FoldedLine line(text, session.NumberInLog);
     isConnected = isConnected || line.contains(connectMark(session));
     if (!isConnected) continue;
     if (line.isOfSession()) written.push_back(text);
-    if ((line.isOfSession() && line.isClose()) || line.isServerStart()) break;
+    if (line.isClose() || line.isServerStart()) break;
   }
   return written;
 }
 
 std::vector<std::string> sessionCommands(std::string_view log, const UserAct& session, CommandFilterOptions switches) {
   CommandBlocks filter{switches, {}};
-  if (session.Position == 0) return {};
   for (const std::string& text : linesFrom(log, session)) {
     const FoldedLine line(text, session.NumberInLog);
     if (line.isServerStart() || line.isClose()) break;
@@ -164,7 +162,6 @@ std::vector<std::string> sessionCommands(std::string_view log, const UserAct& se
 
 CountedTransfers sessionTransfers(std::string_view log, const UserAct& session) {
   CountedTransfers counted;
-  if (session.Position == 0) return counted;
   const std::string prefix = "- " + session.NumberInLog;
   bool isConnected = false;
   for (const std::string& line : linesFrom(log, session)) {

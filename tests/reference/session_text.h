@@ -12,10 +12,8 @@
 
 namespace quorvel::test {
 
-/// Lines of the log from 50 bytes before the session's position on, without their line ends.
-[[nodiscard]] std::vector<std::string> linesFrom(std::string_view log, const UserAct& session);
-
-/// Those of them that contain the session number or the server start mark.
+/// Lines of the log from 50 bytes before the session's position on that contain its number or the server start mark,
+/// without their line ends. Of a session of unknown position there are none, here and below.
 [[nodiscard]] std::vector<std::string> linesAbout(std::string_view log, const UserAct& session);
 
 [[nodiscard]] std::vector<std::string> entireSession(std::string_view log, const UserAct& session);

@@ -47,7 +47,7 @@ TEST_F(ScannedLogTest, ALongTextIsFilteredInPieces) {
   window.TreeView1_NodeClick(kSecondSession);
   EXPECT_EQ(view.filterText(), text);
   EXPECT_GT(view.callsStartingWith("filter append").size(), 5u);
-  view.chooseSave(folder / "out.txt");
+  view.choose(folder / "out.txt");
   window.mnuFilterUser_Click();
   EXPECT_TRUE(folder.read("out.txt").ends_with("\r\n\r\n" + text + "\r\n\r\n\r\n\r\n"));
   EXPECT_TRUE(folder.read("filter.qva") == text);
@@ -116,7 +116,7 @@ TEST_F(ScannedLogTest, TickedSessionsAreTheFirstRecordsOfTheirNodesInWhateverFil
     users.value().setTreeIndex(record, kThirdSession);
   users.value().setTreeIndex(3, 0);
   ASSERT_TRUE(users.value().flush().isOk());
-  view.chooseSave(folder / "out.txt");
+  view.choose(folder / "out.txt");
   window.mnuFilterSelected_Click();
   EXPECT_EQ(folder.read("filter.qva"), logLines("(000001)"));
 }

@@ -156,11 +156,11 @@ class Player : LogWindow {
       {"toggleAutoFilter", [this](W) { window.toggleAutoFilter(); }},
       {"rightButton", [this](W) { window.TreeView1_RightButton(); }},
       // A dialog's answer, given before the menu item is chosen.
-      {"open", [this](W w) { view.chooseOpen(folder / w.word(1), w.number(2)); }},
-      {"save", [this](W w) { view.chooseSave(folder / w.word(1)); }},
-      {"openFails", [this](W w) { view.answerOpen(failure(w.from(1), 12)); }},
-      {"saveFails", [this](W w) { view.answerSave(failure(w.from(1), -1)); }},
-      {"answerNo", [this](W) { view.answerMessage(false); }},
+      {"open", [this](W w) { view.choose(folder / w.word(1), w.number(2)); }},
+      {"save", [this](W w) { view.choose(folder / w.word(1)); }},
+      {"openFails", [this](W w) { view.fileAnswer = failure(w.from(1), 12); }},
+      {"saveFails", [this](W w) { view.fileAnswer = failure(w.from(1), -1); }},
+      {"answerNo", [this](W) { view.messageAnswer = false; }},
       {"atYield", [this](W w) { performAtYield(w.number(1), {w.from(2)}); }},
       {"start",
        [this](W) {

@@ -48,7 +48,7 @@ int work(const Change& change, int n) {
   for (std::int32_t node = 1; node <= std::min(world.window.state().tree.nodeCount(), 10); ++node)
     world.window.TreeView1_NodeClick(node);
   for (const MenuItem item : {mnuFilterAll, mnuFilterSelected, mnuCountAllTransfers, mnuCountUsersTransfers}) {
-    world.view.chooseSave(results);
+    world.view.choose(results);
     runMenuCommand(item, world.window);
   }
   world.expectIdle();
@@ -84,7 +84,7 @@ TEST(TwoPrograms, TheOneWhoseRecordsAreGoneSaysSo) {
   first.window.TreeView1_NodeClick(kSecondSession);
   EXPECT_TRUE(first.allMessages().starts_with("Lost file: users.qva\r\n")) << first.allMessages();
   folder.write("out.txt", kOldResults);
-  first.view.chooseSave(folder / "out.txt");
+  first.view.choose(folder / "out.txt");
   first.window.mnuFilterAll_Click();
   EXPECT_EQ(folder.read("out.txt"), kOldResults);
   first.window.mnuFindUsers_Click();

@@ -31,8 +31,7 @@ struct Command {
 /// Chooses a menu item, which may ask for a file.
 Command choosing(MenuItem item) {
   return {menuItemName(item), [item](ProgramWorld& world) {
-            world.view.chooseOpen(kLog);
-            world.view.chooseSave(kResults);
+            world.view.choose(item == MenuItem::mnuOpenLogFile ? kLog : kResults);
             runMenuCommand(item, world.window);
           }};
 }
@@ -160,10 +159,9 @@ class FaultRun {
     const std::filesystem::path again = "/logs/again.txt";
     m_disk.disarm();
     m_world.view.forgetCalls();
-    m_world.view.forgetAnswers();
     m_world.window.useLog(kLog, "a.log", LogType::ServU);
     m_world.window.mnuFindUsers_Click();
-    m_world.view.chooseSave(again);
+    m_world.view.choose(again);
     m_world.window.mnuFilterAll_Click();
     EXPECT_EQ(m_world.view.callsStartingWith("message").size(), 0u);
     return m_disk.content(again).size();

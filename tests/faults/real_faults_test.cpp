@@ -121,7 +121,7 @@ TEST_F(Killed, AShortInfoTableKeepsWhatWasWritten) {
   const auto saveTable = [this] {
     ProgramWorld child(systemFiles(), home.path());
     child.window.useLog(home / "a.log", "a.log", LogType::ServU);
-    child.view.chooseSave(work / "table.txt");
+    child.view.choose(work / "table.txt");
     child.window.mnuSaveShortInfo_Click();
   };
   killOften(saveTable, 50ms);

@@ -25,11 +25,8 @@ class AnsweredFileDialogs : public FileDialogs {
 
  private:
   [[nodiscard]] FileChoice choose(const FileRequest& request) const {
-    FileChoice choice;
-    choice.filterIndex = request.filterIndex;
-    choice.path = answer;
-    choice.outcome = answer.empty() ? FileChoice::Outcome::Cancelled : FileChoice::Outcome::Chosen;
-    return choice;
+    using enum FileChoice::Outcome;
+    return {answer.empty() ? Cancelled : Chosen, answer, request.filterIndex, {}, 0};
   }
 };
 

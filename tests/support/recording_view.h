@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstdint>
-#include <deque>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -38,15 +37,12 @@ inline std::string menuItemName(MenuItem item) {
 /// with its default button, an unscripted file dialog is cancelled.
 class RecordingView : public MainWindowView {
  public:
-  // The script.
-  void answerMessage(bool accepted) { m_messageAnswers.push_back(accepted); }
-  void answerOpen(FileChoice choice) { m_openAnswers.push_back(std::move(choice)); }
-  void answerSave(FileChoice choice) { m_saveAnswers.push_back(std::move(choice)); }
-  void chooseOpen(const std::filesystem::path& path, int filterIndex = 1) {
-    answerOpen({FileChoice::Outcome::Chosen, path, filterIndex, {}, 0});
+  // What the next file dialog and the next message are answered with.
+  FileChoice fileAnswer;
+  bool messageAnswer = true;
+  void choose(const std::filesystem::path& path, int filterIndex = 1) {
+    fileAnswer = {FileChoice::Outcome::Chosen, path, filterIndex, {}, 0};
   }
-  void chooseSave(const std::filesystem::path& path) { answerSave({FileChoice::Outcome::Chosen, path, 1, {}, 0}); }
-  void forgetAnswers() { m_saveAnswers.clear(); }
   /// Runs action inside yield number n, counted from 1 over the view's life.
   void atYield(int n, std::function<void()> action) { m_yieldActions[n] = std::move(action); }
 
@@ -65,8 +61,6 @@ class RecordingView : public MainWindowView {
   // What the window shows now.
   [[nodiscard]] std::string status(StatusPanel panel) const { return m_status.at(static_cast<std::size_t>(panel)); }
   [[nodiscard]] bool isEnabled(MenuItem item) const { return !m_disabled.contains(item); }
-  [[nodiscard]] bool isProgressVisible() const { return m_progressVisible; }
-  [[nodiscard]] bool isCommandRunning() const { return m_commandRunning; }
   [[nodiscard]] std::string userInfo() const override { return m_userInfo; }
   [[nodiscard]] std::string filterText() const override { return m_filterText; }
 
@@ -75,7 +69,7 @@ class RecordingView : public MainWindowView {
     note("status", static_cast<std::int64_t>(panel), m_status.at(static_cast<std::size_t>(panel)) = text);
   }
   void showBusyPointer(bool busy) override { note("busy", busy); }
-  void showProgress(bool visible) override { note("progress", m_progressVisible = visible); }
+  void showProgress(bool visible) override { note("progress", visible); }
   void setProgressRange(std::int64_t minimum, std::int64_t maximum) override {
     note("progress range", minimum, maximum);
   }
@@ -104,18 +98,18 @@ class RecordingView : public MainWindowView {
   }
   void checkMenuItem(MenuItem item, bool checked) override { note("check " + menuItemName(item), checked); }
   void popUpTreeMenu() override { note("pop up"); }
-  void setCommandRunning(bool running) override { note("running", m_commandRunning = running); }
+  void setCommandRunning(bool running) override { note("running", running); }
   bool showMessage(const Message& message) override {
     note("message", m_messages.emplace_back(message).text);
-    return take(m_messageAnswers, true);
+    return std::exchange(messageAnswer, true);
   }
   [[nodiscard]] FileChoice askOpenFile(const FileRequest& request) override {
     note("ask open", m_fileRequests.emplace_back(request).filter);
-    return take(m_openAnswers, FileChoice{});
+    return std::exchange(fileAnswer, {});
   }
   [[nodiscard]] FileChoice askSaveFile(const FileRequest& request) override {
     note("ask save", m_fileRequests.emplace_back(request).filter);
-    return take(m_saveAnswers, FileChoice{});
+    return std::exchange(fileAnswer, {});
   }
   void showCounterResult(std::string_view caption, std::string_view text) override {
     note("counter result", caption, text);
@@ -142,17 +136,7 @@ class RecordingView : public MainWindowView {
       line += c == '\r' ? std::string("\\r") : c == '\n' ? std::string("\\n") : std::string(1, c);
     return '"' + line + '"';
   }
-  template <typename T>
-  static T take(std::deque<T>& answers, T otherwise) {
-    if (answers.empty()) return otherwise;
-    T answer = std::move(answers.front());
-    answers.pop_front();
-    return answer;
-  }
 
-  std::deque<bool> m_messageAnswers;
-  std::deque<FileChoice> m_openAnswers;
-  std::deque<FileChoice> m_saveAnswers;
   std::map<int, std::function<void()>> m_yieldActions;
   std::vector<std::string> m_calls;
   std::vector<Message> m_messages;
@@ -162,8 +146,6 @@ class RecordingView : public MainWindowView {
   std::set<MenuItem> m_disabled;
   std::string m_userInfo;
   std::string m_filterText;
-  bool m_progressVisible = false;
-  bool m_commandRunning = false;
 };
 
 }  // namespace quorvel::test

@@ -136,9 +136,11 @@ class FaultRun {
     for (std::size_t n = 0; n < left.size(); ++n)
       EXPECT_TRUE(left[n] == UserAct() || left[n] == m_recordsBefore[n]) << "record " << n << " was changed";
   }
-  /// Trouble that the user has to hear of; sizes are compared, because saved texts begin with the time.
+  /// The window is at rest, and its user has heard of trouble; sizes are compared, because saved texts begin with the
+  /// time.
   void expectTold(std::size_t soundResultsSize) {
     using enum Fault;
+    m_world.expectIdle();
     const std::string messages = m_world.allMessages();
     const auto& path = m_disk.failedPath();
     const bool losesLog = path == kLog && std::set{Open, Size, Read}.contains(m_fault);

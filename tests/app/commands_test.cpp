@@ -4,7 +4,6 @@
 #include <array>
 #include <random>
 
-#include "app/error_log.h"
 #include "app/find_users_command.h"
 #include "app/help_text.h"
 #include "app/tree_commands.h"
@@ -24,12 +23,6 @@ TEST(HelpText, IsTheFirstFileFoundOrTheProgramsOwn) {
   EXPECT_EQ(commandLineReferenceText(files, folders), "second");
   files.put("first/CLA_ref.txt", "first");
   EXPECT_EQ(commandLineReferenceText(files, folders), "first");
-}
-
-TEST(ErrorLog, IsSilentWhereItCannotWrite) {
-  const TempFolder folder;
-  ErrorLog(systemFiles(), folder / "missing").errorInScan("a.log", {ErrorCode::Overflow, {}});
-  EXPECT_FALSE(folder.has("missing"));
 }
 
 TEST_F(ScannedLogTest, AScanYieldsByTheClock) {

@@ -1,19 +1,16 @@
-#include "cli/command_line_argument.h"
-
-#include <gtest/gtest.h>
-
+// The command line: its arguments, and the run they ask for.
 #include <array>
-#include <string>
 
-#include "tests/support/temp_folder.h"
+#include "cli/batch_run.h"
+#include "cli/command_line_argument.h"
+#include "tests/app/scanned_log.h"
 
 namespace quorvel::test {
 namespace {
 
-class CommandLineArgumentTest : public testing::Test {
+// How codes are found and sorted is compared with a plain loop in the fuzz target of command lines.
+class CommandLineArgumentTest : public testing::Test, protected LogWindow {
  protected:
-  TempFolder folder;
-  Settings settings{systemFiles(), folder.path()};
   classCommandLineArgument arguments{settings, folder.path()};
 };
 
@@ -47,6 +44,27 @@ TEST_F(CommandLineArgumentTest, MakesLogNamesAbsolute) {
     EXPECT_EQ(arguments.FullPath(), full);
     EXPECT_EQ(arguments.FileName(), file);
   }
+}
+
+using BatchRun = ScannedLogTest;
+
+TEST_F(BatchRun, ArgumentsEndTheProgramWhereAutoExitIs1) {
+  EXPECT_FALSE(runBatch(window, " \t").endsProgram);
+  for (const auto& [value, ends] : {std::pair("1", true), {"01", true}, {"0", false}, {"2", false}, {"", true}}) {
+    settings.WriteSetting("COMMAND-LINE-ARGUMENTS", "AutoExit", value);
+    EXPECT_EQ(runBatch(window, "a.log").endsProgram, ends) << value;
+  }
+}
+
+TEST_F(BatchRun, AnInterruptEndsTheRunBetweenItsSteps) {
+  bool interrupted = false;
+  view.atYield(view.yieldCount() + 1, [&] {
+    interrupted = true;
+    window.mnuStop_Click();
+  });
+  EXPECT_TRUE(runBatch(window, "a.log 100 300 " + (folder / "out.txt").string(), [&] { return interrupted; }).failed);
+  EXPECT_EQ(view.messages().back().text, "Interrupted; the results are not complete.");
+  EXPECT_FALSE(folder.has("out.txt"));
 }
 
 }  // namespace

@@ -5,11 +5,8 @@ namespace quorvel::test {
 
 void runTarget(FuzzInput input) {
   constexpr std::size_t kLongestLog = 600'000;
-  FuzzInput odd = input;
-  for (int bytes = 0; bytes < 14; ++bytes)
-    (void)input.byte();
-  const std::string log = input.expandedRest(kLongestLog);
-  requireNone(compareCounts(log, chooseSessions(log, odd)));
+  const SessionInput made(input, kLongestLog);
+  requireNone(compareCounts(made.log, made.sessions));
 }
 
 }  // namespace quorvel::test

@@ -20,9 +20,9 @@ inline void require(bool condition, std::string_view what) {
   std::abort();
 }
 
-/// Ends the program where a comparison found a difference.
+/// The same for a comparison that tells what differs.
 inline void requireNone(const std::string& difference) {
-  require(difference.empty(), "no difference between the engine and the literal scans: " + difference);
+  require(difference.empty(), difference);
 }
 
 /// Choices are taken from the end of the input, so that what is left in front reads as the text it is about.
@@ -30,12 +30,17 @@ class FuzzInput {
  public:
   explicit FuzzInput(std::string_view bytes) : m_bytes(bytes) {}
 
+  /// The next bytes, as many as there are, as an input of their own.
+  [[nodiscard]] FuzzInput take(std::size_t count) {
+    const std::size_t left = m_bytes.size() - std::min(count, m_bytes.size());
+    const FuzzInput taken(m_bytes.substr(left));
+    m_bytes = m_bytes.substr(0, left);
+    return taken;
+  }
   /// The next byte; 0 when none is left.
   [[nodiscard]] unsigned byte() {
-    if (m_bytes.empty()) return 0;
-    const auto last = static_cast<unsigned char>(m_bytes.back());
-    m_bytes.remove_suffix(1);
-    return last;
+    const std::string_view next = take(1).rest();
+    return next.empty() ? 0 : static_cast<unsigned char>(next[0]);
   }
   [[nodiscard]] bool flag() { return byte() % 2 != 0; }
   [[nodiscard]] std::uint32_t number(int bytes) {
@@ -46,10 +51,8 @@ class FuzzInput {
   }
   /// A text of up to longest bytes; its length is the next byte.
   [[nodiscard]] std::string text(std::size_t longest = 255) {
-    const std::size_t length = std::min({std::size_t{byte()}, longest, m_bytes.size()});
-    const std::string taken(m_bytes.substr(m_bytes.size() - length));
-    m_bytes.remove_suffix(length);
-    return taken;
+    const std::size_t length = std::min<std::size_t>(byte(), longest);
+    return std::string(take(length).rest());
   }
   /// All that is left.
   [[nodiscard]] std::string_view rest() const { return m_bytes; }
@@ -57,12 +60,9 @@ class FuzzInput {
   [[nodiscard]] std::string expandedRest(std::size_t longest) const {
     std::string text;
     for (std::size_t i = 0; i < m_bytes.size() && text.size() < longest; ++i) {
-      if (m_bytes[i] != '\1' || i + 1 == m_bytes.size()) {
-        text += m_bytes[i];
-        continue;
-      }
-      const std::size_t n = static_cast<unsigned char>(m_bytes[++i]);
-      text.append(n * n, '.');
+      const bool isRun = m_bytes[i] == '\1' && i + 1 < m_bytes.size();
+      const std::size_t n = isRun ? static_cast<unsigned char>(m_bytes[++i]) : 1;
+      text.append(n * n, isRun ? '.' : m_bytes[i]);
     }
     return text.substr(0, longest);
   }

@@ -10,22 +10,27 @@
 
 namespace quorvel::test {
 
-/// Some sessions of the log, and some that only say they are: of a damaged record, or of another log.
-[[nodiscard]] inline std::vector<UserAct> chooseSessions(const std::string& log, FuzzInput& input) {
-  constexpr std::size_t kMost = 4;
-  std::vector<UserAct> sessions = findSessions(log, {});
-  if (sessions.size() > kMost) sessions.resize(kMost);
-  for (unsigned odd = input.byte() % 3; odd > 0; --odd) {
-    UserAct session = sessions.empty() ? UserAct() : sessions.front();
-    session.Position = static_cast<std::int32_t>(input.number(3) % (log.size() + 100));
-    const std::size_t number = input.number(3) % (log.size() + 1);
-    session.NumberInLog = log.substr(number, kSessionNumberLength - 1);
-    session.NumberInLog.resize(kSessionNumberLength, ')');
-    session.NumberInLog.back() = ')';
-    sessions.push_back(session);
+/// A log with some of its sessions, and some that only say they are: of a damaged record, or of another log.
+struct SessionInput {
+  SessionInput(FuzzInput input, std::size_t longestLog) {
+    constexpr std::size_t kMost = 4;
+    FuzzInput odd = input.take(14);
+    log = input.expandedRest(longestLog);
+    sessions = findSessions(log, {});
+    if (sessions.size() > kMost) sessions.resize(kMost);
+    for (unsigned more = odd.byte() % 3; more > 0; --more) {
+      UserAct session = sessions.empty() ? UserAct() : sessions.front();
+      session.Position = static_cast<std::int32_t>(odd.number(3) % (log.size() + 100));
+      session.NumberInLog = log.substr(odd.number(3) % (log.size() + 1), kSessionNumberLength - 1);
+      session.NumberInLog.resize(kSessionNumberLength, ')');
+      session.NumberInLog.back() = ')';
+      sessions.push_back(session);
+    }
+    if (odd.flag()) std::reverse(sessions.begin(), sessions.end());
   }
-  if (input.flag()) std::reverse(sessions.begin(), sessions.end());
-  return sessions;
-}
+
+  std::string log;
+  std::vector<UserAct> sessions;
+};
 
 }  // namespace quorvel::test

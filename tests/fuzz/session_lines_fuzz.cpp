@@ -9,12 +9,9 @@ void runTarget(FuzzInput input) {
   constexpr std::size_t kSmallestBlock = 64;
   const unsigned choice = input.byte();
   const std::size_t blockSize = kSmallestBlock + input.number(2);
-  FuzzInput odd = input;
-  for (int bytes = 0; bytes < 14; ++bytes)
-    (void)input.byte();
-  const std::string log = input.expandedRest(kLongestLog);
+  const SessionInput made(input, kLongestLog);
   const CommandFilterOptions on{(choice & 1) != 0, (choice & 2) != 0, (choice & 4) != 0, (choice & 8) != 0};
-  requireNone(compareSessionLines(log, chooseSessions(log, odd), on, blockSize));
+  requireNone(compareSessionLines(made.log, made.sessions, on, blockSize));
 }
 
 }  // namespace quorvel::test

@@ -17,7 +17,7 @@ std::filesystem::path temporaryName(const std::filesystem::path& path) {
 Status writeNewFile(FileSystem& files, const std::filesystem::path& path, std::string_view content) {
   auto file = files.open(path, OpenMode::Replace);
   if (!file.isOk()) return file.error();
-  if (auto written = file.value()->append(content); !written.isOk()) return written;
+  if (auto written = file.value()->append(content, {}); !written.isOk()) return written;
   return file.value()->sync();
 }
 
@@ -26,8 +26,7 @@ Status writeNewFile(FileSystem& files, const std::filesystem::path& path, std::s
 Status File::appendLines(std::string_view lines, std::string_view end) {
   const auto before = size();
   if (!before.isOk()) return before.error();
-  Status written = append(lines);
-  if (written.isOk() && !end.empty()) written = append(end);
+  Status written = append(lines, end);
   if (written.isOk()) return {};
   const auto after = size();
   if (!after.isOk() || after.value() <= before.value()) return written;

@@ -40,10 +40,11 @@ class File {
   [[nodiscard]] virtual Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const = 0;
   /// Writes all of data at offset; a gap behind the old end reads as zero bytes.
   virtual Status writeAt(std::uint64_t offset, std::string_view data) = 0;
-  /// Writes all of data at the end of a file opened with Append or Replace. On failure a part may have been written.
-  virtual Status append(std::string_view data) = 0;
+  /// Writes all of data, and end behind it, at the end of a file opened with Append or Replace. On failure a part may
+  /// have been written; killed meanwhile, the program leaves all of it behind where the system has a way to do that.
+  virtual Status append(std::string_view data, std::string_view end) = 0;
   /// The same for whole lines: on failure the file ends with the last of them that was written whole, as far as it can
-  /// be cut there. end is written behind lines, for lines that have no copy with their end.
+  /// be cut there. end is for lines that have no copy with their end.
   Status appendLines(std::string_view lines, std::string_view end = {});
   /// Cuts the file, or fills it up with zero bytes, to length bytes.
   virtual Status resize(std::uint64_t length) = 0;

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "core/file_system.h"
+#include "core/unbroken_append_posix.h"
 
 namespace quorvel {
 namespace {
@@ -79,14 +80,9 @@ class PosixFile final : public File {
     return {};
   }
 
-  Status append(std::string_view data) override {
-    while (!data.empty()) {
-      const ssize_t count = ::write(m_descriptor, data.data(), data.size());
-      if (count < 0 && errno == EINTR) continue;
-      if (count < 0) return failure();
-      data.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return {};
+  Status append(std::string_view data, std::string_view end) override {
+    const int error = appendUnbroken(m_descriptor, data, end);
+    return error == 0 ? Status() : Error{codeOf(error), m_path};
   }
 
   Status resize(std::uint64_t length) override {

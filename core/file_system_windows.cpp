@@ -91,9 +91,11 @@ class WindowsFile final : public File {
     return {};
   }
 
-  Status append(std::string_view data) override {
-    const auto end = size();
-    return end.isOk() ? writeAt(end.value(), data) : Status(end.error());
+  Status append(std::string_view data, std::string_view end) override {
+    const auto length = size();
+    if (!length.isOk()) return length.error();
+    Status written = writeAt(length.value(), data);
+    return written.isOk() ? writeAt(length.value() + data.size(), end) : written;
   }
 
   Status resize(std::uint64_t length) override {

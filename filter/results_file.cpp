@@ -104,7 +104,7 @@ Status ResultsFile::copyLastLines(const std::filesystem::path& target) {
     const auto count = m_file->readAt(at, piece);
     if (!count.isOk()) return count.error();
     if (count.value() < piece.size()) return Error{ErrorCode::DeviceIoError, m_path};
-    Status written = copy.value()->append(piece);
+    Status written = copy.value()->append(piece, {});
     if (!written.isOk()) {
       (void)copy.value()->resize(0);
       return written;

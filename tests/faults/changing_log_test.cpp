@@ -19,7 +19,7 @@ struct Change {
 };
 
 const Change kChanges[] = {
-    {"grows", [](MemoryFiles& disk) { (void)disk.open(kLog, OpenMode::Append).value()->append(logLines("")); }},
+    {"grows", [](MemoryFiles& disk) { (void)disk.open(kLog, OpenMode::Append).value()->append(logLines(""), {}); }},
     {"is_cut", [](MemoryFiles& disk) { (void)disk.open(kLog, OpenMode::ReadWrite).value()->resize(1000); }},
     {"is_emptied", [](MemoryFiles& disk) { (void)disk.open(kLog, OpenMode::ReadWrite).value()->resize(0); }},
     {"is_replaced", [](MemoryFiles& disk) { disk.put(kLog, logLines("(000002)")); }},

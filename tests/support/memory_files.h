@@ -149,8 +149,9 @@ class MemoryFiles final : public FileSystem {
     Status writeAt(std::uint64_t offset, std::string_view data) override {
       return m_faults->call(Fault::Write, m_path, [&] { return write(static_cast<std::size_t>(offset), data); });
     }
-    Status append(std::string_view data) override {
-      return m_faults->call(Fault::Write, m_path, [&] { return write(m_bytes->size(), data); });
+    Status append(std::string_view data, std::string_view end) override {
+      const std::string both = std::string(data).append(end);
+      return m_faults->call(Fault::Write, m_path, [&] { return write(m_bytes->size(), both); });
     }
     Status resize(std::uint64_t length) override {
       return m_faults->call(Fault::Resize, m_path, [&] {

@@ -74,8 +74,7 @@ void filterIntoResultsFile(CommandContext& context, const FileFilter& command) {
   }
   if (!users.isOk()) {
     if (!state.batchFlag) return reportLostUsersFile(context);
-    // A log without sessions leaves no users file.
-    if (users.error().code != ErrorCode::FileNotFound) reportFailure(context, users.error().sentence());
+    if (!state.batchFailed) reportFailure(context, users.error().sentence());  // else it tells why the file is missing
     return;
   }
   const SessionSource source = command.sessions(users.value());

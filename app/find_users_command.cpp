@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <tuple>
 
 #include "app/command_report.h"
 #include "app/error_log.h"
@@ -148,6 +149,7 @@ class FindUsers {
     m_context.state.stopFlag = false;
     const auto log = LogFile::open(m_context.files, m_context.state.logPath);
     if (!log.isOk()) return log.error();
+    createUsersFile();
     m_context.view.setProgressRange(0, log.value().length() + 1);
     const FindOptions options{.trunkLongUsernames = m_context.settings.readFlag("MAIN", "TrunkLongUsernames")};
     ScanRecorder recorder(m_context, m_errorLog);
@@ -157,6 +159,10 @@ class FindUsers {
     finishScan(end.value());
     return {};
   }
+
+  /// A log without sessions has an empty users file, not a lost one. The first record reports what keeps it from being
+  /// written.
+  void createUsersFile() { std::ignore = m_context.files.open(m_context.state.usersFilePath(), OpenMode::ReadWrite); }
 
   void clearTree() {
     m_context.view.treeIsAboutToChange();

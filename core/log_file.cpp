@@ -28,13 +28,15 @@ Result<std::size_t> LogFile::readAt(LogPosition position, std::span<char> buffer
 Status LogFile::findLineEnd() {
   constexpr std::size_t kPiece = 64 * 1024;
   std::string piece(kPiece, '\0');
-  char last = '\r';  // a log that starts with LF has an empty first line of unknown end: take it as whole
+  char last = '\0';
   for (LogPosition at = 1; at <= m_length;) {
     const auto count = readAt(at, piece);
     if (!count.isOk()) return count.error();
     if (count.value() == 0) break;
     const std::string_view text = std::string_view(piece).substr(0, count.value());
-    if (const auto lf = text.find('\n'); lf != std::string_view::npos) {
+    // A log that starts with LF may have been cut behind a CR: the next line tells.
+    const std::size_t from = at == 1 && text.front() == '\n' ? 1 : 0;
+    if (const auto lf = text.find('\n', from); lf != std::string_view::npos) {
       if ((lf == 0 ? last : text[lf - 1]) != '\r') m_lineEnd = '\n';
       break;
     }

@@ -30,7 +30,7 @@ struct Start {
   char** argv;
   std::filesystem::path programFolder;
   Settings& settings;
-  std::string commandLine;  ///< the arguments with blanks between them
+  std::string_view commandLine;  ///< the arguments with blanks between them; empty when none are to be taken
 };
 
 std::string joinedArguments(int argc, char** argv) {
@@ -69,7 +69,7 @@ int runWithWindow(const Start& start) {
 #else
 /// There is no window that could stay open: arguments run unattended whatever AutoExit says.
 int runWithWindow(const Start& start) {
-  if (!trimBlanks(start.commandLine).empty()) return runUnattended(start);
+  if (!start.commandLine.empty()) return runUnattended(start);
   std::cout << commandLineReference() << std::flush;
   return kSuccess;
 }
@@ -85,10 +85,11 @@ int run(int argc, char** argv) {
   Settings settings(systemFiles(), programFolder);
   settings.prepareFile();
   settings.resetOtherVersion();
-  const Start start{argc, argv, programFolder, settings, commandLine};
-  const bool hasArguments = !trimBlanks(commandLine).empty();
-  const bool endsByItself = settings.readNumber("COMMAND-LINE-ARGUMENTS", "AutoExit") == 1;
-  return hasArguments && endsByItself ? runUnattended(start) : runWithWindow(start);
+  constexpr std::string_view kSection = "COMMAND-LINE-ARGUMENTS";
+  const bool takesArguments = settings.readNumber(kSection, "MaxArguments") > 0;
+  const Start start{argc, argv, programFolder, settings, takesArguments ? trimBlanks(commandLine) : ""};
+  const bool endsByItself = settings.readNumber(kSection, "AutoExit") == 1;
+  return !start.commandLine.empty() && endsByItself ? runUnattended(start) : runWithWindow(start);
 }
 
 }  // namespace

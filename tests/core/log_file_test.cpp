@@ -11,8 +11,9 @@ namespace {
 TEST(LogFile, KnowsHowItsFirstLineEnds) {
   const std::string longLine(64 * 1024 - 1, 'x');
   const std::pair<std::string, char> cases[] = {
-      {"", '\r'},     {"no end", '\r'}, {"a\r\nb\n", '\r'},        {"a\nb\r\n", '\n'},
-      {"\r\n", '\r'}, {"a\rb\n", '\n'}, {longLine + "\r\n", '\r'}, {longLine + "x\n", '\n'}};
+      {"", '\r'},       {"no end", '\r'},          {"a\r\nb\n", '\r'},      {"a\nb\r\n", '\n'},
+      {"\n", '\r'},     {"\na\r\nb\n", '\r'},      {"\n\na\r\n", '\n'},     {"\r\n", '\r'},
+      {"a\rb\n", '\n'}, {longLine + "\r\n", '\r'}, {longLine + "x\n", '\n'}};
   for (const auto& [text, end] : cases)
     EXPECT_EQ(test::openLog(text).lineEnd(), end) << text.substr(0, 20) << ", " << text.size() << " bytes";
 }

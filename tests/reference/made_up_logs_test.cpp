@@ -50,19 +50,11 @@ TEST_P(MadeUpLogs, AreReadAsTheLiteralScansReadThem) {
 }
 INSTANTIATE_TEST_SUITE_P(Seeds, MadeUpLogs, testing::Range<std::uint64_t>(0, 12));
 
-TEST(MadeUpLogs, HaveMarksAtTheEdgesOfALogAndOfABlock) {
-  std::vector<std::string> logs = {") Connected to ",
-                                   ") Connected to - Starting FTP Server...",
-                                   ") Connected to 10.0.-        ) Closing connection",
-                                   "(000001) Connected to \r",
-                                   "(000001) Connected to 1 (000001) USER \r",
-                                   "(000001) Connected to 1 (000001) USER"};
-  for (const std::string event : {"- (000012) Connected to 2 ", "(000012) USER alice\r", "(000012) QUIT"}) {
-    for (std::size_t gap = 3900; gap < 4000; ++gap)
-      logs.push_back("* (000012) Connected to 1 " + std::string(gap, '.') + event + std::string(9000, '.'));
-  }
-  for (const std::string& log : logs)
-    EXPECT_EQ(compareFinder(log, {}), "");
+TEST(MadeUpLogs, HaveMarksAtTheEdgesOfALog) {
+  for (const std::string log : {") Connected to ", ") Connected to - Starting FTP Server...",
+                                ") Connected to 10.0.-        ) Closing connection", "(000001) Connected to \r",
+                                "(000001) Connected to 1 (000001) USER \r", "(000001) Connected to 1 (000001) USER"})
+    EXPECT_EQ(compareFinder(log, {}), "") << log;
 }
 
 }  // namespace

@@ -48,8 +48,7 @@ class MemoryFiles final : public FileSystem {
  public:
   /// Content of a file; empty when it is missing.
   [[nodiscard]] std::string content(const std::filesystem::path& path) const {
-    const auto file = m_files.find(path);
-    return file == m_files.end() ? std::string() : *file->second;
+    return m_files.contains(path) ? *m_files.at(path) : std::string();
   }
   void put(const std::filesystem::path& path, std::string_view content) {
     m_files[path] = std::make_shared<std::string>(content);

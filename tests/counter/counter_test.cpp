@@ -25,9 +25,9 @@ struct Observer : CountObserver {
   bool stops = false;
 };
 
-TransferCount countAll(const std::string& text, Observer& observer, CountOptions options = {}) {
+TransferCount countAll(const std::string& text, Observer& observer) {
   TransferCount totals;
-  EXPECT_TRUE(CountAllTransfers(openLog(text), options, totals, observer).isOk());
+  EXPECT_TRUE(CountAllTransfers(openLog(text), {}, totals, observer).isOk());
   return totals;
 }
 

@@ -18,7 +18,7 @@ std::vector<std::string> events(const std::string& text) {
   return lines;
 }
 
-/// What the filter writes of a session with these events: the same as the literal one.
+/// What the literal filter writes of a session with these events; the program's writes the same.
 std::vector<std::string> filter(CommandFilterOptions switches, const std::string& text) {
   const UserAct session{1, "", "(000007)", "10.0.0.5", "", "", "", 1, 0};
   std::string log;

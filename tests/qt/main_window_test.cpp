@@ -118,7 +118,7 @@ class WhileScanning : public MainWindowTest {
  protected:
   WhileScanning() {
     std::string log;
-    for (int i = 1; i <= kSessions; ++i)
+    for (int i = 1; i <= 3'000; ++i)
       log += sessionLog(i, "10.0.0.5", "alice");
     open(folder.write("ftp.log", log));
   }
@@ -133,8 +133,6 @@ class WhileScanning : public MainWindowTest {
     EXPECT_EQ(commands.state().tree.nodeCount() > 0, status(StatusPanel::Logons) == "Logons: 3000");
     return commands.state().tree.nodeCount() > 0;
   }
-
-  static constexpr int kSessions = 3'000;
 };
 
 TEST_F(WhileScanning, OnlyStopAndExitCanBeChosenAndAnotherCommandIsRefused) {

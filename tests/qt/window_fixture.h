@@ -5,6 +5,7 @@
 
 #include <QtTest>
 #include <QtWidgets>
+#include <stdexcept>
 
 #include "tests/support/program_window.h"
 #include "tests/support/sample_log.h"

@@ -1,5 +1,6 @@
 #include "app/error_log.h"
 
+#include <new>
 #include <string>
 #include <utility>
 
@@ -21,7 +22,9 @@ constexpr std::size_t kBatchSize = 256 * 1024;
 }  // namespace
 
 ErrorLog::ErrorLog(FileSystem& files, const std::filesystem::path& programFolder)
-    : m_files(files), m_path(programFolder / kFileName) {}
+    : m_files(files),
+      m_path(programFolder / kFileName),
+      m_writer([this](const std::string& batch) { return write(batch); }) {}
 
 ErrorLog::~ErrorLog() {
   keepWholeLines(m_batch);  // a line is begun only where memory ran out in the middle of it
@@ -45,14 +48,20 @@ void ErrorLog::errorInScan(const std::filesystem::path& log, const Error& error)
 }
 
 void ErrorLog::flush() {
+  if (!m_writer.finish().isOk()) throw std::bad_alloc();  // the only failure that write() does not keep to itself
   if (m_batch.empty()) return;
+  (void)write(m_batch);
+  m_batch.clear();
+  m_head.clear();  // its time is over
+}
+
+Status ErrorLog::write(std::string_view batch) {
   if (!m_file) {
     auto file = m_files.open(m_path, OpenMode::Append);
     if (file.isOk()) m_file = std::move(file.value());
   }
-  if (m_file) (void)m_file->appendLines(m_batch);
-  m_batch.clear();
-  m_head.clear();  // its time is over
+  if (m_file) (void)m_file->appendLines(batch);
+  return {};
 }
 
 void ErrorLog::addHead(const Error& error) {
@@ -95,7 +104,9 @@ void ErrorLog::addField(std::string_view label, std::string_view value) {
 void ErrorLog::endBlock() {
   for (std::size_t i = 0; i < kEmptyLinesBehindBlock; ++i)
     m_batch.append(kLineEnd);
-  if (m_batch.size() >= kBatchSize) flush();
+  if (m_batch.size() < kBatchSize) return;
+  m_writer.append(m_batch);
+  m_head.clear();
 }
 
 }  // namespace quorvel

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/background_writer.h"
 #include "core/file_system.h"
 #include "core/user_act.h"
 
@@ -32,6 +33,7 @@ class ErrorLog {
   void flush();
 
  private:
+  [[nodiscard]] Status write(std::string_view batch);
   void addHead(const Error& error);
   void addDump(const UserAct& record);
   void addLine(std::string_view text, std::string_view value = {});
@@ -44,6 +46,7 @@ class ErrorLog {
   std::string m_batch;  ///< whole blocks, but while one is added
   std::string m_head;   ///< of the last block in the batch, for the next ones
   ErrorCode m_headError{};
+  BackgroundWriter m_writer;  ///< takes the full batches
 };
 
 }  // namespace quorvel

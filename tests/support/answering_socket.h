@@ -1,22 +1,34 @@
-// A socket whose other end answers every ping at once: no network is needed.
+// A socket whose other end is a test's: no network is needed.
 #pragma once
 
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tools/ping.h"
 
 namespace quorvel::test {
 
+/// What comes back at once for a request; nothing at all: it cannot be sent.
+using Network = std::function<std::optional<std::vector<std::string>>(const std::string& request)>;
+
+/// What the host that was asked over IPv6 answers.
+inline std::string replyTo(std::string request) {
+  request[0] = static_cast<char>(129);
+  return request;
+}
+
 /// A pair of sockets of which the program watches one.
 class AnsweringSocket : public IcmpSocket {
  public:
-  AnsweringSocket() {
+  explicit AnsweringSocket(Network network) : m_network(std::move(network)) {
     if (::socketpair(AF_UNIX, SOCK_DGRAM, 0, m_ends) != 0) throw std::runtime_error("no pair of sockets");
   }
   ~AnsweringSocket() override {
@@ -26,10 +38,10 @@ class AnsweringSocket : public IcmpSocket {
   [[nodiscard]] IpFamily family() const override { return IpFamily::V6; }
   [[nodiscard]] int descriptor() const override { return m_ends[0]; }
   [[nodiscard]] bool send(std::string_view message) override {
-    constexpr char kEchoReply = static_cast<char>(129);
-    std::string reply(message);
-    reply[0] = kEchoReply;
-    return ::send(m_ends[1], reply.data(), reply.size(), 0) > 0;
+    const auto answers = m_network(std::string(message));
+    for (const std::string& answer : answers.value_or(std::vector<std::string>()))
+      (void)::send(m_ends[1], answer.data(), answer.size(), 0);
+    return answers.has_value();
   }
   [[nodiscard]] std::optional<std::string> receive() override {
     char buffer[100];
@@ -39,11 +51,13 @@ class AnsweringSocket : public IcmpSocket {
   }
 
  private:
+  Network m_network;
   int m_ends[2] = {-1, -1};
 };
 
 inline IcmpOpening openAnsweringSocket(const std::string&) {
-  return {std::make_unique<AnsweringSocket>(), {}};
+  return {std::make_unique<AnsweringSocket>([](const std::string& request) { return std::vector{replyTo(request)}; }),
+          {}};
 }
 
 }  // namespace quorvel::test

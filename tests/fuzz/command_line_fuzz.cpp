@@ -35,19 +35,31 @@ std::vector<std::string> sort(const std::vector<std::string>& raw) {
   return sorted;
 }
 
+bool endsWithFile(const std::vector<std::string>& raw) {
+  return raw.size() > 2 && std::none_of(std::begin(kCommandCodes), std::end(kCommandCodes), [&](const CommandCode& c) {
+           return parseInteger(raw.back()) == c.code || (c.takesValue() && parseInteger(raw.end()[-2]) == c.code);
+         });
+}
+
 }  // namespace
 
 void runTarget(FuzzInput input) {
   MemoryFiles files;
   Settings settings(files, "folder");
-  const std::size_t most = input.byte();
+  const auto most = static_cast<std::int8_t>(input.byte());
   settings.WriteSetting("COMMAND-LINE-ARGUMENTS", "MaxArguments", std::to_string(most));
   classCommandLineArgument arguments(settings, "folder");
   (void)arguments.GetCommandLine(input.rest());
-  require(arguments.rawArguments() == split(input.rest(), most), "arguments stand between blanks");
+  require(arguments.rawArguments() == split(input.rest(), static_cast<std::size_t>(std::max<int>(most, 0))),
+          "arguments stand between blanks");
   require(arguments.sortedArguments() == sort(arguments.rawArguments()), "codes are sorted");
-  require(!arguments.endsWithOutputFile() || arguments.argumentCount() > 1, "the log is no output file");
-  arguments.fix_filenames_from_command_array(arguments.sortedArguments()[1]);
+  require(arguments.endsWithOutputFile() == endsWithFile(arguments.rawArguments()), "what is neither code nor value");
+  const std::string log = arguments.sortedArguments()[1];
+  arguments.fix_filenames_from_command_array(log);
+  const bool isAbsolute = log.starts_with('/') || log.find(':') != std::string::npos;
+  require(arguments.FullPath() == (isAbsolute ? log : "folder/" + log), "the full name of the log");
+  require(arguments.FileName() == (isAbsolute ? arguments.FullPath().filename().string() : log),
+          "the short name of the log");
 }
 
 }  // namespace quorvel::test

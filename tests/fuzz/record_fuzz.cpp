@@ -8,9 +8,12 @@ namespace {
 
 void checkSlot(std::string_view slot) {
   const auto record = decodeRecord(slot);
-  require(record.has_value() == decodeTreeIndex(slot).has_value(), "a record has a tree index");
+  std::string written(slot);
+  require(record.has_value() == encodeTreeIndex(7, written), "a record has room for its tree index");
+  require(decodeTreeIndex(written) == (record ? std::optional(7) : std::nullopt),
+          "a tree index reads as it was written");
   if (!record) return;
-  std::string written(slot.size(), '#');
+  written.assign(slot.size(), '#');
   const std::size_t length = encodeRecord(*record, written);
   require(length != 0, "a record that was read has room in its slot");
   require(written.substr(0, length) == slot.substr(0, length), "a record is written as it was read");
@@ -29,12 +32,15 @@ void checkFile(MemoryFiles& files, std::int32_t newIndex) {
     if (treeIndex) record.TreeIndex = newIndex;
     require(*file.read(n) == record, "the tree index alone changes");
   }
-  require(file.flush().isOk() && file.read(file.recordCount() + 1) == nullptr, "the file ends behind its records");
+  require(!file.read(0) && !file.read(file.recordCount() + 1), "nothing lies beside the records");
+  require(file.flush().isOk(), "a tree index can be written");
 }
 
 void checkWriter(FuzzInput& input) {
   const auto any = [&input] { return static_cast<std::int32_t>(input.number(4)); };
   const UserAct record{any(), input.text(), input.text(), input.text(), input.text(), input.text(), input.text(), 3, 0};
+  const std::size_t texts = record.Name.size() + record.NumberInLog.size() + record.IP.size() +
+                            record.ConnectTime.size() + record.LogonTime.size() + record.LogoffTime.size();
   MemoryFiles files;
   std::int32_t failed = 0;
   {
@@ -44,6 +50,7 @@ void checkWriter(FuzzInput& input) {
   }
   auto opened = UsersFile::open(files, "users.qva");
   require(opened.isOk() && opened.value().recordCount() == 4, "every number is used up");
+  require(failed == (kRecordOverhead + texts > kRecordSize ? 3 : 0), "a slot holds as much as it has room for");
   require(*opened.value().read(3) == (failed == 3 ? UserAct() : record), "a record reads as it was written");
 }
 
@@ -53,11 +60,13 @@ void runTarget(FuzzInput input) {
   const auto newIndex = static_cast<std::int32_t>(input.number(4));
   MemoryFiles files;
   files.put("users.qva", input.rest());
-  for (std::size_t at = 0; at < input.rest().size(); at += kRecordSize)
-    checkSlot(input.rest().substr(at, kRecordSize));
-  const std::size_t length = input.rest().size();
+  const std::string_view bytes = input.rest();
+  for (std::size_t at = 0; at < bytes.size(); at += kRecordSize)
+    checkSlot(bytes.substr(at, kRecordSize));
+  for (std::size_t length = 0; length < std::min(bytes.size(), kRecordSize); ++length)
+    checkSlot(bytes.substr(0, length));
   checkFile(files, newIndex);
-  require(files.content("users.qva").size() == length, "the file keeps its length");
+  require(files.content("users.qva").size() == bytes.size(), "the file keeps its length");
   checkWriter(input);
 }
 

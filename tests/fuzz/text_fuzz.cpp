@@ -28,9 +28,11 @@ void checkNumber(std::string_view text) {
   require(parseInteger(text) == (isNumber ? std::optional(value) : std::nullopt), "a number");
 }
 
-void checkPosition(std::string_view text, std::int32_t position) {
+void checkPosition(std::string_view text, std::int32_t position, std::string_view number) {
   MemoryFiles files;
   files.put("a.log", text);
+  const bool isPosition = parseInteger(number) == static_cast<std::int32_t>(parseInteger(number).value_or(-1));
+  require(textAroundPosition(files, "a.log", number).has_value() == isPosition, "a position is a number of 32 bits");
   const auto shown = textAroundPosition(files, "a.log", std::to_string(position));
   const std::size_t at = position < 1001 ? 1000 : static_cast<std::size_t>(position) - 1;
   const auto part = [text](std::size_t from, std::size_t length) {
@@ -51,7 +53,7 @@ void runTarget(FuzzInput input) {
   checkFolding(text, needle);
   checkNumber(needle);
   checkNumber(text);
-  checkPosition(text, position);
+  checkPosition(text, position, text);
 }
 
 }  // namespace quorvel::test

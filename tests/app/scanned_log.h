@@ -39,23 +39,35 @@ inline std::string logLines(std::string_view part) {
   return text;
 }
 
-/// The main window with fresh settings and the log in a folder of its own, and every yield taken.
-struct LogWindow {
-  LogWindow() {
-    folder.write("a.log", logLines(""));
-    settings.WriteDefaultSettingsFile();
-  }
-  void scan() {
-    window.useLog(folder / "a.log", "a.log", LogType::ServU);
+/// The program without a screen, with every yield taken. files must outlive it.
+struct Program {
+  Program(FileSystem& files, const std::filesystem::path& programFolder)
+      : settings(files, programFolder), window(files, settings, view, pacer, programFolder) {}
+
+  /// Opens a log and finds its sessions.
+  void scan(const std::filesystem::path& log) {
+    window.useLog(log, log.filename().string(), LogType::ServU);
     window.mnuFindUsers_Click();
   }
 
-  TempFolder folder;
-  Settings settings{systemFiles(), folder.path()};
+  Settings settings;
   RecordingView view;
   Pacer pacer{Pacer::Clock::duration::zero()};
-  frmMain window{systemFiles(), settings, view, pacer, folder.path()};
+  frmMain window;
   MainWindowState& state = window.state();
+};
+
+struct OwnFolder {
+  TempFolder folder;
+};
+
+/// The program with fresh settings and the log in a folder of its own.
+struct LogWindow : OwnFolder, Program {
+  LogWindow() : Program(systemFiles(), folder.path()) {
+    folder.write("a.log", logLines(""));
+    settings.WriteDefaultSettingsFile();
+  }
+  void scan() { Program::scan(folder / "a.log"); }
 };
 
 /// The log's sessions are in the tree.

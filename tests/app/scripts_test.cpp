@@ -15,13 +15,6 @@
 namespace quorvel::test {
 namespace {
 
-/// The menu item of a name.
-std::optional<MenuItem> menuItem(const std::string& name) {
-  for (int item = 0; item <= static_cast<int>(MenuItem::mnuPopupCountSessionsTransfers); ++item)
-    if (menuItemName(static_cast<MenuItem>(item)) == name) return static_cast<MenuItem>(item);
-  return std::nullopt;
-}
-
 /// Calls that come with every command.
 bool isUsual(std::string_view call) {
   constexpr std::array<std::string_view, 8> kUsual = {"status 1",   "busy",         "progress",     "labels",
@@ -62,7 +55,9 @@ class Player : LogWindow {
 
  private:
   void perform(const Words& words) {
-    if (const auto item = menuItem(words.word(0))) return runMenuCommand(*item, window);
+    for (int item = 0; item <= static_cast<int>(MenuItem::mnuPopupCountSessionsTransfers); ++item)
+      if (menuItemName(static_cast<MenuItem>(item)) == words.word(0))
+        return runMenuCommand(static_cast<MenuItem>(item), window);
     m_verbs.at(words.word(0))(words);
   }
   /// Names of folders and times of today made the same everywhere.
@@ -71,17 +66,6 @@ class Player : LogWindow {
     return std::regex_replace(here, std::regex(R"(\d{4}-\d\d-\d\d( +Time: | )\d\d:\d\d:\d\d)"), "DATE$1TIME");
   }
 
-  /// What a file dialog was asked for.
-  [[nodiscard]] std::string request() const {
-    const FileRequest& last = view.fileRequests().back();
-    return '"' + last.title + "\" " + last.filter + ' ' + std::to_string(last.filterIndex) + ' ' +
-           last.folder.string() + (last.fileMustExist ? " must exist" : "") +
-           (last.asksBeforeOverwriting ? " asks before overwriting" : "");
-  }
-  [[nodiscard]] std::string messageBox() const {
-    const Message& last = view.messages().back();
-    return last.title + " buttons " + std::to_string(static_cast<int>(last.buttons));
-  }
   /// Those lines of a file that hold a text.
   [[nodiscard]] std::string linesWith(const std::string& name, const std::string& text) const {
     std::istringstream lines(linesOf(folder.read(name)));
@@ -99,12 +83,6 @@ class Player : LogWindow {
       text += (n == 1 ? "" : ", ") + record->Name + ' ' + std::to_string(record->TreeIndex);
     }
     return text;
-  }
-  [[nodiscard]] std::string disabledItems() const {
-    std::string names;
-    for (int item = 0; item <= static_cast<int>(MenuItem::mnuPopupCountSessionsTransfers); ++item)
-      if (!view.isEnabled(static_cast<MenuItem>(item))) names.append(menuItemName(static_cast<MenuItem>(item))) += ' ';
-    return names;
   }
   [[nodiscard]] std::string statusPanels() const {
     using enum StatusPanel;
@@ -133,19 +111,6 @@ class Player : LogWindow {
     text += controls.comboBox.isVisible ? std::to_string(controls.comboBox.selected) + ' ' : "";
     return text + controls.unitLabel.text + "\n" + linesOf(controls.footnote.text);
   }
-  /// Does something else at a yield, counted from 1.
-  void performAtYield(int number, const Words& words) {
-    view.atYield(view.yieldCount() + number, [this, words] { perform(words); });
-  }
-  void rewriteUnnoticed(const std::filesystem::path& path) const {
-    const auto time = std::filesystem::last_write_time(path);
-    folder.write(path.filename().string(), std::string(std::filesystem::file_size(path), ' '));
-    std::filesystem::last_write_time(path, time);
-  }
-
-  static FileChoice failure(const std::string& text, int code) {
-    return {FileChoice::Outcome::Failed, {}, 1, text, code};
-  }
 
   using W = const Words&;
 
@@ -158,10 +123,16 @@ class Player : LogWindow {
       // A dialog's answer, given before the menu item is chosen.
       {"open", [this](W w) { view.choose(folder / w.word(1), w.number(2)); }},
       {"save", [this](W w) { view.choose(folder / w.word(1)); }},
-      {"openFails", [this](W w) { view.fileAnswer = failure(w.from(1), 12); }},
-      {"saveFails", [this](W w) { view.fileAnswer = failure(w.from(1), -1); }},
+      {"dialogFails",
+       [this](W w) {
+         view.fileAnswer = {FileChoice::Outcome::Failed, {}, 1, w.from(2), w.number(1)};
+       }},
       {"answerNo", [this](W) { view.messageAnswer = false; }},
-      {"atYield", [this](W w) { performAtYield(w.number(1), {w.from(2)}); }},
+      // Something done inside a later yield, counted from 1.
+      {"atYield",
+       [this](W w) {
+         view.atYield(view.yieldCount() + w.number(1), [this, later = Words{w.from(2)}] { perform(later); });
+       }},
       {"start",
        [this](W) {
          settings.prepareFile();
@@ -175,7 +146,6 @@ class Player : LogWindow {
       {"paste", [this](W w) { window.cmdPasteResultTortbFilter_Click(w.from(1), "RETR\r\nSTOR"); }},
       {"set", [this](W w) { settings.WriteSetting(w.word(1), w.word(2), w.from(3)); }},
       {"write", [this](W w) { folder.write(w.word(1), w.from(2)); }},
-      {"blank", [this](W w) { rewriteUnnoticed(folder / w.word(1)); }},
       {"touch", [this](W w) { std::filesystem::last_write_time(folder / w.word(1), {}); }},
       {"copy", [this](W w) { std::filesystem::copy_file(folder / w.word(1), folder / w.word(2)); }},
       {"remove", [this](W w) { std::filesystem::remove(folder / w.word(1)); }},
@@ -193,9 +163,7 @@ class Player : LogWindow {
   };
   const std::map<std::string, std::function<std::string(W)>> m_questions = {
       {"status", [this](W) { return statusPanels(); }},
-      {"disabled", [this](W) { return disabledItems(); }},
-      {"request", [this](W) { return request(); }},
-      {"messageBox", [this](W) { return messageBox(); }},
+      {"disabled", [this](W) { return view.disabledItems(); }},
       {"file", [this](W w) { return folder.has(w.word(1)) ? linesOf(folder.read(w.word(1))) : "none"; }},
       {"lines", [this](W w) { return linesWith(w.word(1), w.from(2)); }},
       {"setting", [this](W w) { return settings.ReadSetting(w.word(1), w.word(2)); }},

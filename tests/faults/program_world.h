@@ -3,10 +3,8 @@
 
 #include <string>
 
-#include "app/main_window.h"
 #include "core/record_format.h"
 #include "tests/app/scanned_log.h"
-#include "tests/support/recording_view.h"
 
 namespace quorvel::test {
 
@@ -35,21 +33,13 @@ inline void expectWholeRecords(std::string_view users) {
     EXPECT_TRUE(decodeRecord(users.substr(at, kRecordSize))) << "record at byte " << at;
 }
 
-/// files must outlive the world.
-struct ProgramWorld {
-  ProgramWorld(FileSystem& files, const std::filesystem::path& programFolder)
-      : settings(files, programFolder), window(files, settings, view, pacer, programFolder) {}
-
-  Settings settings;
-  RecordingView view;
-  Pacer pacer{Pacer::Clock::duration::zero()};
-  frmMain window;
+struct ProgramWorld : Program {
+  using Program::Program;
 
   /// Opens a log, finds its sessions, ticks two of them and clicks the first.
   void scan(const std::filesystem::path& log) {
     window.load();
-    window.useLog(log, log.filename().string(), LogType::ServU);
-    window.mnuFindUsers_Click();
+    Program::scan(log);
     window.setNodeChecked(kFirstSession, true);
     window.setNodeChecked(kThirdSession, true);
     window.TreeView1_NodeClick(kFirstSession);
@@ -62,7 +52,7 @@ struct ProgramWorld {
       EXPECT_TRUE(calls.empty() || calls.back() == last) << calls.back();
     }
     EXPECT_EQ(view.callsStartingWith("tree about").size(), view.callsStartingWith("tree changed").size());
-    EXPECT_FALSE(window.state().commandRunning);
+    EXPECT_FALSE(state.commandRunning);
     EXPECT_TRUE(view.status(StatusPanel::Text).starts_with("Using")) << view.status(StatusPanel::Text);
   }
   [[nodiscard]] std::string allMessages() const {

@@ -21,8 +21,8 @@ struct ProgramShell {
   /// Runs commands of the shell, in which "quorvel" is the program and $home its folder.
   [[nodiscard]] Run run(const std::string& commands) const {
     const TempFolder streams;
-    streams.write("script",
-                  "export QUORVEL_HOME=$home LC_ALL=C\nquorvel() { '" QUORVEL_EXECUTABLE "' \"$@\"; }\n" + commands);
+    const std::string folder = std::filesystem::path(QUORVEL_EXECUTABLE).parent_path();
+    streams.write("script", "export QUORVEL_HOME=$home LC_ALL=C PATH='" + folder + "':$PATH\n" + commands);
     const std::string command = "cd '" + work.path().string() + "' && export home='" + home.path().string() +
                                 "' && streams='" + streams.path().string() + "' && timeout 60 sh \"$streams/script\" " +
                                 "</dev/null >\"$streams/out\" 2>\"$streams/err\"";

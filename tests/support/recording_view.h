@@ -56,11 +56,16 @@ class RecordingView : public MainWindowView {
   void forgetCalls() { m_calls.clear(); }
   [[nodiscard]] int yieldCount() const { return m_yieldCount; }
   [[nodiscard]] const std::vector<Message>& messages() const { return m_messages; }
-  [[nodiscard]] const std::vector<FileRequest>& fileRequests() const { return m_fileRequests; }
 
   // What the window shows now.
   [[nodiscard]] std::string status(StatusPanel panel) const { return m_status.at(static_cast<std::size_t>(panel)); }
-  [[nodiscard]] bool isEnabled(MenuItem item) const { return !m_disabled.contains(item); }
+  /// Each with a blank behind it.
+  [[nodiscard]] std::string disabledItems() const {
+    std::string names;
+    for (const MenuItem item : m_disabled)
+      names += menuItemName(item) + ' ';
+    return names;
+  }
   [[nodiscard]] std::string userInfo() const override { return m_userInfo; }
   [[nodiscard]] std::string filterText() const override { return m_filterText; }
 
@@ -101,16 +106,11 @@ class RecordingView : public MainWindowView {
   void setCommandRunning(bool running) override { note("running", running); }
   bool showMessage(const Message& message) override {
     note("message", m_messages.emplace_back(message).text);
+    if (message.buttons != Buttons::Ok) note("buttons", static_cast<std::int64_t>(message.buttons), message.title);
     return std::exchange(messageAnswer, true);
   }
-  [[nodiscard]] FileChoice askOpenFile(const FileRequest& request) override {
-    note("ask open", m_fileRequests.emplace_back(request).filter);
-    return std::exchange(fileAnswer, {});
-  }
-  [[nodiscard]] FileChoice askSaveFile(const FileRequest& request) override {
-    note("ask save", m_fileRequests.emplace_back(request).filter);
-    return std::exchange(fileAnswer, {});
-  }
+  [[nodiscard]] FileChoice askOpenFile(const FileRequest& request) override { return ask("ask open", request); }
+  [[nodiscard]] FileChoice askSaveFile(const FileRequest& request) override { return ask("ask save", request); }
   void showCounterResult(std::string_view caption, std::string_view text) override {
     note("counter result", caption, text);
   }
@@ -128,6 +128,12 @@ class RecordingView : public MainWindowView {
     (line.append(" ").append(shown(values)), ...);
     m_calls.push_back(std::move(line));
   }
+  FileChoice ask(std::string call, const FileRequest& request) {
+    if (request.fileMustExist) call += " existing";
+    if (request.asksBeforeOverwriting) call += " before overwriting";
+    note(call, request.title, request.filter, std::int64_t{request.filterIndex}, request.folder.string());
+    return std::exchange(fileAnswer, {});
+  }
   static std::string shown(bool on) { return on ? "on" : "off"; }
   static std::string shown(std::int64_t number) { return std::to_string(number); }
   static std::string shown(std::string_view text) {
@@ -140,7 +146,6 @@ class RecordingView : public MainWindowView {
   std::map<int, std::function<void()>> m_yieldActions;
   std::vector<std::string> m_calls;
   std::vector<Message> m_messages;
-  std::vector<FileRequest> m_fileRequests;
   int m_yieldCount = 0;
   std::array<std::string, 5> m_status;  ///< by the panel's number
   std::set<MenuItem> m_disabled;

@@ -2,14 +2,7 @@
 // how many operations, 300 when it is not set.
 #include <malloc.h>
 
-#include <QAbstractButton>
-#include <QContextMenuEvent>
-#include <QFileDialog>
-#include <QLineEdit>
-#include <QListWidget>
 #include <QPixmapCache>
-#include <QTest>
-#include <QWindow>
 #include <iostream>
 #include <optional>
 #include <random>
@@ -62,23 +55,25 @@ class Desk final : ProgramWindow {
   explicit Desk(unsigned seed) : m_random(seed) {
     QObject::connect(&m_hand, &QTimer::timeout, &m_hand, [this] { onTurn(); });
     m_hand.start(0);
-    std::string log;
     for (int i = 1; i <= 300; ++i)
-      log += sessionLog(i, "10.0.0." + std::to_string(i % 20), kNames[static_cast<std::size_t>(i) % kNames.size()],
-                        i % 3 == 0 ? "Sent file c:\\a.zip successfully (1.00 Kb/sec - 1024 bytes)" : "DELE a.zip");
-    m_logs = {folder.write("large.log", log), folder.write("empty.log", {}), folder / "missing.log",
-              folder.write("changing.log", log.substr(0, log.size() / 3))};
+      m_log += logSession("000001", oneOf(kNames), "10.0.0." + std::to_string(i % 20), "DELE a.zip");
+    m_logs = {folder.write("large.log", m_log), folder.write("empty.log", {}), folder / "missing.log",
+              folder.write("changing.log", m_log)};
     rest();
   }
 
   /// Everything once: what Qt loads and opens at first use is there afterwards.
   void doEverything() {
-    for (std::size_t n = 0; n < Menus::kItemCount + m_others.size(); ++n)
-      act(n);
+    for (std::size_t n = 0; n < Menus::kItemCount; ++n)
+      chooseItem(static_cast<MenuItem>(n));
+    for (const auto& action : m_others)
+      action();
   }
   void work(int operations) {
-    for (; operations > 0; --operations)
-      act(pick(2) == 0 ? pick(Menus::kItemCount) : Menus::kItemCount + pick(m_others.size()));
+    for (; operations > 0; --operations) {
+      pick(2) == 0 ? chooseItem(static_cast<MenuItem>(pick(Menus::kItemCount))) : oneOf(m_others)();
+      runEvents();
+    }
     rest();
   }
 
@@ -91,10 +86,6 @@ class Desk final : ProgramWindow {
   auto oneOf(const List& list) -> decltype(*std::data(list)) {
     return std::data(list)[pick(std::size(list))];
   }
-  void act(std::size_t n) {
-    n < Menus::kItemCount ? chooseItem(static_cast<MenuItem>(n)) : m_others[n - Menus::kItemCount]();
-    runEvents();
-  }
   void chooseItem(MenuItem item) {
     using enum MenuItem;
     if (item == mnuExit || (item >= mnuWebVisitWebsite && item <= mnuWebReportBug)) return;
@@ -102,11 +93,6 @@ class Desk final : ProgramWindow {
     dialogs.answer = item == mnuOpenLogFile ? oneOf(m_logs) : oneOf(targets);
     choose(item);
     if (folder.read("out.txt").size() > 1'000'000) std::filesystem::remove(folder / "out.txt");
-  }
-  [[nodiscard]] QModelIndex anyNode() {
-    const QAbstractItemModel& model = *m_tree.model();
-    const QModelIndex top = model.index(pick(model.rowCount()), 0);
-    return pick(4) == 0 ? top : model.index(pick(model.rowCount(top)), 0, top);
   }
   /// To where every start begins: what is then in use can be compared.
   void rest() {
@@ -116,7 +102,7 @@ class Desk final : ProgramWindow {
     commands.load();
     commands.state().filterMemory = {};
     window.resize(900, 600);
-    open(folder.write("small.log", sessionLog(1, "10.0.0.5", "alice")));
+    open(folder.write("small.log", logSession("000001", "alice", "10.0.0.5")));
     choose(MenuItem::mnuFindUsers);
     window.setFilterText({});
     window.setUserInfo({});
@@ -138,28 +124,26 @@ class Desk final : ProgramWindow {
     } else if (m_turnsLeft-- == 0 || qobject_cast<QFileDialog*>(dialog) != nullptr) {
       m_turnsLeft = pick(5);
       QMetaObject::invokeMethod(dialog, pick(2) == 0 ? "accept" : "reject", Qt::QueuedConnection);
-    } else {
-      playWith(*dialog);
+    } else {  // later: another dialog may come of it
+      QMetaObject::invokeMethod(
+          dialog, [this, dialog] { poke(*dialog); }, Qt::QueuedConnection);
     }
   }
-  /// Buttons are clicked later: another dialog may come of it.
-  void playWith(QDialog& dialog) {
-    for (QListWidget* const list : dialog.findChildren<QListWidget*>())
-      if (pick(2) == 0) list->setCurrentRow(pick(list->count()));
-    for (QLineEdit* const field : dialog.findChildren<QLineEdit*>())
-      if (!field->isReadOnly()) field->setText(QString::fromLatin1(oneOf(kInputs)));
-    const auto buttons = dialog.findChildren<QAbstractButton*>();
-    if (auto* const button = buttons.value(pick(buttons.size())); button != nullptr && button->isVisible())
-      QMetaObject::invokeMethod(button, "click", Qt::QueuedConnection);
+  /// A key or a click for any part of it.
+  void poke(QWidget& whole) {
+    QList<QWidget*> parts = whole.findChildren<QWidget*>();
+    parts.removeIf([](const QWidget* part) { return !part->isVisible() || !part->isEnabled(); });
+    QWidget* const part = parts.value(pick(parts.size()), &whole);
+    if (auto* const field = qobject_cast<QLineEdit*>(part)) field->setText(QString::fromLatin1(oneOf(kInputs)));
+    constexpr std::array kKeys = {Qt::Key_Down,   Qt::Key_Up,  Qt::Key_Right, Qt::Key_Left, Qt::Key_Space,
+                                  Qt::Key_Return, Qt::Key_Tab, Qt::Key_A,     Qt::Key_B};
+    if (pick(2) == 0) return QTest::keyClick(part, oneOf(kKeys));
+    QTest::mouseClick(part, pick(4) == 0 ? Qt::RightButton : Qt::LeftButton, {},
+                      QPoint(pick(part->width()), pick(part->height())));
   }
-
   /// As the server, or somebody else, changes it.
   void changeLog() {
-    const std::string old = folder.read("changing.log");
-    const std::string line = sessionLog(7, "10.0.0.7", "zoe");
-    const std::string texts[] = {old.substr(0, pick(old.size() + 1)), line + line,
-                                 old.substr(0, 100'000) + line + line + line};
-    folder.write("changing.log", oneOf(texts));
+    folder.write("changing.log", m_log.substr(pick(m_log.size()), pick(m_log.size())));
     if (pick(4) == 0) std::filesystem::remove(folder / "changing.log");
   }
   /// As an editor changes it.
@@ -175,26 +159,17 @@ class Desk final : ProgramWindow {
   static constexpr std::array kNames = {"alice", "bob", "<b>carol</b>", "a-name-that-is-longer-than-a-record-allows"};
   static constexpr std::array kInputs = {"1", "5000", "-3", "99999999999", "127.0.0.1", "::1", "no host!", ""};
   std::mt19937 m_random;
-  SessionTreeBox& m_tree = window.panes().tree();
+  std::string m_log;
+  std::vector<std::filesystem::path> m_logs;
+  QTimer m_hand;
+  int m_turnsLeft = 0;
   /// What is done apart from choosing menu items.
   const std::vector<std::function<void()>> m_others = {
-      [this] {
-        const QModelIndex node = anyNode();
-        m_tree.scrollTo(node);
-        QTest::mouseClick(m_tree.viewport(), Qt::LeftButton, {}, m_tree.visualRect(node).center());
-      },
-      [this] {
-        m_tree.setCurrentIndex(anyNode());
-        QTest::keyClick(&m_tree, Qt::Key_Space);
-      },
-      [this] { m_tree.keyboardSearch(QStringLiteral("b")); },
+      [this] { poke(window); },
+      [this] { poke(window.panes().tree()); },
       [this] {
         QContextMenuEvent press(QContextMenuEvent::Mouse, QPoint(5, 5), window.mapToGlobal(QPoint(5, 5)));
-        QCoreApplication::sendEvent(m_tree.viewport(), &press);
-      },
-      [this] {
-        for (int row = 0; row < m_tree.model()->rowCount(); ++row)
-          m_tree.setExpanded(m_tree.model()->index(row, 0), pick(2) == 0);
+        QCoreApplication::sendEvent(window.panes().tree().viewport(), &press);
       },
       [this] { window.resize(300 + pick(900), 200 + pick(700)); },
       [this] { changeLog(); },
@@ -203,9 +178,6 @@ class Desk final : ProgramWindow {
       [this] {
         (void)QtFileDialogs().askOpenFile(&window, {"", "Log (*.*)|*.*", 1, folder.path()});
       }};
-  std::vector<std::filesystem::path> m_logs;
-  QTimer m_hand;
-  int m_turnsLeft = 0;
 };
 
 TEST(Soak, NeitherMemoryNorHandlesGrow) {

@@ -16,15 +16,6 @@
 
 namespace quorvel::test {
 
-/// The log of one session, from the connect line to the closing line.
-inline std::string sessionLog(int number, const std::string& ip, const std::string& name,
-                              const std::string& otherLine = {}) {
-  const std::string id = std::to_string(1'000'000 + number).substr(1);
-  return logLine(id, "Connected to " + ip + " (Local address 192.168.0.1)") + logLine(id, "USER " + name) +
-         logLine(id, "User " + name + " logged in") + (otherLine.empty() ? "" : logLine(id, otherLine)) +
-         logLine(id, "Closing connection");
-}
-
 /// The rows of a tree from top to bottom, a blank in front of those that stand below another one, "|" between them.
 inline std::string rowTexts(const QAbstractItemModel& model) {
   QStringList texts;
@@ -45,6 +36,11 @@ template <typename T>
   return *found;
 }
 
+/// Waits until the keyboard is in the dialog.
+inline bool hasKeyboard(const QDialog& dialog) {
+  return QTest::qWaitFor([&dialog] { return dialog.isAncestorOf(QApplication::focusWidget()); });
+}
+
 class WindowTest : public testing::Test, protected ProgramWindow {
  protected:
   [[nodiscard]] bool canChoose(MenuItem item) { return window.menus().action(item).isEnabled(); }
@@ -54,18 +50,28 @@ class WindowTest : public testing::Test, protected ProgramWindow {
     choose(MenuItem::mnuFindUsers);
     runEvents();
   }
+  /// Works with the dialog that the item opens, once it has the keyboard.
+  void use(MenuItem item, const std::function<void(QDialog&)>& work) {
+    bool isOpened = false;
+    onDialog<QDialog>([&](QDialog& dialog) {
+      isOpened = hasKeyboard(dialog);
+      if (isOpened) work(dialog);
+      if (dialog.isVisible()) dialog.reject();
+    });
+    choose(item);
+    EXPECT_TRUE(isOpened);
+  }
 
   /// A row of the tree as the user sees it; child -1: the parent's own row.
   [[nodiscard]] QModelIndex row(int parent, int child = -1) {
-    const QAbstractItemModel* const model = window.panes().tree().model();
-    const QModelIndex top = model->index(parent, 0);
-    return child < 0 ? top : model->index(child, 0, top);
+    const QModelIndex top = tree.model()->index(parent, 0);
+    return child < 0 ? top : tree.model()->index(child, 0, top);
   }
   [[nodiscard]] std::string status(StatusPanel panel = StatusPanel::Text) {
     return window.statusText(panel).toStdString();
   }
-  [[nodiscard]] std::string treeHeader() { return part<QLabel>(window, "lblTreeHeader").text().toStdString(); }
-  [[nodiscard]] std::string treeLines() { return rowTexts(*window.panes().tree().model()); }
+
+  SessionTreeBox& tree = window.panes().tree();
 };
 
 }  // namespace quorvel::test

@@ -24,6 +24,7 @@ constexpr std::string_view kUsage =
     "The same size, seed (0) and shape make the same log. Shapes:\n"
     "  usual         overlapping sessions of 13 users, 14 lines each, numbers counting up\n"
     "  never-close   the same, but no session ever ends\n"
+    "  long-lived    a thousand sessions at any time, most of which last for half the log\n"
     "  one-number    the same as usual, but all sessions have the same number\n"
     "  connect-only  connect lines and nothing else\n"
     "  one-line      the same as usual without any line end\n";
@@ -31,12 +32,14 @@ constexpr std::string_view kUsage =
 enum class Shape {
   Usual,
   NeverClose,
+  LongLived,
   OneNumber,
   ConnectOnly,
   OneLine
 };
 
-constexpr std::array kShapeNames = {"usual"sv, "never-close"sv, "one-number"sv, "connect-only"sv, "one-line"sv};
+constexpr std::array kShapeNames = {"usual"sv,      "never-close"sv,  "long-lived"sv,
+                                    "one-number"sv, "connect-only"sv, "one-line"sv};
 
 struct Options {
   std::uint64_t size = 0;
@@ -68,14 +71,15 @@ struct Session {
 
 class LogMaker {
  public:
-  explicit LogMaker(const Options& options) : m_options(options), m_random(options.seed), m_sessions(kMostOpen) {
+  explicit LogMaker(const Options& options)
+      : m_options(options), m_random(options.seed), m_sessions(options.shape == Shape::LongLived ? 1000 : 22) {
     m_stamp = "Sat 01Jan05 00:00:00";
   }
 
   /// Appends one line to text.
   void addLine(std::string& text) {
     passTime();
-    Session& session = m_sessions[below(kMostOpen)];
+    Session& session = m_sessions[below(m_sessions.size())];
     if (session.step == 0) begin(session);
     head(text, levelOf(session.step), session.number);
     event(text, session);
@@ -84,7 +88,6 @@ class LogMaker {
   }
 
  private:
-  static constexpr std::size_t kMostOpen = 22;
   static constexpr int kLinesPerSession = 14;
 
   std::uint64_t random() {  // splitmix64
@@ -117,6 +120,7 @@ class LogMaker {
     ++session.step;
     if (session.isRefused && session.step == 6) session.step = neverCloses ? last : 12;
     if (session.step >= last) session.step = 0;
+    if (m_options.shape == Shape::LongLived && session.step == 12 && below(1000) != 0) session.step = 7;
   }
 
   static char levelOf(int step) {

@@ -35,6 +35,7 @@ struct LogBlock {
   /// The block's first byte; readable from kBlockHead bytes before it to kBlockTail bytes behind the block.
   [[nodiscard]] const char* data() const { return buffer.data() + kBlockHead; }
   [[nodiscard]] LogPosition end() const { return first + static_cast<LogPosition>(count); }
+  [[nodiscard]] bool holds(LogPosition position) const { return position >= first && position < end(); }
 };
 
 /// Reads the block of the log that starts at position first. Fails when the log has become shorter than it was.

@@ -8,6 +8,10 @@ namespace quorvel {
 namespace {
 
 constexpr std::size_t kBlocksKept = 32;
+/// Part of a block, enough for a line or two: the lines of a session may lie far apart.
+constexpr std::size_t kPieceSize = 1024;
+/// Reading so many pieces costs half as much as reading the block.
+constexpr int kPiecesWorthABlock = 16;
 
 }  // namespace
 
@@ -86,17 +90,36 @@ void BlockWindow::prefetch(LogPosition position) const {
 const LogBlock& BlockWindow::otherBlockAt(LogPosition position) {
   const std::size_t number = static_cast<std::size_t>(position - 1) / m_blockSize;
   auto& block = m_blocks[number % m_blocks.size()];
-  const auto first = static_cast<LogPosition>(number * m_blockSize) + 1;
-  m_last = block.get();
-  if (block && block->first == first) return *block;
-  if (!block) block = std::make_unique<LogBlock>();
-  m_last = block.get();
-  Status read = readBlock(m_log, first, m_blockSize, *block);
-  if (!read.isOk()) {
-    std::fill(block->buffer.begin(), block->buffer.end(), ' ');
-    m_status = std::move(read);
+  if (!block || !block->holds(position)) {
+    if (!isWorthABlock(number)) return *(m_last = &pieceAt(position));
+    if (!block) block = std::make_unique<LogBlock>();
+    readAgain(static_cast<LogPosition>(number * m_blockSize) + 1, m_blockSize, *block);
+    m_nextBlock = number + 1;
   }
-  return *block;
+  return *(m_last = block.get());
+}
+
+bool BlockWindow::isWorthABlock(std::size_t number) {
+  if (number == m_nextBlock) return true;
+  if (std::exchange(m_pieceBlock, number) != number) m_pieceCount = 0;
+  return ++m_pieceCount > kPiecesWorthABlock;
+}
+
+const LogBlock& BlockWindow::pieceAt(LogPosition position) {
+  if (m_earlierPiece.holds(position)) std::swap(m_piece, m_earlierPiece);
+  if (m_piece.holds(position)) return m_piece;
+  std::swap(m_piece, m_earlierPiece);
+  const std::size_t size = std::min(kPieceSize, m_blockSize);
+  const auto before = static_cast<LogPosition>(static_cast<std::size_t>(position - 1) % size);
+  readAgain(position - before, size, m_piece);
+  return m_piece;
+}
+
+void BlockWindow::readAgain(LogPosition first, std::size_t size, LogBlock& block) {
+  Status read = readBlock(m_log, first, size, block);
+  if (read.isOk()) return;
+  std::fill(block.buffer.begin(), block.buffer.end(), ' ');
+  m_status = std::move(read);
 }
 
 }  // namespace quorvel

@@ -12,7 +12,8 @@
 
 namespace quorvel {
 
-/// Keeps the blocks that were put in last, and reads an earlier one again when it is asked for.
+/// Keeps the blocks that were put in last, and reads earlier text again when it is asked for: a whole block where much
+/// of it is, else little more than the text.
 class BlockWindow {
  public:
   /// The log must outlive the window.
@@ -52,11 +53,19 @@ class BlockWindow {
                                                                                       : otherBlockAt(position);
   }
   [[nodiscard]] const LogBlock& otherBlockAt(LogPosition position);
+  [[nodiscard]] bool isWorthABlock(std::size_t number);
+  [[nodiscard]] const LogBlock& pieceAt(LogPosition position);
+  void readAgain(LogPosition first, std::size_t size, LogBlock& block);
 
   const LogFile& m_log;
   const std::size_t m_blockSize;
   std::vector<std::unique_ptr<LogBlock>> m_blocks;  ///< block n in slot n modulo the size
-  const LogBlock* m_last = nullptr;                 ///< the block looked at last, in m_blocks
+  const LogBlock* m_last = nullptr;                 ///< the block or piece looked at last
+  std::size_t m_nextBlock = 0;                      ///< behind the whole block that was read again last
+  LogBlock m_piece;                                 ///< the part of a block that was read again last
+  LogBlock m_earlierPiece;
+  std::size_t m_pieceBlock = 0;  ///< the block of which parts are read
+  int m_pieceCount = 0;          ///< how many were
   std::string m_scratch;
   Status m_status;
 };

@@ -16,8 +16,7 @@ namespace quorvel {
 using MarkNumber = std::uint32_t;
 
 /// Keeps what a search can still ask for: for every connect mark not yet passed by, the first mark of each other kind
-/// behind it that carries the same session number. Takes 8 bytes a
-/// mark, and 8 for its detail.
+/// behind it that carries the same session number. Takes 8 bytes a mark, and 8 for its detail.
 class MarkLists {
  public:
   MarkLists();
@@ -29,6 +28,11 @@ class MarkLists {
   MarkNumber append(const LogMark& mark);
   /// Forgets the marks before number, of which nobody will ask.
   void dropBefore(MarkNumber number);
+
+  /// Number of marks kept; one with a detail counts twice.
+  [[nodiscard]] std::size_t size() const {
+    return (m_chunks.size() - 1) * kChunkSize + m_chunks.back()->count - indexOf(m_keptFrom);
+  }
 
   /// The first connect mark behind number; 0 when there is none yet.
   [[nodiscard]] MarkNumber connectAfter(MarkNumber number) const;

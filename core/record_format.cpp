@@ -75,10 +75,15 @@ Decoder decoderAtTreeIndex(std::string_view slot) {
 
 }  // namespace
 
-std::size_t encodeRecord(const UserAct& record, std::span<char> slot) {
+std::size_t recordSize(const UserAct& record) {
   std::size_t size = kRecordOverhead;
   for (const auto text : kTexts)
     size += (record.*text).size();
+  return size;
+}
+
+std::size_t encodeRecord(const UserAct& record, std::span<char> slot) {
+  const std::size_t size = recordSize(record);
   if (size > slot.size()) return 0;
 
   Encoder encoder(slot.data());

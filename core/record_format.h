@@ -23,6 +23,9 @@ inline constexpr std::size_t kRecordOverhead = 3 * 4 + 6 * 2;
   return static_cast<std::uint64_t>(recordNumber - 1) * kRecordSize;
 }
 
+/// Number of bytes the record takes.
+[[nodiscard]] std::size_t recordSize(const UserAct& record);
+
 /// Writes the record to the start of slot and returns the number of bytes it takes; the rest of the slot is left as
 /// it is. 0, and slot untouched, when the record needs more than slot.size() bytes.
 [[nodiscard]] std::size_t encodeRecord(const UserAct& record, std::span<char> slot);

@@ -10,6 +10,7 @@
 #include "core/log_marks.h"
 #include "core/log_stream.h"
 #include "core/mark_lists.h"
+#include "core/packed_sessions.h"
 
 namespace quorvel {
 namespace {
@@ -18,15 +19,15 @@ constexpr LogPosition kLookBack = 50;
 /// From the ")" of a session number back to its first byte.
 constexpr LogPosition kBackToNumber = kSessionNumberLength - 1;
 constexpr LogPosition kNever = std::numeric_limits<LogPosition>::max();
-/// So many sessions share one pass over the log: few enough to keep their records, and the places of their lines, in
-/// memory, many enough that a log full of sessions without an end is read only a few times.
+/// At most so many sessions share one pass over the log: few enough to keep their records in memory, many enough that
+/// a log full of sessions without an end is read only a few times.
 constexpr std::size_t kSessionsPerPass = 96 * 1024;
 /// A gap that is not worth reading between two sessions.
 constexpr LogPosition kGap = 4 * 1024 * 1024;
 constexpr int kLinesBetweenQuestions = 1024;
 
-LogPosition startOf(const UserAct& session) {
-  return std::max<LogPosition>(1, session.Position - kLookBack);
+LogPosition startOf(std::int32_t position) {
+  return std::max<LogPosition>(1, LogPosition{position} - kLookBack);
 }
 
 /// The session's number; one that is no text of a line, as only a damaged record holds it, is found nowhere.
@@ -38,31 +39,48 @@ SessionId idOf(const UserAct& session) {
   return isUsable ? sessionIdAt(&number.back()) : kNowhere;
 }
 
-/// One pass over the log for sessions in ascending order of Position.
+/// One pass over the log for sessions in ascending order of Position. It may end before the last of them.
 class Pass {
  public:
-  Pass(const LogFile& log, std::size_t blockSize, std::vector<UserAct> sessions, SessionLineConsumer& consumer)
-      : m_sessions(std::move(sessions)),
+  Pass(const LogFile& log, const LineReading& reading, PackedSessions& sessions, std::size_t first, std::size_t end,
+       SessionLineConsumer& consumer)
+      : m_log(log),
+        m_mostMarks(reading.mostMarks),
+        m_sessions(sessions),
         m_consumer(consumer),
-        m_starts(m_sessions.size()),
+        m_first(first),
+        m_end(end),
         m_stream(
-            log, blockSize, [this](LogBlock& block) { findSessionNumbers(block, m_wanted); },
+            log, reading.blockSize, [this](LogBlock& block) { findSessionNumbers(block, m_wanted); },
             [this](const LogBlock& block) { return takeMarks(block); }) {
-    for (const UserAct& session : m_sessions)
-      m_wanted.insert(idOf(session));
+    m_starts.reserve(end - first);
+    for (std::size_t index = first; index < end; ++index) {
+      const UserAct& session = m_sessions.at(index);
+      m_starts.push_back({session.Position, 0, idOf(session)});
+      m_wanted.insert(m_starts.back().id);
+    }
   }
 
   /// False when the consumer wants no more.
   bool run() {
-    for (m_head = 0; m_head < m_sessions.size() && m_goOn; ++m_head) {
-      const UserAct& session = m_sessions[m_head];
-      if (m_consumer.beginSession(session) && session.Position > 0) deliver(session);
+    for (m_head = m_first; m_head < m_end && m_goOn; ++m_head) {
+      const UserAct& session = m_sessions.at(m_head);
+      if (m_consumer.beginSession(session) && session.Position > 0) deliver();
       m_consumer.endSession(session);
       ask(session.Position);
     }
     return m_goOn;
   }
 
+  /// Behind the last session that was handed out.
+  [[nodiscard]] std::size_t end() const { return m_end; }
+  /// How many sessions to take into the next pass, as far as this one can tell.
+  [[nodiscard]] std::size_t advisedCount() const {
+    if (m_isCutShort) return m_fitting;
+    const double fitting = 0.9 * static_cast<double>(m_mostMarks) / static_cast<double>(m_peakMarks + 1);
+    return static_cast<std::size_t>(
+        std::min(static_cast<double>(kSessionsPerPass), 1 + fitting * static_cast<double>(m_end - m_first)));
+  }
   /// What kept the log from being read to its end.
   [[nodiscard]] const Status& status() const { return m_stream.status(); }
 
@@ -73,20 +91,29 @@ class Pass {
     std::size_t serverStart;  ///< index of the first server start not passed
     LogPosition deliveredTo;  ///< lines in front of this position are done
   };
+  /// Where the lines of a session start.
+  struct Start {
+    std::int32_t position;  ///< its Position
+    MarkNumber mark;        ///< where its places begin, once it is activated
+    SessionId id;
+  };
   struct Line {
     LogPosition begin;
     LogPosition end;
   };
 
-  void deliver(const UserAct& session) {
-    startReading(startOf(session));
+  [[nodiscard]] Start& start(std::size_t session) { return m_starts[session - m_first]; }
+
+  void deliver() {
+    const LogPosition begin = startOf(start(m_head).position);
+    startReading(begin);
     while (m_activated <= m_head && readMore()) {
     }
     if (m_activated <= m_head) return;
-    Cursor cursor{m_starts[m_head], firstServerStart(startOf(session)), startOf(session)};
+    Cursor cursor{start(m_head).mark, firstServerStart(begin), begin};
     m_marks.dropBefore(cursor.passed);
     for (int lines = 1; m_goOn && deliverLine(cursor); ++lines) {
-      if (m_activated == m_head + 1) m_marks.dropBefore(cursor.passed);
+      if (m_isCutShort || m_activated == m_head + 1) m_marks.dropBefore(cursor.passed);
       if (lines % kLinesBetweenQuestions == 0) ask(cursor.deliveredTo);
     }
   }
@@ -172,21 +199,33 @@ class Pass {
       activateSessions(mark);
       if (mark.kind == MarkKind::ServerStart) {
         m_serverStarts.push_back(mark.position);
-      } else {
+      } else if (!m_isCutShort || mark.id == start(m_head).id) {
         m_marks.append(mark);
       }
     }
+    m_peakMarks = std::max(m_peakMarks, m_marks.size());
+    if (m_marks.size() > m_mostMarks && !m_isCutShort) cutShort();
     ask(m_reached);  // what is read ahead says nothing of how much was handed out
     return m_goOn;
+  }
+
+  /// Leaves all sessions behind the one at the head to later passes.
+  void cutShort() {
+    constexpr double kMargin = 0.8;
+    const LogPosition begin = startOf(start(m_head).position);
+    const double share =
+        static_cast<double>(m_stream.readTo() - begin) / static_cast<double>(m_log.length() - begin + 1);
+    const auto active = static_cast<double>(m_activated - std::min(m_activated, m_head));
+    m_fitting = 1 + static_cast<std::size_t>(kMargin * share * active);
+    m_end = m_head + 1;
+    m_isCutShort = true;
   }
 
   /// Puts a start into the list of each session that begins at or before the mark.
   void activateSessions(const LogMark& mark) {
     const LogPosition textStart = mark.position - (mark.kind == MarkKind::Line ? kBackToNumber : 0);
-    while (m_activated < m_sessions.size() && startOf(m_sessions[m_activated]) <= textStart) {
-      m_starts[m_activated] = m_marks.append({mark.position, MarkKind::Connect, idOf(m_sessions[m_activated])});
-      ++m_activated;
-    }
+    for (; m_activated < m_end && startOf(start(m_activated).position) <= textStart; ++m_activated)
+      start(m_activated).mark = m_marks.append({mark.position, MarkKind::Connect, start(m_activated).id});
   }
 
   /// Asks whether to go on, having come to position; sessions overlap, but progress only grows.
@@ -195,15 +234,22 @@ class Pass {
     m_goOn = m_goOn && m_consumer.keepGoing(static_cast<std::uint64_t>(m_reached));
   }
 
-  const std::vector<UserAct> m_sessions;
+  const LogFile& m_log;
+  const std::size_t m_mostMarks;
+  PackedSessions& m_sessions;
   SessionLineConsumer& m_consumer;
+  const std::size_t m_first;
+  std::size_t m_end;
   SessionIdSet m_wanted;
   MarkLists m_marks;
-  std::vector<MarkNumber> m_starts;  ///< of the activated sessions: where their places begin
+  std::vector<Start> m_starts;
   std::vector<LogPosition> m_serverStarts;
   std::vector<std::size_t> m_numbers;  ///< in the line handed out
-  std::size_t m_head = 0;              ///< the session whose lines are handed out
-  std::size_t m_activated = 0;         ///< so many sessions have their start in their list
+  std::size_t m_head = m_first;        ///< the session whose lines are handed out
+  std::size_t m_activated = m_first;   ///< the first session whose start is not in its list
+  std::size_t m_peakMarks = 0;
+  std::size_t m_fitting = 0;  ///< so many sessions would not have been too many, if it was cut short
+  bool m_isCutShort = false;
   LogPosition m_reached = 0;
   bool m_goOn = true;
   bool m_isReading = false;
@@ -212,27 +258,31 @@ class Pass {
 
 /// Takes sessions off source as long as they ascend, starting with first, which becomes the one behind them. Sessions
 /// without a position fit in anywhere.
-std::vector<UserAct> takePass(const SessionSource& source, std::optional<UserAct>& first) {
-  std::vector<UserAct> sessions;
-  sessions.reserve(kSessionsPerPass);  // memory that is not filled costs nothing, growing would need it twice
+void takeAscending(const SessionSource& source, std::optional<UserAct>& first, PackedSessions& sessions) {
+  sessions.clear();
   std::int32_t position = 0;
   while (first && sessions.size() < kSessionsPerPass && (first->Position <= 0 || first->Position >= position)) {
     position = std::max(position, first->Position);
-    sessions.push_back(std::move(*first));
+    sessions.add(*first);
     first = source();
   }
-  return sessions;
 }
 
 }  // namespace
 
 Status readSessionLines(const LogFile& log, const SessionSource& source, SessionLineConsumer& consumer,
-                        std::size_t blockSize) {
-  std::optional<UserAct> next = source();
-  while (next) {
-    Pass pass(log, blockSize, takePass(source, next), consumer);
-    if (!pass.run()) break;
-    if (!pass.status().isOk()) return pass.status();
+                        const LineReading& reading) {
+  PackedSessions sessions(kSessionsPerPass);
+  std::size_t count = kSessionsPerPass;
+  for (std::optional<UserAct> next = source(); next;) {
+    takeAscending(source, next, sessions);
+    for (std::size_t first = 0; first < sessions.size();) {
+      Pass pass(log, reading, sessions, first, std::min(sessions.size(), first + count), consumer);
+      if (!pass.run()) return {};
+      if (!pass.status().isOk()) return pass.status();
+      first = pass.end();
+      count = pass.advisedCount();
+    }
   }
   return {};
 }

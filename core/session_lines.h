@@ -51,11 +51,18 @@ class SessionLineConsumer {
 /// The sessions wanted, in the order their lines are to be handed out; empty at the end.
 using SessionSource = std::function<std::optional<UserAct>()>;
 
+struct LineReading {
+  /// Bytes read at once. Has no influence on the lines.
+  std::size_t blockSize = 256 * 1024;
+  /// Limit to what is remembered of lines ahead, two for each line. Has no influence on the lines.
+  std::size_t mostMarks = 4'000'000;
+};
+
 /// Hands every session of source to consumer. Sessions with Position 0 are begun and ended without lines. The log is
-/// read once for sessions in ascending order of Position, once more wherever the order falls back. A failing read of
-/// the log ends the lines of the sessions read together as the log's end would, and is returned.
-/// blockSize is the number of bytes read at once; it has no influence on the lines.
+/// read once for many sessions in ascending order of Position; once more wherever the order falls back, and where
+/// more is to be remembered of them than memory is meant for. A failing read of the log ends the lines of the sessions
+/// read together as the log's end would, and is returned.
 Status readSessionLines(const LogFile& log, const SessionSource& source, SessionLineConsumer& consumer,
-                        std::size_t blockSize = 256 * 1024);
+                        const LineReading& reading = {});
 
 }  // namespace quorvel

@@ -35,7 +35,7 @@ TEST(SessionLines, EndTheReadingAheadWithTheLastSession) {
   const auto sessions = sessionsAt({51});
   for (int run = 0; run < 50; ++run) {
     OneLine consumer;
-    ASSERT_TRUE(readSessionLines(log, sourceOf(sessions), consumer, 4096).isOk());
+    ASSERT_TRUE(readSessionLines(log, sourceOf(sessions), consumer, {.blockSize = 4096}).isOk());
     EXPECT_EQ(consumer.lines, 1);
   }
 }

@@ -140,7 +140,8 @@ std::string compareSessionLines(const std::string& log, const std::vector<UserAc
   for (const std::size_t stopAfter : {std::size_t{SIZE_MAX}, std::size_t{1}}) {
     SessionCheck check(log, switches);
     check.stopAfter = stopAfter;
-    if (!readSessionLines(openLog(log), sourceOf(sessions), check, blockSize).isOk()) return "the log cannot be read";
+    if (!readSessionLines(openLog(log), sourceOf(sessions), check, {blockSize, blockSize}).isOk())
+      return "the log cannot be read";
     const std::string result = check.result(sessions.size());
     if (!result.empty()) return result + "\nread " + std::to_string(blockSize) + " bytes at once";
   }

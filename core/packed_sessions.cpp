@@ -1,0 +1,32 @@
+#include "core/packed_sessions.h"
+
+#include <span>
+#include <string_view>
+
+#include "core/record_format.h"
+
+namespace quorvel {
+
+PackedSessions::PackedSessions(std::size_t expected) {
+  m_records.reserve(expected * kRecordSize);
+  m_offsets.reserve(expected);
+}
+
+void PackedSessions::add(const UserAct& session) {
+  const std::size_t offset = m_records.size();
+  m_records.resize(offset + recordSize(session));
+  (void)encodeRecord(session, std::span(m_records).subspan(offset));
+  m_offsets.push_back(offset);
+}
+
+void PackedSessions::clear() {
+  m_records.clear();
+  m_offsets.clear();
+}
+
+const UserAct& PackedSessions::at(std::size_t index) {
+  (void)decodeRecord(std::string_view(m_records).substr(m_offsets[index]), m_session);
+  return m_session;
+}
+
+}  // namespace quorvel

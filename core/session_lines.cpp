@@ -59,6 +59,7 @@ class Pass {
       m_starts.push_back({session.Position, 0, idOf(session)});
       m_wanted.insert(m_starts.back().id);
     }
+    m_reached = startOf(m_starts.front().position) - 1;
   }
 
   /// False when the consumer wants no more.

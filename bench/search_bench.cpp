@@ -12,7 +12,7 @@
 #include "core/byte_scan.h"
 #include "core/byte_scan_variants.h"
 #include "core/servu_find_user_info.h"
-#include "tests/reference/session_scan.h"
+#include "tests/reference/literal_scans.h"
 
 namespace quorvel {
 namespace {

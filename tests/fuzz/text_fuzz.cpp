@@ -4,7 +4,7 @@
 
 #include "core/text.h"
 #include "tests/fuzz/fuzz_input.h"
-#include "tests/reference/block_search.h"
+#include "tests/reference/literal_scans.h"
 #include "tools/go_to_position.h"
 
 namespace quorvel::test {

@@ -1,111 +1,204 @@
-#include "tests/reference/session_scan.h"
-
-#include <string>
+// The session finder's scan, step by step and without any shortcut.
+#include <algorithm>
+#include <array>
+#include <numeric>
 #include <utility>
+
+#include "tests/reference/literal_scans.h"
 
 namespace quorvel::test {
 namespace {
 
+constexpr std::int64_t kBlockSize = 4000;
 constexpr std::size_t kLongestText = 32767;
 
-/// The session being looked at: where it starts, its number, and where its end limits the searches.
-struct Session {
-  std::int64_t position = 0;
-  std::string id;
-  std::int64_t limit = 0;
-};
+std::int64_t size64(std::string_view text) {
+  return static_cast<std::int64_t>(text.size());
+}
 
 char nameEndOf(std::string_view log) {
+  if (log.starts_with('\n')) log.remove_prefix(1);  // it may have been cut behind a CR
   const std::size_t lf = log.find('\n');
-  return lf != std::string_view::npos && lf > 0 && log[lf - 1] != '\r' ? '\n' : '\r';
+  return lf != std::string_view::npos && !log.substr(0, lf).ends_with('\r') ? '\n' : '\r';
 }
 
-std::string stampBefore(const BlockSearch& log, std::int64_t mark) {
-  return log.bytesAt(mark - 21, 20);
-}
-
-std::string logoffTime(const BlockSearch& log, Session& session) {
-  const auto end = log.FindSessionEnd(session.position, "- " + session.id + " Closing connection");
-  session.limit = end.position;
-  const std::int64_t stamp = end.position - 21;
-  if (!end.isServerStart && stamp <= 0) return "NOT_LOGGED_OUT";
-  if (end.isServerStart && stamp >= 0) return "SERVER_RESTART";
-  return log.bytesAt(stamp, 20);
-}
-
-std::string userName(const BlockSearch& log, const Session& session, char nameEnd, bool trunkLongUsernames) {
-  const std::int64_t u = log.FindForwardLimited(session.id + " USER ", session.position, session.limit);
-  const std::int64_t q = log.FindForwardLimited(session.id + " QUIT", session.position, session.limit);
-  std::string name;
-  if (u == 0 && q == 0) name = "NO_USER_FOUND";
-  if (q > 0 && (q < u || session.limit < u)) name = "QUIT";
-  if (u == 0 && (q > 0 || session.limit >= 1)) name = "QUIT";
-  if (!name.empty()) return name;
-  name = log.textUpTo(nameEnd, u + 14).substr(0, kLongestText);
-  return trunkLongUsernames ? name.substr(0, 12) : name;
-}
-
-std::int64_t findLogonLine(const BlockSearch& log, const Session& session, const std::string& name) {
-  std::string event = "User " + name + " logged in";
-  if (name == "anonymous") event = "anonymous logged in";
-  if (name == "QUIT") event = "Closing connection";
-  if (name == "NO_USER_FOUND") event = "Connected to ";
-  const std::int64_t start = session.position - (name == "NO_USER_FOUND" ? 20 : 0);
-  return log.FindForwardLimited("- " + session.id + " " + event, start, session.limit);
-}
-
-std::string failedLogonTime(const BlockSearch& log, const Session& session) {
-  const auto [position, id, limit] = session;
-  const std::int64_t qq = log.FindForwardLimited(id + " QUIT", position, limit);
-  const std::int64_t cc = log.FindForwardLimited(id + " Closing connection", position, limit + 100);
-
-  std::string word;
-  std::int64_t m = 0;
-  constexpr std::pair<const char*, const char*> kReplies[] = {
-      {" 530 Not logged in - password incorrect", " BAD_PASSWORD"},
-      {" 530 Incorrect password", " BAD_PASSWORD"},
-      {" 530 Not logged in - unauthorized IP address", " UNAUTHORIZED_IP"},
-      {" 530 Not logged in - cannot find home directory", " HOMEDIR_NOT_FOUND"},
-      {" 530", " NotLoggedIn"}};
-  for (const auto& [reply, meaning] : kReplies) {
-    word = meaning;
-    m = log.FindForwardLimited("- " + id + reply, position, limit);
-    if (m != 0) break;
+/// A log and the session being looked at. Positions are bytes counted from 1; in front of the log and behind it lie
+/// blanks.
+class Scan {
+ public:
+  Scan(std::string_view log, bool trunkLongUsernames)
+      : m_length(size64(log)), m_nameEnd(nameEndOf(log)), m_longestName(trunkLongUsernames ? 12 : kLongestText) {
+    const std::string blanks(kBlockSize, ' ');
+    m_log = blanks + std::string(log) + blanks;
+    m_folded = lowerCase(m_log);
   }
-  if (m == 0 && cc == 0 && qq == 0) return word;
-  if (m == 0) m = (cc > 0 ? cc : qq) - 2;
-  return stampBefore(log, m) + word;
-}
 
-UserAct recordAt(const BlockSearch& log, std::int64_t position, char nameEnd, bool trunkLongUsernames) {
-  Session session{position, log.bytesAt(position - 7, 8), 0};
-  UserAct record;
-  record.Position = static_cast<std::int32_t>(position);
-  record.ConnectTime = log.bytesAt(position - 30, 20);
-  record.IP = log.textUpTo(' ', position + 15).substr(0, kLongestText);
-  record.NumberInLog = session.id;
-  record.LogoffTime = logoffTime(log, session);
-  record.Name = userName(log, session, nameEnd, trunkLongUsernames);
-  const std::int64_t logon = findLogonLine(log, session, record.Name);
-  record.LogonTime = logon > 0 ? stampBefore(log, logon) : failedLogonTime(log, session);
-  return record;
-}
+  std::vector<UserAct> run() {
+    std::vector<UserAct> records;
+    for (m_position = 1; m_position < m_length; m_position += 60) {
+      m_position = FindForward(") Connected to ", m_position);
+      if (m_position == 0) break;
+      records.push_back(record());
+      records.back().LogonNo = static_cast<std::int32_t>(records.size());
+    }
+    return records;
+  }
+
+ private:
+  [[nodiscard]] std::string_view foldedBlock(std::int64_t position) const {
+    return std::string_view(m_folded).substr(static_cast<std::size_t>(position - 1 + kBlockSize), kBlockSize);
+  }
+  /// As they stand in the log, blanks where there is none.
+  [[nodiscard]] std::string bytesAt(std::int64_t position, std::size_t count) const {
+    const std::int64_t from = std::clamp<std::int64_t>(position - 1 + kBlockSize, 0, size64(m_log));
+    std::string bytes = m_log.substr(static_cast<std::size_t>(from), count);
+    bytes.resize(count, ' ');
+    return bytes;
+  }
+  [[nodiscard]] std::string stampBefore(std::int64_t mark) const { return bytesAt(mark - 21, 20); }
+
+  [[nodiscard]] std::int64_t FindForward(std::string_view text, std::int64_t start) const {
+    return start >= m_length ? 0 : FindForwardLimited(text, start, m_length);
+  }
+
+  [[nodiscard]] std::int64_t FindForwardLimited(std::string_view text, std::int64_t start, std::int64_t limit) const {
+    if (start >= m_length) return start;
+    const std::string wanted = lowerCase(text);
+    const std::int64_t step = kBlockSize - size64(text);
+    for (std::int64_t at = start; at < m_length && (at == start || at <= limit); at += step) {
+      const std::size_t index = foldedBlock(at).find(wanted);
+      if (index != std::string_view::npos) return at + static_cast<std::int64_t>(index);
+      if (step <= 0) break;  // the next block would not lie further on
+    }
+    return 0;
+  }
+
+  /// The place of the first event, with its number, in the session.
+  [[nodiscard]] std::int64_t find(const std::string& event) const {
+    return FindForwardLimited(m_id + event, m_position, m_limit);
+  }
+  [[nodiscard]] std::int64_t findDashed(const std::string& event) const {
+    return FindForwardLimited("- " + m_id + event, m_position, m_limit);
+  }
+
+  /// The place of the close or of the server start, 0 for neither, and whether it is the latter.
+  [[nodiscard]] std::pair<std::int64_t, bool> FindSessionEnd() const {
+    if (m_position >= m_length) return {m_position, false};
+    const std::string close = lowerCase("- " + m_id + " Closing connection");
+    const std::string serverStart = "- starting ftp server...";
+    const std::int64_t step = kBlockSize - size64(close) - size64(serverStart);
+    for (std::int64_t at = m_position; at < m_length; at += step) {
+      const std::size_t closeIndex = foldedBlock(at).find(close);
+      const std::size_t serverIndex = foldedBlock(at).find(serverStart);
+      const std::size_t first = std::min(closeIndex, serverIndex);
+      if (first != std::string_view::npos) return {at + static_cast<std::int64_t>(first), serverIndex < closeIndex};
+    }
+    return {0, false};
+  }
+
+  /// From position up to, not including, the next end; to the end of the log when there is none.
+  [[nodiscard]] std::string textUpTo(char end, std::int64_t position) const {
+    const std::int64_t found = FindForward(std::string_view(&end, 1), position);
+    const std::int64_t behind = found == 0 ? m_length + 1 : found;
+    if (behind <= position) return {};
+    const std::string text = bytesAt(position, static_cast<std::size_t>(behind - position));
+    return text.substr(0, std::min(text.find(end), kLongestText));  // no search looks at a log's last byte alone
+  }
+
+  UserAct record() {
+    UserAct record;
+    record.Position = static_cast<std::int32_t>(m_position);
+    record.ConnectTime = bytesAt(m_position - 30, 20);
+    record.IP = textUpTo(' ', m_position + 15);
+    record.NumberInLog = m_id = bytesAt(m_position - 7, 8);
+    record.LogoffTime = logoffTime();
+    record.Name = userName();
+    const std::int64_t logon = findLogonLine(record.Name);
+    record.LogonTime = logon > 0 ? stampBefore(logon) : failedLogonTime();
+    return record;
+  }
+
+  std::string logoffTime() {
+    const auto [position, isServerStart] = FindSessionEnd();
+    m_limit = position;
+    if (!isServerStart && position - 21 <= 0) return "NOT_LOGGED_OUT";
+    if (isServerStart && position - 21 >= 0) return "SERVER_RESTART";
+    return stampBefore(position);
+  }
+
+  [[nodiscard]] std::string userName() const {
+    const std::int64_t u = find(" USER ");
+    const std::int64_t q = find(" QUIT");
+    std::string name;
+    if (u == 0 && q == 0) name = "NO_USER_FOUND";
+    if (q > 0 && (q < u || m_limit < u)) name = "QUIT";
+    if (u == 0 && (q > 0 || m_limit >= 1)) name = "QUIT";
+    return name.empty() ? textUpTo(m_nameEnd, u + 14).substr(0, m_longestName) : name;
+  }
+
+  [[nodiscard]] std::int64_t findLogonLine(const std::string& name) const {
+    if (name == "anonymous") return findDashed(" anonymous logged in");
+    if (name == "QUIT") return findDashed(" Closing connection");
+    if (name != "NO_USER_FOUND") return findDashed(" User " + name + " logged in");
+    return FindForwardLimited("- " + m_id + " Connected to ", m_position - 20, m_limit);
+  }
+
+  [[nodiscard]] std::string failedLogonTime() const {
+    const std::int64_t qq = find(" QUIT");
+    const std::int64_t cc = FindForwardLimited(m_id + " Closing connection", m_position, m_limit + 100);
+    std::string word;
+    std::int64_t m = 0;
+    constexpr std::pair<const char*, const char*> kReplies[] = {
+        {" 530 Not logged in - password incorrect", " BAD_PASSWORD"},
+        {" 530 Incorrect password", " BAD_PASSWORD"},
+        {" 530 Not logged in - unauthorized IP address", " UNAUTHORIZED_IP"},
+        {" 530 Not logged in - cannot find home directory", " HOMEDIR_NOT_FOUND"},
+        {" 530", " NotLoggedIn"}};
+    for (const auto& [reply, meaning] : kReplies) {
+      word = meaning;
+      m = findDashed(reply);
+      if (m != 0) break;
+    }
+    if (m == 0 && cc == 0 && qq == 0) return word;
+    if (m == 0) m = (cc > 0 ? cc : qq) - 2;
+    return stampBefore(m) + word;
+  }
+
+  const std::int64_t m_length;
+  const char m_nameEnd;
+  const std::size_t m_longestName;
+  std::string m_log;     ///< with a block of blanks on either side
+  std::string m_folded;  ///< the same in lower case
+  std::int64_t m_position = 0;
+  std::string m_id;
+  std::int64_t m_limit = 0;  ///< where the session's end limits the searches
+};
 
 }  // namespace
 
-std::vector<UserAct> scanSessions(std::string_view text, bool trunkLongUsernames) {
-  const BlockSearch log(text);
-  const char nameEnd = nameEndOf(text);
-  std::vector<UserAct> records;
-  std::int64_t position = 1;
-  while (position < log.length()) {
-    position = log.FindForward(") Connected to ", position);
-    if (position == 0) break;
-    records.push_back(recordAt(log, position, nameEnd, trunkLongUsernames));
-    records.back().LogonNo = static_cast<std::int32_t>(records.size());
-    position += 60;
-  }
-  return records;
+std::string lowerCase(std::string_view text) {
+  constexpr std::string_view kUpper =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZ\x8A\x8C\x8E\x9F\xC0\xC1\xC2\xC3\xC4\xC5\xC6\xC7\xC8\xC9\xCA\xCB\xCC\xCD\xCE\xCF"
+      "\xD0\xD1\xD2\xD3\xD4\xD5\xD6\xD8\xD9\xDA\xDB\xDC\xDD\xDE";
+  constexpr std::string_view kLower =
+      "abcdefghijklmnopqrstuvwxyz\x9A\x9C\x9E\xFF\xE0\xE1\xE2\xE3\xE4\xE5\xE6\xE7\xE8\xE9\xEA\xEB\xEC\xED\xEE\xEF"
+      "\xF0\xF1\xF2\xF3\xF4\xF5\xF6\xF8\xF9\xFA\xFB\xFC\xFD\xFE";
+  static_assert(kUpper.size() == kLower.size());
+  static const std::array<char, 256> kTable = [&] {
+    std::array<char, 256> table{};
+    std::iota(table.begin(), table.end(), '\0');
+    for (std::size_t letter = 0; letter < kUpper.size(); ++letter)
+      table[static_cast<unsigned char>(kUpper[letter])] = kLower[letter];
+    return table;
+  }();
+  std::string folded(text);
+  for (char& c : folded)
+    c = kTable[static_cast<unsigned char>(c)];
+  return folded;
+}
+
+std::vector<UserAct> scanSessions(std::string_view log, bool trunkLongUsernames) {
+  return Scan(log, trunkLongUsernames).run();
 }
 
 }  // namespace quorvel::test

@@ -1,22 +1,19 @@
-#include "tests/reference/session_text.h"
-
+// What the filters and the counter take from a log for one session, as plain loops over its lines.
 #include <algorithm>
 #include <initializer_list>
+#include <sstream>
 #include <utility>
 
-#include "tests/reference/block_search.h"
+#include "tests/reference/literal_scans.h"
 
 namespace quorvel::test {
 namespace {
 
 std::vector<std::string> splitLines(std::string_view text) {
   std::vector<std::string> lines;
-  while (!text.empty()) {
-    const std::size_t lf = std::min(text.find('\n'), text.size());
-    lines.emplace_back(text.substr(0, lf));
-    if (lines.back().ends_with('\r')) lines.back().pop_back();
-    text.remove_prefix(std::min(lf + 1, text.size()));
-  }
+  std::istringstream stream{std::string(text)};
+  for (std::string line; std::getline(stream, line); lines.push_back(line))
+    if (line.ends_with('\r')) line.pop_back();
   return lines;
 }
 
@@ -43,7 +40,7 @@ struct FoldedLine {
 
 /// Lines of the log from 50 bytes before the session's position on; none where that is unknown.
 std::vector<std::string> linesFrom(std::string_view log, const UserAct& session) {
-  if (session.Position == 0) return {};
+  if (session.Position <= 0) return {};
   const auto before = static_cast<std::size_t>(std::max(0, session.Position - 51));
   return splitLines(log.substr(std::min(before, log.size())));
 }
@@ -62,11 +59,22 @@ struct CommandBlocks {
   bool inSite = false;
   bool inMdtm = false;
 
-  void detect(const FoldedLine& line) {
+  void take(const std::string& text, const FoldedLine& line) {
     if (!inTransfer && switches.transfers) inTransfer = line.hasMark({" STOR", " RETR"});
     if (!inDelete && switches.deletes) inDelete = deleteFirstLine = line.hasMark({" DELE"});
     if (!inSite && switches.site) inSite = line.hasMark({" SITE"});
     if (!inMdtm && switches.mdtm) inMdtm = line.hasMark({" MDTM"});
+    if (inTransfer) {
+      block(text, line.hasMark({" Received file", " Sent file", " Error ", " 550 ", " 501 Syntax error"}), inTransfer);
+    } else if (std::exchange(deleteFirstLine, false)) {
+      written.push_back(text);
+    } else if (inDelete) {
+      deleteReply(text, line);
+    } else if (inSite) {
+      block(text, line.hasMark({" 200 ", " 501"}), inSite);
+    } else if (inMdtm) {
+      block(text, line.hasMark({" 213", " 253", " 501", " 550", " 553"}), inMdtm);
+    }
   }
 
   void block(const std::string& text, bool isLast, bool& flag) {
@@ -82,21 +90,6 @@ struct CommandBlocks {
     if (isNextDelete || isReply) written.push_back(text);
     written.emplace_back();
     inDelete = false;
-  }
-
-  void take(const std::string& text, const FoldedLine& line) {
-    detect(line);
-    if (inTransfer) {
-      block(text, line.hasMark({" Received file", " Sent file", " Error ", " 550 ", " 501 Syntax error"}), inTransfer);
-    } else if (std::exchange(deleteFirstLine, false)) {
-      written.push_back(text);
-    } else if (inDelete) {
-      deleteReply(text, line);
-    } else if (inSite) {
-      block(text, line.hasMark({" 200 ", " 501"}), inSite);
-    } else if (inMdtm) {
-      block(text, line.hasMark({" 213", " 253", " 501", " 550", " 553"}), inMdtm);
-    }
   }
 };
 

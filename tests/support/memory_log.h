@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "core/log_file.h"
@@ -9,11 +10,13 @@
 
 namespace quorvel::test {
 
-/// A log of this text, opened.
-[[nodiscard]] inline LogFile openLog(const std::string& text) {
+/// A log of this text, opened, to which its server has added since.
+[[nodiscard]] inline LogFile openLog(const std::string& text, std::string_view added = {}) {
   MemoryFiles files;
   files.put("a.log", text);
-  return std::move(LogFile::open(files, "a.log").value());
+  LogFile log = std::move(LogFile::open(files, "a.log").value());
+  (void)files.open("a.log", OpenMode::Append).value()->append(added, {});
+  return log;
 }
 
 }  // namespace quorvel::test

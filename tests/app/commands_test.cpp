@@ -6,7 +6,7 @@
 
 #include "app/session_sources.h"
 #include "core/record_format.h"
-#include "tests/app/scanned_log.h"
+#include "tests/support/program_world.h"
 #include "tests/support/sample_log.h"
 
 namespace quorvel::test {

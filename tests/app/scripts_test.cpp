@@ -7,7 +7,7 @@
 
 #include "app/menu_commands.h"
 #include "app/options.h"
-#include "tests/app/scanned_log.h"
+#include "tests/support/program_world.h"
 #include "tests/support/records.h"
 #include "tests/support/script.h"
 #include "tests/tree/tree_text.h"

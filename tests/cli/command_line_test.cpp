@@ -1,7 +1,7 @@
 // The run that the arguments ask for; how they are taken apart is compared with a plain loop in the fuzz target of
 // command lines.
 #include "cli/batch_run.h"
-#include "tests/app/scanned_log.h"
+#include "tests/support/program_world.h"
 
 namespace quorvel::test {
 namespace {

@@ -10,8 +10,8 @@
 #include "app/menu_commands.h"
 #include "app/options.h"
 #include "cli/batch_run.h"
-#include "tests/faults/program_world.h"
 #include "tests/support/memory_files.h"
+#include "tests/support/program_world.h"
 
 namespace quorvel::test {
 namespace {
@@ -101,7 +101,7 @@ class FaultRun {
     m_disk.put(kSettings, busySettings());
     m_disk.put(kLog, logLines(""));
     m_disk.put(kResults, kOldResults);
-    m_world.scan(kLog);
+    m_world.scanAndTick(kLog);
     m_world.view.forgetCalls();
     m_recordsBefore = records();
     command.prepare(m_disk);

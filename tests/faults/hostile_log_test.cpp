@@ -8,8 +8,8 @@
 
 #include "app/menu_commands.h"
 #include "cli/batch_run.h"
-#include "tests/faults/program_world.h"
 #include "tests/support/memory_files.h"
+#include "tests/support/program_world.h"
 
 namespace quorvel::test {
 namespace {
@@ -26,7 +26,7 @@ TEST(HostileNumbers, AnySettingLetsEverythingRun) {
     folder.write("quorvel.ini", std::regex_replace(busySettings(), anyValue, "$1" + value));
     const auto log = folder.write("a.log", logLines(""));
     ProgramWorld world(systemFiles(), folder.path());
-    world.scan(log);
+    world.scanAndTick(log);
     EXPECT_EQ(folder.read("users.qva").size() / 128, 2u) << "two whole slots and a part of the third";
     (void)world.window.readPlacement();
     (void)runBatch(world.window, log.string() + " 100 210 300 " + (folder / "out.txt").string());
@@ -47,7 +47,7 @@ TEST(HostileNumbers, AScanEndsWhereNoRecordCanPoint) {
   std::ofstream(path, std::ios::binary | std::ios::app) << lines << std::string(1000, ' ');
 
   ProgramWorld world(systemFiles(), folder.path());
-  world.Program::scan(path);
+  world.scan(path);
   auto users = UsersFile::open(systemFiles(), folder / "users.qva");
   ASSERT_TRUE(users.isOk() && users.value().recordCount() == 2);
   EXPECT_EQ(users.value().read(1)->Name, "bob");
@@ -77,7 +77,7 @@ int work(void (*change)(MemoryFiles&), int n) {
     if (path == kLog && ++calls == n) change(disk);
   });
   world.window.openLogFile(kLog);
-  world.scan(kLog);
+  world.scanAndTick(kLog);
   for (std::int32_t node = 1; node <= std::min(world.state.tree.nodeCount(), 10); ++node)
     world.window.TreeView1_NodeClick(node);
   for (const MenuItem item : {mnuFilterAll, mnuFilterSelected, mnuCountAllTransfers, mnuCountUsersTransfers}) {

@@ -12,8 +12,8 @@
 #include <regex>
 #include <thread>
 
-#include "tests/faults/program_world.h"
 #include "tests/support/program_run.h"
+#include "tests/support/program_world.h"
 
 namespace quorvel::test {
 namespace {

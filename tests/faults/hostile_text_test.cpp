@@ -12,18 +12,10 @@
 namespace quorvel::test {
 namespace {
 
-/// Twice as name and address, each has room in a record.
-const std::string kHostileTexts[] = {"<img/src='//x'>",
-                                     "<b>",
-                                     "<a/href=file:/x>",
-                                     "&lt;i&gt;&copy;",
-                                     "[*]&File",
-                                     "\x1B]0;t\x07\x1B[31m",
-                                     "\x80\x81\x8D\x9B\xFF\x7F",
-                                     "../../etc/passwd",
-                                     "C:\\con|/dev/null",
-                                     "$(id)`id`;id|id&",
-                                     "%s%n%1%2%L1!"};
+/// Words of which each has room in a record as name and address.
+constexpr const char* kHostileTexts =
+    "<img/src='//x'> <b> <a/href=file:/x> &lt;i&gt;&copy; [*]&File \x1B]0;t\x07\x1B[31m \x80\x81\x8D\x9B\xFF\x7F "
+    "../../etc/passwd C:\\con|/dev/null $(id)`id`;id|id& %s%n%1%2%L1!";
 
 const char* const kHostileFileNames[] = {"<img src='x.png'>.log",  "&lt;b&gt;[*].log",   "\u202Egol.exe",
                                          "a\nb\r\x1B]0;t\x07.log", "\u2066x\u2029y.log", "$(id)`id`;&.log"};
@@ -64,21 +56,17 @@ class HostileText : public WindowTest {
         EXPECT_TRUE(item != MenuItem::mnuGetComputersIP || field->text().isEmpty()) << "no host, never looked up";
     });
   }
-  void expectTreeShows(const std::string& text) {
-    EXPECT_EQ(row(0).data().toString(), toOneLine(toQString(text)));
-    for (const QModelIndex& node : {row(0), row(0, 0)})
-      for (const int role : {Qt::ToolTipRole, Qt::StatusTipRole, Qt::WhatsThisRole, Qt::DecorationRole})
-        EXPECT_FALSE(node.data(role).isValid());
-  }
 };
 
 TEST_F(HostileText, NamesAndAddressesAreShownAsTheyStand) {
-  for (const std::string& text : kHostileTexts) {
+  std::istringstream texts(kHostileTexts);
+  for (std::string text; texts >> text;) {
     SCOPED_TRACE(text);
     for (const char* layout : {"0", "2"}) {
       settings.WriteSetting("OPTION-TREEVIEW", "TreeViewType", layout);
       openAndFind(logSession("000001", text, text, "Error sending file " + text));
-      expectTreeShows(text);
+      EXPECT_EQ(row(0).data().toString(), toOneLine(toQString(text)));
+      EXPECT_EQ(tree.model()->itemData(row(0)).size(), 1) << "no tool tip, no picture";
     }
     commands.TreeView1_NodeClick(2);
     EXPECT_EQ(commands.state().currentSession.Name, text);

@@ -100,29 +100,5 @@ TEST(PrintPages, LinesAreCutAtTheWidthAndAtEveryLineEnd) {
   EXPECT_FALSE(lines.skip() || PrintedLines("", 4).next());
 }
 
-TEST(PrintPages, AFullLineFitsThePage) {
-  QImage page(600, 100, QImage::Format_Mono);
-  const QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-  const QString full(columnsPerLine(font, page), u'M');
-  EXPECT_LE(QFontMetrics(font, &page).horizontalAdvance(full), page.width());
-  EXPECT_GE(QFontMetrics(font, &page).horizontalAdvance(full + u'M'), page.width());
-}
-
-TEST(PrintPages, PrintsEveryPageUntilStopped) {
-  PrintedDocument document{"ftp.log", "2005-01-19 13:28:08", {}};
-  for (int i = 0; i < 500; ++i)
-    document.text += "line\r\n";
-  for (const bool isStopped : {false, true}) {
-    QBuffer pdf;
-    pdf.open(QIODevice::WriteOnly);
-    int pages = 0;
-    const auto keepGoing = [&] { return ++pages < 2 || !isStopped; };
-    EXPECT_EQ(printPages(*std::make_unique<QPdfWriter>(&pdf), document, keepGoing),
-              isStopped ? PrintOutcome::Stopped : PrintOutcome::Printed);
-    EXPECT_EQ(pdf.data().count("/Type /Page\n"), pages);
-    EXPECT_TRUE(isStopped ? pages == 2 : pages >= 5) << pages;
-  }
-}
-
 }  // namespace
 }  // namespace quorvel::test

@@ -88,8 +88,10 @@ TEST_F(Killed, SettingsAreTheOldOrTheNewOnes) {
   Settings settings(systemFiles(), home.path());
   killOften(30ms, [&settings](microseconds after) {
     const pid_t child = ::fork();
-    for (std::size_t i = 0; child == 0; ++i)
+    for (std::size_t i = 0; child == 0; ++i) {
       settings.WriteSetting("Main", "LastOpenFile01", std::string(i % 70, 'x'));
+      if (i == 100'000) ::_exit(1);
+    }
     std::this_thread::sleep_for(after);
     return child > 0 && ::kill(child, SIGKILL) == 0 && ::waitpid(child, nullptr, 0) == child;
   });

@@ -131,7 +131,7 @@ class Desk final : ProgramWindow {
   }
   /// A key or a click for any part of it.
   void poke(QWidget& whole) {
-    QList<QWidget*> parts = whole.findChildren<QWidget*>();
+    QList<QWidget*> parts = whole.findChildren<QWidget*>() << &whole;
     parts.removeIf([](const QWidget* part) { return !part->isVisible() || !part->isEnabled(); });
     QWidget* const part = parts.value(pick(parts.size()), &whole);
     if (auto* const field = qobject_cast<QLineEdit*>(part)) field->setText(QString::fromLatin1(oneOf(kInputs)));

@@ -167,6 +167,7 @@ class Desk final : ProgramWindow {
   const std::vector<std::function<void()>> m_others = {
       [this] { poke(window); },
       [this] { poke(window.panes().tree()); },
+      [this] { window.panes().tree().keyboardSearch(QStringLiteral("b")); },
       [this] {
         QContextMenuEvent press(QContextMenuEvent::Mouse, QPoint(5, 5), window.mapToGlobal(QPoint(5, 5)));
         QCoreApplication::sendEvent(window.panes().tree().viewport(), &press);

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "ui/qt/file_dialogs.h"
+#include "ui/qt/plain_message.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/print_pages.h"
 #include "ui/qt/progress_row.h"
@@ -89,6 +90,18 @@ TEST(ProgressRow, ShowsPositionsOfAnyRange) {
   row.setRange(5, 5);
   row.setValue(5);
   EXPECT_EQ(bar->value(), 0);
+}
+
+TEST(PlainMessage, ShowsTextAsItStandsInLinesThatFitTheScreen) {
+  const QString word(80, u'x');
+  QTimer::singleShot(0, qApp, [&word] {
+    auto& box = dynamic_cast<QMessageBox&>(*QApplication::activeModalWidget());
+    EXPECT_EQ(box.textFormat(), Qt::PlainText);
+    EXPECT_EQ(box.text(), QStringLiteral("<img src=x>\n") + word + QStringLiteral("\nx"));
+    EXPECT_EQ(box.windowTitle(), QStringLiteral("Quorvel analyzer"));
+    box.button(QMessageBox::Cancel)->click();
+  });
+  EXPECT_FALSE(showPlainMessage(nullptr, QStringLiteral("<img src=x>\r\n") + word + u'x', Buttons::OkCancel));
 }
 
 TEST(PrintPages, LinesAreCutAtTheWidthAndAtEveryLineEnd) {

@@ -47,17 +47,18 @@ TEST_F(SessionTreeModelTest, TypeAheadFindsNamesOnTheScreenAndGoesRound) {
   using Nodes = std::unordered_set<std::int32_t>;
   const std::tuple<const char*, std::int32_t, bool, Nodes, std::int32_t> cases[] = {
       // found, from a node, or on it
-      {"BER", 0, false, {}, 4},  {"a", 6, false, {}, 1},     {"", 4, true, {}, 4},    {"Mon", 0, false, {}, 0},
-      {"Mon", 0, false, {4}, 5}, {"anna", 5, false, {4}, 1}, {"zzz", 2, false, {}, 0}};  // 2: closed meanwhile
+      {"BER", 0, false, {}, 4},  {"a", 6, false, {}, 1},     {"", 4, true, {}, 4},     {"Mon", 0, false, {}, 0},
+      {"Mon", 0, false, {4}, 5}, {"anna", 5, false, {4}, 1}, {"zzz", 2, false, {}, 0},  // 2: closed meanwhile
+      {"carl", 2, false, {1}, 6}};
   for (const auto& [typed, from, includesFrom, open, found] : cases)
     EXPECT_EQ(m_model.findText(QString::fromLatin1(typed), from, includesFrom, open), found) << typed;
 }
 
 TEST_F(SessionTreeModelTest, KeysAndTheMouseMoveCheckFindAndClick) {
   fill();
-  EXPECT_FALSE(m_model.setData(m_model.index(0, 0), Qt::Checked, Qt::CheckStateRole)) << "only while check boxes show";
   QObject::connect(&m_model, &SessionTreeModel::checkRequested, &m_model,
                    [this](std::int32_t node, bool checked) { m_tree.setChecked(node, checked); });
+  EXPECT_FALSE(m_model.setData(m_model.index(0, 0), Qt::Checked, Qt::CheckStateRole)) << "only while check boxes show";
   SessionTreeBox box;
   const QSignalSpy clicks(&box, &SessionTreeBox::nodeClicked);
   m_model.showCheckBoxes(true);

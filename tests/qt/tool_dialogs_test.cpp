@@ -117,6 +117,18 @@ TEST_F(ComputerIp, ResolvesAndPingsFourTimes) {
   EXPECT_EQ(results.toPlainText().count(QStringLiteral("Reply from 127.0.0.1: ")), Ping::kRequests);
 }
 
+TEST_F(ComputerIp, ClearsTheListOnlyWithAutoClear) {
+  type("no host!");
+  const std::string line = "Not a computer name or IP address.\r\n";
+  press(Qt::Key_Return, 2);
+  EXPECT_EQ(results.bytes(), line);
+  part<QCheckBox>(dialog, "chkAutoClear").setFocus();
+  press(Qt::Key_Space);
+  press(Qt::Key_Return);
+  EXPECT_EQ(results.bytes(), line + line);
+  EXPECT_FALSE(settings.readFlag("COMPUTER-IP", "AutoClear"));
+}
+
 TEST_F(ComputerIp, StopAndClosingGiveUpTheLookupAndThePing) {
   type("localhost");
   press(Qt::Key_Return);

@@ -4,12 +4,15 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <functional>
 #include <random>
 #include <regex>
+#include <stdexcept>
 #include <thread>
 
 #include "tests/support/program_run.h"
@@ -32,12 +35,36 @@ class RealFaults : public testing::Test, protected ProgramShell {
     const std::string results = work.read("out.txt");
     EXPECT_TRUE(results.starts_with(kOldResults));
     EXPECT_TRUE(results.ends_with("\r\n")) << results.size() << " bytes";
-    const std::regex written("LastOpenFile0.=x*\r\n");  // by a process that was killed
-    EXPECT_EQ(std::regex_replace(home.read("quorvel.ini"), written, ""), busySettings());
+    const std::string table = work.read("table.txt");
+    EXPECT_TRUE(table.empty() || table.ends_with("\r\n")) << table.size() << " bytes";
+    const std::regex written("(LastSavePath=)[^\r]*|LastOpenFile0.=x*\r\n");  // by a process that was killed
+    EXPECT_EQ(std::regex_replace(home.read("quorvel.ini"), written, "$1"), busySettings());
     expectWholeRecords(home.read("users.qva"));
   }
 };
 using Limits = RealFaults;
+
+/// Kills a child process that does some work, and waits for all that it started. False when it had ended by itself.
+bool killDuring(const std::function<void()>& work, microseconds after) {
+  std::array<int, 2> alive{};  // a pipe that all of them hold open
+  EXPECT_EQ(::pipe(alive.data()), 0);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    work();
+    ::_exit(0);
+  }
+  // A signal sent to "process -1" reaches every process of the user.
+  if (child < 0) throw std::runtime_error("no process could be started");
+  ::close(alive[1]);
+  std::this_thread::sleep_for(after);
+  ::kill(child, SIGKILL);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  char nothing = 0;
+  EXPECT_EQ(::read(alive[0], &nothing, 1), 0);
+  ::close(alive[0]);
+  return WIFSIGNALED(status);
+}
 
 class Killed : public RealFaults {
  protected:
@@ -86,15 +113,24 @@ TEST_F(Killed, ARunKeepsWhatItWrote) {
 
 TEST_F(Killed, SettingsAreTheOldOrTheNewOnes) {
   Settings settings(systemFiles(), home.path());
-  killOften(30ms, [&settings](microseconds after) {
-    const pid_t child = ::fork();
-    for (std::size_t i = 0; child == 0; ++i) {
+  const auto writeMany = [&settings] {
+    for (std::size_t i = 0; i < 1000; ++i)
       settings.WriteSetting("Main", "LastOpenFile01", std::string(i % 70, 'x'));
-      if (i == 100'000) ::_exit(1);
-    }
-    std::this_thread::sleep_for(after);
-    return child > 0 && ::kill(child, SIGKILL) == 0 && ::waitpid(child, nullptr, 0) == child;
-  });
+  };
+  killOften(30ms, [&](microseconds after) { return killDuring(writeMany, after); });
+}
+
+TEST_F(Killed, AShortInfoTableKeepsWhatWasWritten) {
+  ProgramWorld(systemFiles(), home.path()).scan(home / "a.log");
+  const auto saveTable = [this] {
+    ProgramWorld child(systemFiles(), home.path());
+    child.window.useLog(home / "a.log", "a.log", LogType::ServU);
+    child.view.choose(work / "table.txt");
+    child.window.mnuSaveShortInfo_Click();
+  };
+  saveTable();
+  EXPECT_GT(work.read("table.txt").size(), home.read("users.qva").size());
+  killOften(50ms, [&](microseconds after) { return killDuring(saveTable, after); });
 }
 
 TEST_F(Limits, AFileSizeLimitIsAFailedWrite) {
@@ -108,6 +144,17 @@ TEST_F(Limits, AFileSizeLimitIsAFailedWrite) {
     expectWholeFiles();
   }
   EXPECT_EQ(run("quorvel a.log 100 210 out.txt").status, 0) << "without a limit it works";
+}
+
+TEST_F(Limits, AFullDiskIsToldAndKeepsWholeLines) {
+  if (::mount("none", work.path().c_str(), "tmpfs", 0, "size=64k") != 0) GTEST_SKIP() << "mounting is not allowed here";
+  work.write("out.txt", kOldResults);
+  const auto result = run("quorvel a.log 100 210 out.txt");
+  expectWholeFiles();
+  EXPECT_GT(work.read("out.txt").size(), 60'000u) << "what fits is kept";
+  ::umount2(work.path().c_str(), MNT_DETACH);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find("out.txt: Disk full."), std::string::npos) << result.err;
 }
 
 TEST_F(Limits, WithoutThreadsEverythingIsDoneOnOne) {

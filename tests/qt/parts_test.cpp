@@ -4,7 +4,9 @@
 #include <QtWidgets>
 #include <tuple>
 
+#include "tests/support/script.h"
 #include "ui/qt/file_dialogs.h"
+#include "ui/qt/menus.h"
 #include "ui/qt/plain_message.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/print_pages.h"
@@ -54,6 +56,26 @@ TEST(PlainTextBox, AppendingKeepsTheSelection) {
   const QString selected = box.textCursor().selectedText();
   box.appendBytes("more\r\n");
   EXPECT_EQ(box.textCursor().selectedText(), selected);
+}
+
+/// The items of a menu or of the menu bar, each with its keys, and below it what it opens.
+std::string itemsOf(const QWidget& menu, const std::string& indent = {}) {
+  std::string items;
+  for (const QAction* const action : menu.actions()) {
+    const std::string text = action->isSeparator() ? "-" : action->text().toStdString();
+    const std::string keys = action->shortcut().toString().toStdString();
+    items += indent + (action->isVisible() ? text : '(' + text + ')') + (keys.empty() ? "" : "  " + keys) + '\n';
+    if (action->menu() != nullptr) items += itemsOf(*action->menu(), indent + "  ");
+  }
+  return items;
+}
+
+TEST(Menus, FollowTheScript) {
+  QWidget window;
+  QMenuBar bar(&window);
+  const Menus menus(bar);
+  for (const Script& script : loadScripts(QUORVEL_QT_SCRIPTS))
+    play(script, [&](const std::string& line) { return line == "> bar" ? itemsOf(bar) : itemsOf(menus.treePopup()); });
 }
 
 TEST(WindowPlacement, AWindowIsBroughtBackWhenItCannotBeGrasped) {

@@ -78,7 +78,7 @@ void BlockWindow::prefetch(LogPosition position) const {
 #if defined(__GNUC__)
   constexpr std::ptrdiff_t kCacheLine = 64;
   const auto& block = m_blocks[static_cast<std::size_t>(position - 1) / m_blockSize % m_blocks.size()];
-  if (!block || position < block->first || position >= block->end()) return;
+  if (!block || !block->holds(position)) return;
   const char* const text = block->data() + (position - block->first);
   for (const std::ptrdiff_t offset : {-kCacheLine, std::ptrdiff_t{0}, kCacheLine})
     __builtin_prefetch(text + offset);

@@ -49,8 +49,7 @@ class BlockWindow {
  private:
   [[nodiscard]] std::string_view textElsewhere(LogPosition from, std::size_t count);
   [[nodiscard]] const LogBlock& blockAt(LogPosition position) {
-    return m_last != nullptr && position >= m_last->first && position < m_last->end() ? *m_last
-                                                                                      : otherBlockAt(position);
+    return m_last != nullptr && m_last->holds(position) ? *m_last : otherBlockAt(position);
   }
   [[nodiscard]] const LogBlock& otherBlockAt(LogPosition position);
   [[nodiscard]] bool isWorthABlock(std::size_t number);

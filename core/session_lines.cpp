@@ -214,8 +214,8 @@ class Pass {
   void cutShort() {
     constexpr double kMargin = 0.8;
     const LogPosition begin = startOf(start(m_head).position);
-    const double share =
-        static_cast<double>(m_stream.readTo() - begin) / static_cast<double>(m_log.length() - begin + 1);
+    const LogPosition whole = std::max<LogPosition>(1, m_log.length() - begin + 1);  // a damaged record may lie behind
+    const double share = static_cast<double>(m_stream.readTo() - begin) / static_cast<double>(whole);
     const auto active = static_cast<double>(m_activated - std::min(m_activated, m_head));
     m_fitting = 1 + static_cast<std::size_t>(kMargin * share * active);
     m_end = m_head + 1;

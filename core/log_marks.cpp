@@ -30,8 +30,9 @@ constexpr FailureText kFailureTexts[] = {
     {" 530", MarkKind::Other530},
 };
 
-/// Whether text stands at from, which has enough readable bytes. text is in lower case where it has letters.
+/// Whether text stands at from, which has enough readable bytes, in either case; usually in the same one.
 bool standsAt(const char* from, std::string_view text) {
+  if (std::memcmp(from, text.data(), text.size()) == 0) return true;
   for (const char c : text) {
     if (foldCase(*from++) != foldCase(c)) return false;
   }

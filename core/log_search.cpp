@@ -80,6 +80,7 @@ bool LogSearch::FindForward(LogPosition start) {
 }
 
 SessionEnd LogSearch::FindSessionEnd() {
+  if (isQuietAhead() && m_serverStarts.empty()) return {};
   while (true) {
     const MarkNumber mark = firstOf({bit(MarkKind::CloseDash)}, kAnywhere);
     const LogPosition close = mark != 0 ? m_marks.position(mark) - kBackToDash : 0;
@@ -89,7 +90,7 @@ SessionEnd LogSearch::FindSessionEnd() {
   }
 }
 
-LogPosition LogSearch::FindForwardLimited(Event event, LogPosition limit, LogPosition start) {
+LogPosition LogSearch::findEvent(Event event, LogPosition limit, LogPosition start) {
   const EventText& text = kEventTexts[static_cast<std::size_t>(event)];
   if (m_stream.isAtEnd() && !isAhead(text.kinds)) return 0;
   const LogPosition back = text.hasDash ? kBackToDash : kBackToNumber;
@@ -121,9 +122,10 @@ bool LogSearch::takeMarks(const LogBlock& block) {
     m_lastOfKind[static_cast<std::size_t>(mark.kind)] = mark.position;
     if (mark.kind == MarkKind::ServerStart) {
       m_serverStarts.push_back(mark.position);
-    } else {
-      m_marks.append(mark);
+      continue;
     }
+    m_marks.append(mark);
+    if (mark.kind != MarkKind::Connect && mark.kind != MarkKind::ConnectDash) m_lastEvent = mark.position;
   }
   m_wasStopped = m_options.keepGoing && !m_options.keepGoing(m_stream.readTo());
   return !m_wasStopped;

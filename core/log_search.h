@@ -74,7 +74,9 @@ class LogSearch {
   [[nodiscard]] LogPosition FindForwardLimited(Event event, LogPosition limit) {
     return FindForwardLimited(event, limit, m_session.position);
   }
-  [[nodiscard]] LogPosition FindForwardLimited(Event event, LogPosition limit, LogPosition start);
+  [[nodiscard]] LogPosition FindForwardLimited(Event event, LogPosition limit, LogPosition start) {
+    return isQuietAhead() && event != Event::DashConnect ? 0 : findEvent(event, limit, start);
+  }
   /// The same for the line "- ", number, " User ", name, " logged in".
   [[nodiscard]] LogPosition FindLogonLine(std::string_view name, LogPosition limit);
 
@@ -95,6 +97,9 @@ class LogSearch {
     std::uint64_t nameHash = 0;  ///< of a LoggedIn mark
     friend auto operator<=>(const Wanted&, const Wanted&) = default;
   };
+  [[nodiscard]] LogPosition findEvent(Event event, LogPosition limit, LogPosition start);
+  /// Whether the rest of the log is known to have connect marks and server starts only.
+  [[nodiscard]] bool isQuietAhead() const { return m_lastEvent <= m_session.position && m_stream.isAtEnd(); }
   [[nodiscard]] bool isAhead(unsigned kinds) const;
   /// The first wanted mark of the session at or before position furthest; 0 when there is none yet.
   [[nodiscard]] MarkNumber firstOf(const Wanted& wanted, LogPosition furthest);
@@ -109,6 +114,7 @@ class LogSearch {
   /// blocks still to be read, must not make the program walk it again.
   std::map<std::pair<SessionId, Wanted>, MarkNumber> m_passed;
   std::array<LogPosition, kMarkKinds> m_lastOfKind{};  ///< how far each kind of mark was seen
+  LogPosition m_lastEvent = 0;                         ///< the same for all kinds but connect marks
   std::deque<LogPosition> m_serverStarts;              ///< from the current session on
   ConnectMark m_session;                               ///< taken last
   bool m_wasStopped = false;

@@ -16,8 +16,7 @@ void LogStream::start(LogPosition position) {
   m_isAtEnd = false;
 }
 
-bool LogStream::readMore() {
-  if (m_isAtEnd) return false;
+bool LogStream::readBlock() {
   auto block = m_reader->next();
   if (!block) {
     if (!m_reader->status().isOk()) m_status = m_reader->status();

@@ -21,7 +21,7 @@ class LogStream {
   /// Reads from the block that holds position on, whatever was read before.
   void start(LogPosition position);
   /// Reads one more block; false at the end of the log, after a failure and after stop().
-  bool readMore();
+  bool readMore() { return !m_isAtEnd && readBlock(); }
   /// No more is read until the next start().
   void stop() { m_isAtEnd = true; }
   /// Whether readMore() would read nothing.
@@ -38,6 +38,8 @@ class LogStream {
   [[nodiscard]] const Status& status() const { return m_status.isOk() ? m_window.status() : m_status; }
 
  private:
+  bool readBlock();
+
   const LogFile& m_log;
   const BlockReader::Search m_search;
   const Take m_take;

@@ -28,8 +28,9 @@ constexpr std::uint16_t coveredBy(MarkKind kind) {
 }  // namespace
 
 MarkLists::MarkLists() {
-  m_chunks.push_back(std::make_unique<Chunk>());
-  m_chunks.back()->count = 1;  // number 0 stands for no mark
+  addChunk(0);
+  m_front = m_back;
+  m_front->count = 1;  // number 0 stands for no mark
 }
 
 MarkNumber MarkLists::append(const LogMark& mark) {
@@ -45,18 +46,22 @@ MarkNumber MarkLists::append(const LogMark& mark) {
 
 void MarkLists::dropBefore(MarkNumber number) {
   m_keptFrom = number;
+  if (number >> kChunkBits == m_firstChunk) return;
   for (; m_firstChunk < number >> kChunkBits; ++m_firstChunk)
     m_chunks.pop_front();
+  m_front = m_chunks.front().get();
 }
 
 MarkNumber MarkLists::connectAfter(MarkNumber number) const {
+  std::uint32_t index = (number >> kChunkBits) - m_firstChunk;
+  std::uint32_t at = indexOf(number) + roomOf(kind(number));
   while (true) {
-    number += number != 0 && hasDetail(kind(number)) ? 2u : 1u;
-    while ((number >> kChunkBits) - m_firstChunk < m_chunks.size() && indexOf(number) >= chunkOf(number).count) {
-      number = ((number >> kChunkBits) + 1) << kChunkBits;
+    const Chunk& chunk = index == 0 ? *m_front : *m_chunks[index];
+    for (; at < chunk.count; at += roomOf(kindOf(chunk.marks[at]))) {
+      if (isConnect(kindOf(chunk.marks[at]))) return ((m_firstChunk + index) << kChunkBits) + at;
     }
-    if ((number >> kChunkBits) - m_firstChunk >= m_chunks.size()) return 0;
-    if (isConnect(kind(number))) return number;
+    if (++index == m_chunks.size()) return 0;
+    at = 0;
   }
 }
 
@@ -76,19 +81,21 @@ bool MarkLists::isWanted(const Tail& tail, MarkKind kind) const {
 }
 
 MarkNumber MarkLists::add(const LogMark& mark) {
-  const std::uint32_t room = hasDetail(mark.kind) ? 2 : 1;
-  Chunk* chunk = m_chunks.back().get();
-  if (chunk->count + room > kChunkSize || mark.position - chunk->base > LogPosition{kLargestOffset}) {
-    m_chunks.push_back(std::make_unique<Chunk>());
-    chunk = m_chunks.back().get();
-    chunk->base = mark.position;
-  }
-  const std::uint32_t at = chunk->count;
-  const auto offset = static_cast<std::uint32_t>(mark.position - chunk->base);
-  chunk->marks[at] = {(offset << kKindBits) | static_cast<std::uint32_t>(mark.kind), 0};
-  if (room > 1) chunk->marks[at + 1] = std::bit_cast<Mark>(mark.detail);
-  chunk->count += room;
+  const std::uint32_t room = roomOf(mark.kind);
+  if (m_back->count + room > kChunkSize || mark.position - m_back->base > LogPosition{kLargestOffset})
+    addChunk(mark.position);
+  const std::uint32_t at = m_back->count;
+  const auto offset = static_cast<std::uint32_t>(mark.position - m_back->base);
+  m_back->marks[at] = {(offset << kKindBits) | static_cast<std::uint32_t>(mark.kind), 0};
+  if (room > 1) m_back->marks[at + 1] = std::bit_cast<Mark>(mark.detail);
+  m_back->count += room;
   return ((m_firstChunk + static_cast<std::uint32_t>(m_chunks.size()) - 1) << kChunkBits) + at;
+}
+
+void MarkLists::addChunk(LogPosition base) {
+  m_chunks.push_back(std::make_unique<Chunk>());
+  m_back = m_chunks.back().get();
+  m_back->base = base;
 }
 
 void MarkLists::purgeOddTails() {

@@ -31,7 +31,7 @@ class MarkLists {
 
   /// Number of marks kept; one with a detail counts twice.
   [[nodiscard]] std::size_t size() const {
-    return (m_chunks.size() - 1) * kChunkSize + m_chunks.back()->count - indexOf(m_keptFrom);
+    return (m_chunks.size() - 1) * kChunkSize + m_back->count - indexOf(m_keptFrom);
   }
 
   /// The first connect mark behind number; 0 when there is none yet.
@@ -43,9 +43,7 @@ class MarkLists {
     const Chunk& chunk = chunkOf(number);
     return chunk.base + (chunk.marks[indexOf(number)].offsetAndKind >> kKindBits);
   }
-  [[nodiscard]] MarkKind kind(MarkNumber number) const {
-    return static_cast<MarkKind>(mark(number).offsetAndKind & ((1u << kKindBits) - 1));
-  }
+  [[nodiscard]] MarkKind kind(MarkNumber number) const { return kindOf(mark(number)); }
   /// Of a mark whose kind has one.
   [[nodiscard]] std::uint64_t detail(MarkNumber number) const { return std::bit_cast<std::uint64_t>(mark(number + 1)); }
 
@@ -73,28 +71,38 @@ class MarkLists {
     MarkNumber last = 0;          ///< its last mark
     std::uint16_t kindsSeen = 0;  ///< one bit for each kind behind its last connect mark
   };
-  static constexpr std::size_t kTailsPerPage = 1000;
+  static constexpr std::size_t kTailsPerPage = 1024;
+  static constexpr std::size_t kTailPages = (kDigitIds + kTailsPerPage - 1) / kTailsPerPage;
   using TailPage = std::array<Tail, kTailsPerPage>;
 
+  [[nodiscard]] static MarkKind kindOf(const Mark& mark) {
+    return static_cast<MarkKind>(mark.offsetAndKind & ((1u << kKindBits) - 1));
+  }
+  /// The places a mark takes.
+  [[nodiscard]] static std::uint32_t roomOf(MarkKind kind) { return hasDetail(kind) ? 2 : 1; }
   [[nodiscard]] static bool isConnect(MarkKind kind) {
     return kind == MarkKind::Connect || kind == MarkKind::ConnectDash;
   }
   [[nodiscard]] Tail& tailOf(SessionId id);
   [[nodiscard]] bool isWanted(const Tail& tail, MarkKind kind) const;
   [[nodiscard]] MarkNumber add(const LogMark& mark);
+  void addChunk(LogPosition base);
   void purgeOddTails();
 
   [[nodiscard]] static std::uint32_t indexOf(MarkNumber number) { return number & (kChunkSize - 1); }
-  [[nodiscard]] const Chunk& chunkOf(MarkNumber number) const {
-    return *m_chunks[(number >> kChunkBits) - m_firstChunk];
+  /// The first chunk is the one most asked for.
+  [[nodiscard]] Chunk& chunkOf(MarkNumber number) const {
+    const std::uint32_t index = (number >> kChunkBits) - m_firstChunk;
+    return index == 0 ? *m_front : *m_chunks[index];
   }
-  [[nodiscard]] Chunk& chunkOf(MarkNumber number) { return *m_chunks[(number >> kChunkBits) - m_firstChunk]; }
   [[nodiscard]] const Mark& mark(MarkNumber number) const { return chunkOf(number).marks[indexOf(number)]; }
 
   std::deque<std::unique_ptr<Chunk>> m_chunks;
-  std::uint32_t m_firstChunk = 0;  ///< number of m_chunks.front()
+  Chunk* m_front = nullptr;        ///< m_chunks.front()
+  Chunk* m_back = nullptr;         ///< m_chunks.back()
+  std::uint32_t m_firstChunk = 0;  ///< its number
   MarkNumber m_keptFrom = 1;
-  std::array<std::unique_ptr<TailPage>, kDigitIds / kTailsPerPage> m_pages;
+  std::array<std::unique_ptr<TailPage>, kTailPages> m_pages;
   std::unordered_map<SessionId, Tail> m_oddTails;
   std::size_t m_purgeAt = 4096;
 };

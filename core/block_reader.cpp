@@ -9,6 +9,8 @@ namespace quorvel {
 namespace {
 
 constexpr std::size_t kMostReady = 8;
+/// Once all are ready the reading thread sleeps until so few are left: waking it costs as much as reading a block.
+constexpr std::size_t kFewReady = kMostReady / 2;
 
 }  // namespace
 
@@ -64,8 +66,9 @@ std::unique_ptr<LogBlock> BlockReader::next() {
     m_changed.wait(lock, [this] { return !m_ready.empty(); });
     item = std::move(m_ready.front());
     m_ready.erase(m_ready.begin());
+    const bool isFew = m_ready.size() == kFewReady;
     lock.unlock();
-    m_changed.notify_all();
+    if (isFew) m_changed.notify_all();
   } else {
     item = readNext();
   }
@@ -111,7 +114,8 @@ void BlockReader::readAhead() {
     Item item = readNext();
     const bool isLast = item.block == nullptr;
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_isStopping || m_ready.size() < kMostReady; });
+    if (m_ready.size() == kMostReady)
+      m_changed.wait(lock, [this] { return m_isStopping || m_ready.size() <= kFewReady; });
     if (m_isStopping) return;
     m_ready.push_back(std::move(item));
     lock.unlock();

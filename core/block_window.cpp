@@ -13,6 +13,9 @@ constexpr std::size_t kPieceSize = 1024;
 /// Reading so many pieces costs half as much as reading the block.
 constexpr int kPiecesWorthABlock = 16;
 
+/// So many blocks after each other, and the next ones will be asked for as well.
+constexpr int kBlocksWorthAThread = 8;
+
 }  // namespace
 
 BlockWindow::BlockWindow(const LogFile& log, std::size_t blockSize)
@@ -92,8 +95,14 @@ const LogBlock& BlockWindow::otherBlockAt(LogPosition position) {
   auto& block = m_blocks[number % m_blocks.size()];
   if (!block || !block->holds(position)) {
     if (!isWorthABlock(number)) return *(m_last = &pieceAt(position));
+    m_blocksInARow = number == m_nextBlock ? m_blocksInARow + 1 : 0;
     if (!block) block = std::make_unique<LogBlock>();
-    readAgain(static_cast<LogPosition>(number * m_blockSize) + 1, m_blockSize, *block);
+    if (m_blocksInARow > kBlocksWorthAThread) {
+      readAgainAhead(number, block);
+    } else {
+      m_ahead.reset();
+      readAgain(static_cast<LogPosition>(number * m_blockSize) + 1, m_blockSize, *block);
+    }
     m_nextBlock = number + 1;
   }
   return *(m_last = block.get());
@@ -113,6 +122,15 @@ const LogBlock& BlockWindow::pieceAt(LogPosition position) {
   const auto before = static_cast<LogPosition>(static_cast<std::size_t>(position - 1) % size);
   readAgain(position - before, size, m_piece);
   return m_piece;
+}
+
+/// On a second thread, as long as one block follows the other.
+void BlockWindow::readAgainAhead(std::size_t number, std::unique_ptr<LogBlock>& block) {
+  const auto first = static_cast<LogPosition>(number * m_blockSize) + 1;
+  if (!m_ahead) m_ahead = std::make_unique<BlockReader>(m_log, first, m_blockSize, [](LogBlock&) {});
+  auto next = m_ahead->next();
+  if (!next) return readAgain(first, m_blockSize, *block);  // which says what is wrong
+  m_ahead->recycle(std::exchange(block, std::move(next)));
 }
 
 void BlockWindow::readAgain(LogPosition first, std::size_t size, LogBlock& block) {

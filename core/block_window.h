@@ -55,12 +55,15 @@ class BlockWindow {
   [[nodiscard]] bool isWorthABlock(std::size_t number);
   [[nodiscard]] const LogBlock& pieceAt(LogPosition position);
   void readAgain(LogPosition first, std::size_t size, LogBlock& block);
+  void readAgainAhead(std::size_t number, std::unique_ptr<LogBlock>& block);
 
   const LogFile& m_log;
   const std::size_t m_blockSize;
   std::vector<std::unique_ptr<LogBlock>> m_blocks;  ///< block n in slot n modulo the size
   const LogBlock* m_last = nullptr;                 ///< the block or piece looked at last
   std::size_t m_nextBlock = 0;                      ///< behind the whole block that was read again last
+  int m_blocksInARow = 0;                           ///< that were read again
+  std::unique_ptr<BlockReader> m_ahead;             ///< reads the blocks from m_nextBlock on; null most of the time
   LogBlock m_piece;                                 ///< the part of a block that was read again last
   LogBlock m_earlierPiece;
   std::size_t m_pieceBlock = 0;  ///< the block of which parts are read

@@ -45,10 +45,10 @@ class ScanRecorder final : public FindObserver {
                    errorLog.recordNotSaved(context.state.logPath, usersFile, record, recordNumber, error);
                  }) {}
 
-  void onSession(const UserAct& record) override {
-    m_writer.WriteSessionRecord(record, record.LogonNo);
-    m_logons = record.LogonNo;
-    m_lastSession = record.Position;
+  void onSession(const FoundSession& session) override {
+    m_writer.WriteSessionRecord(session.record, session.LogonNo);
+    m_logons = session.LogonNo;
+    m_lastSession = session.position;
     m_foundSinceRead = true;
   }
 

@@ -100,7 +100,7 @@ BENCHMARK(scanPortably)->Unit(benchmark::kMillisecond);
 
 struct CountingObserver : FindObserver {
   int sessions = 0;
-  void onSession(const UserAct&) override { ++sessions; }
+  void onSession(const FoundSession&) override { ++sessions; }
   bool keepGoing(LogPosition) override { return true; }
 };
 

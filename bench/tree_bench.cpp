@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <string>
 
+#include "core/record_format.h"
 #include "core/users_file.h"
 #include "tree/add_to_tree_view.h"
 
@@ -45,7 +46,7 @@ void writeUsersFile() {
   (void)systemFiles().remove(usersFilePath());
   UsersFileWriter writer(systemFiles(), usersFilePath(), [](const UserAct&, std::int32_t, const Error&) {});
   for (std::int32_t number = 1; number <= kSessions; ++number)
-    writer.WriteSessionRecord(session(number), number);
+    writer.WriteSessionRecord(encodeRecord(session(number)), number);
 }
 
 std::size_t bytesAllocated() {

@@ -1,6 +1,5 @@
 #include "core/packed_sessions.h"
 
-#include <span>
 #include <string_view>
 
 #include "core/record_format.h"
@@ -13,10 +12,8 @@ PackedSessions::PackedSessions(std::size_t expected) {
 }
 
 void PackedSessions::add(const UserAct& session) {
-  const std::size_t offset = m_records.size();
-  m_records.resize(offset + recordSize(session));
-  (void)encodeRecord(session, std::span(m_records).subspan(offset));
-  m_offsets.push_back(offset);
+  m_offsets.push_back(m_records.size());
+  m_records.append(encodeRecord(session));
 }
 
 void PackedSessions::clear() {

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstring>
 
 namespace quorvel {
 namespace {
@@ -11,26 +10,7 @@ constexpr std::array kTexts = {&UserAct::Name,        &UserAct::NumberInLog, &Us
                                &UserAct::ConnectTime, &UserAct::LogonTime,   &UserAct::LogoffTime};
 static_assert(kRecordOverhead == 3 * sizeof(std::int32_t) + kTexts.size() * sizeof(std::uint16_t));
 
-/// Writes little-endian numbers and texts one behind the other.
-class Encoder {
- public:
-  explicit Encoder(char* to) : m_to(to) {}
-
-  void number(std::uint32_t value, int bytes) {
-    for (int i = 0; i < bytes; ++i)
-      *m_to++ = static_cast<char>((value >> (8 * i)) & 0xFF);
-  }
-  void text(std::string_view value) {
-    number(static_cast<std::uint32_t>(value.size()), 2);
-    std::memcpy(m_to, value.data(), value.size());
-    m_to += value.size();
-  }
-
- private:
-  char* m_to;
-};
-
-/// The counterpart of Encoder; once a read would pass the end, it and all later ones fail.
+/// Reads numbers and texts one behind the other; once a read would pass the end, it and all later ones fail.
 class Decoder {
  public:
   explicit Decoder(std::string_view from) : m_from(from) {}
@@ -75,24 +55,19 @@ Decoder decoderAtTreeIndex(std::string_view slot) {
 
 }  // namespace
 
-std::size_t recordSize(const UserAct& record) {
+std::string encodeRecord(const UserAct& record) {
   std::size_t size = kRecordOverhead;
   for (const auto text : kTexts)
     size += (record.*text).size();
-  return size;
-}
+  std::string bytes(size, '\0');
 
-std::size_t encodeRecord(const UserAct& record, std::span<char> slot) {
-  const std::size_t size = recordSize(record);
-  if (size > slot.size()) return 0;
-
-  Encoder encoder(slot.data());
-  encoder.number(static_cast<std::uint32_t>(record.Position), 4);
+  RecordEncoder encoder(bytes.data());
+  encoder.number(record.Position);
   for (const auto text : kTexts)
     encoder.text(record.*text);
-  encoder.number(static_cast<std::uint32_t>(record.LogonNo), 4);
-  encoder.number(static_cast<std::uint32_t>(record.TreeIndex), 4);
-  return size;
+  encoder.number(record.LogonNo);
+  encoder.number(record.TreeIndex);
+  return bytes;
 }
 
 bool decodeRecord(std::string_view slot, UserAct& record) {
@@ -122,7 +97,7 @@ std::optional<std::int32_t> decodeTreeIndex(std::string_view slot) {
 bool encodeTreeIndex(std::int32_t treeIndex, std::span<char> slot) {
   const std::size_t bytesLeft = decoderAtTreeIndex({slot.data(), slot.size()}).bytesLeft();
   if (bytesLeft < 4) return false;
-  Encoder(slot.last(bytesLeft).data()).number(static_cast<std::uint32_t>(treeIndex), 4);
+  RecordEncoder(slot.last(bytesLeft).data()).number(treeIndex);
   return true;
 }
 

@@ -6,6 +6,8 @@
 #include <string_view>
 
 #include "core/log_search.h"
+#include "core/record_format.h"
+#include "core/user_act.h"
 
 namespace quorvel {
 namespace {
@@ -18,6 +20,8 @@ constexpr LogPosition kCloseReach = 100;       ///< how much further than the ot
 constexpr LogPosition kNextSession = 60;       ///< from one ")" to where the search for the next connect line starts
 constexpr std::size_t kTrunkedName = 12;
 constexpr LogPosition kLongestText = 32767;  ///< of a name or address; a record holds far less
+constexpr std::size_t kLongestRecord = kRecordOverhead + 2 * kLongestText + 128;  ///< stamps and words are short
+constexpr LogPosition kUsualText = 32;  ///< nearly all names and addresses are shorter
 
 /// Makes one record after the other. The steps of a session stand in the order in which they are decided.
 class Finder {
@@ -29,10 +33,10 @@ class Finder {
     LogPosition position = 1;
     while (position < m_log.length() && m_search.FindForward(position)) {
       if (m_session.position > std::numeric_limits<std::int32_t>::max()) return FindEnd::Overflow;
-      fillRecord();
+      const FoundSession found = makeRecord();
       if (!m_search.status().isOk()) return m_search.status().error();
       if (m_search.wasStopped()) return FindEnd::Stopped;
-      m_observer.onSession(m_record);
+      m_observer.onSession(found);
       position = m_session.position + kNextSession;
       if (!m_observer.keepGoing(m_session.position)) return FindEnd::Stopped;
     }
@@ -46,60 +50,58 @@ class Finder {
             [&observer](LogPosition readTo) { return observer.keepGoing(readTo); }};
   }
 
-  void fillRecord() {
+  /// Decides first, then reads: texts cannot be kept while the log is searched.
+  FoundSession makeRecord() {
     const LogPosition position = m_session.position;
-    m_record.Position = static_cast<std::int32_t>(position);
-    m_record.ConnectTime = text(position - kConnectStampBack, kStampLength);
-    m_record.NumberInLog = text(position - (kSessionNumberLength - 1), kSessionNumberLength);
-    readUpTo(' ', position + kIpForward, kLongestText, m_record.IP);
-    findLogoff();
-    findLogon(findName());
-    ++m_record.LogonNo;
-  }
-
-  void findLogoff() {
     m_end = m_search.FindSessionEnd();
-    const LogPosition stamp = m_end.position - kStampBack;
-    if (!m_end.isServerStart && stamp <= 0) {
-      m_record.LogoffTime = kNotLoggedOut;
-    } else if (m_end.isServerStart && stamp >= 0) {
-      m_record.LogoffTime = kServerRestart;
-    } else {
-      m_record.LogoffTime = text(stamp, kStampLength);
-    }
+    const std::string_view name = findName();
+    const Logon logon = findLogon(name);
+    ++m_logonNo;
+
+    RecordEncoder record(m_record.data());
+    record.number(static_cast<std::int32_t>(position));
+    record.text(name);
+    record.text(text(position - (kSessionNumberLength - 1), kSessionNumberLength));
+    record.text(readUpTo(' ', position + kIpForward, kLongestText));
+    record.text(text(position - kConnectStampBack, kStampLength));
+    record.text(logon.position != 0 ? stampOf(logon.position) : std::string_view(), logon.word);
+    record.text(logoffTime());
+    record.number(m_logonNo);
+    record.number(0);
+    return {m_logonNo, position, {m_record.data(), record.end()}};
   }
 
-  /// Returns what is now the record's name.
+  std::string_view logoffTime() {
+    const LogPosition stamp = m_end.position - kStampBack;
+    if (!m_end.isServerStart && stamp <= 0) return kNotLoggedOut;
+    if (m_end.isServerStart && stamp >= 0) return kServerRestart;
+    return text(stamp, kStampLength);
+  }
+
+  /// The name, or the word that stands for it.
   std::string_view findName() {
     const LogPosition user = find(Event::User);
     const LogPosition quit = find(Event::Quit);
-    std::string_view word;
-    if (user == 0 && quit == 0) word = kNoUserFound;
-    if (quit > 0 && (quit < user || m_end.position < user)) word = kQuit;
-    if (user == 0 && (quit > 0 || m_end.position >= 1)) word = kQuit;
-    if (!word.empty()) {
-      m_record.Name = word;
-      return word;
-    }
+    if (user == 0 && (quit > 0 || m_end.position >= 1)) return kQuit;
+    if (quit > 0 && (quit < user || m_end.position < user)) return kQuit;
+    if (user == 0 && quit == 0) return kNoUserFound;
     const LogPosition longest = m_options.trunkLongUsernames ? LogPosition{kTrunkedName} : kLongestText;
-    readUpTo(m_log.lineEnd(), user + kNameForward, longest, m_record.Name);
-    return m_record.Name;
+    m_name = readUpTo(m_log.lineEnd(), user + kNameForward, longest);
+    return m_name;
   }
 
-  void findLogon(std::string_view name) {
-    const LogPosition logon = findLogonLine(name);
-    if (logon > 0) {
-      m_record.LogonTime = text(logon - kStampBack, kStampLength);
-      return;
-    }
-    const char* word = kNotLoggedIn;
-    LogPosition decided = findFailure(word);
+  struct Logon {
+    LogPosition position = 0;    ///< of the line that decided it; 0: none did
+    std::string_view word = {};  ///< what is said behind its time
+  };
+
+  Logon findLogon(std::string_view name) {
+    if (const LogPosition logon = findLogonLine(name); logon > 0) return {logon};
+    Logon failed = findFailure();
     const LogPosition close = m_search.FindForwardLimited(Event::Close, m_end.position + kCloseReach);
     const LogPosition quit = find(Event::Quit);
-    if (decided == 0 && (close > 0 || quit > 0)) decided = (close > 0 ? close : quit) - 2;
-    m_record.LogonTime.clear();
-    if (decided != 0) m_record.LogonTime = text(decided - kStampBack, kStampLength);
-    m_record.LogonTime += word;
+    if (failed.position == 0 && (close > 0 || quit > 0)) failed.position = (close > 0 ? close : quit) - 2;
+    return failed;
   }
 
   LogPosition findLogonLine(std::string_view name) {
@@ -115,11 +117,11 @@ class Finder {
     return m_search.FindForwardLimited(Event::DashConnect, m_end.position, m_session.position - kStampLength);
   }
 
-  /// The line that refused the logon, and the status word it stands for.
-  LogPosition findFailure(const char*& word) {
+  /// The line that refused the logon.
+  Logon findFailure() {
     struct Failure {
       Event event;
-      const char* word;
+      std::string_view word;
     };
     static constexpr Failure kFailures[] = {
         {Event::DashPasswordIncorrect, kBadPassword},
@@ -129,12 +131,9 @@ class Finder {
         {Event::Dash530, kNotLoggedIn},
     };
     for (const Failure& failure : kFailures) {
-      if (const LogPosition hit = find(failure.event); hit > 0) {
-        word = failure.word;
-        return hit;
-      }
+      if (const LogPosition hit = find(failure.event); hit > 0) return {hit, failure.word};
     }
-    return 0;
+    return {0, kNotLoggedIn};
   }
 
   LogPosition find(Event event) { return m_search.FindForwardLimited(event, m_end.position); }
@@ -142,13 +141,16 @@ class Finder {
   std::string_view text(LogPosition from, int count) {
     return m_search.window().text(from, static_cast<std::size_t>(count));
   }
+  std::string_view stampOf(LogPosition dash) { return text(dash - kStampBack, kStampLength); }
 
-  /// Reads the text at from up to the first byte end, at most longest bytes or to the log's end.
-  void readUpTo(char end, LogPosition from, LogPosition longest, std::string& text) {
+  /// The text at from up to the first byte end, at most longest bytes or to the log's end.
+  std::string_view readUpTo(char end, LogPosition from, LogPosition longest) {
     BlockWindow& window = m_search.window();
-    const LogPosition furthest = std::min(from + longest, m_log.length() + 1);
-    const LogPosition found = window.find(end, from, std::max(from, furthest));
-    text = window.text(from, static_cast<std::size_t>(found - from));
+    const LogPosition furthest = std::max(from, std::min(from + longest, m_log.length() + 1));
+    const std::string_view usual = window.text(from, static_cast<std::size_t>(std::min(furthest - from, kUsualText)));
+    const auto length = usual.find(end);
+    if (length != std::string_view::npos) return usual.substr(0, length);
+    return window.text(from, static_cast<std::size_t>(window.find(end, from, furthest) - from));
   }
 
   const LogFile& m_log;
@@ -157,7 +159,9 @@ class Finder {
   LogSearch m_search;
   const ConnectMark& m_session = m_search.session();
   SessionEnd m_end;
-  UserAct m_record;
+  std::string m_name;
+  std::string m_record = std::string(kLongestRecord, ' ');
+  std::int32_t m_logonNo = 0;
 };
 
 }  // namespace

@@ -3,11 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
+#include <string_view>
 
 #include "core/log_file.h"
 #include "core/result.h"
-#include "core/user_act.h"
 
 namespace quorvel {
 
@@ -18,12 +17,18 @@ struct FindOptions {
   std::size_t blockSize = 256 * 1024;
 };
 
+/// A session as the finder hands it out.
+struct FoundSession {
+  std::int32_t LogonNo = 0;  ///< counts from 1
+  LogPosition position = 0;  ///< of the ")" behind the session number
+  std::string_view record;   ///< its UserAct, as encodeRecord() makes it; valid until the next session
+};
+
 /// What the finder tells while it scans.
 class FindObserver {
  public:
   virtual ~FindObserver() = default;
-  /// A session was found. record.LogonNo counts from 1.
-  virtual void onSession(const UserAct& record) = 0;
+  virtual void onSession(const FoundSession& session) = 0;
   /// Called after each session, and at least once per few 100 KB of log read. Returns false to stop the scan at once.
   virtual bool keepGoing(LogPosition position) = 0;
 };

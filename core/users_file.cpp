@@ -11,7 +11,7 @@
 namespace quorvel {
 namespace {
 
-constexpr std::size_t kBatchSize = 2048 * kRecordSize;
+constexpr std::size_t kBatchSize = 4096 * kRecordSize;
 constexpr std::int32_t kSlotsPerBlock = 512;
 /// The Position of a slot without a record, which none has.
 constexpr std::string_view kEmptySlotStart{"\0\0\0\0", 4};
@@ -32,13 +32,12 @@ UsersFileWriter::~UsersFileWriter() {
   asMemoryAllows([this] { flush(); });
 }
 
-void UsersFileWriter::WriteSessionRecord(const UserAct& record, std::int32_t recordNumber) {
-  const std::size_t before = m_batch.size();
-  const std::size_t at = static_cast<std::size_t>(recordNumber - m_firstInBatch) * kRecordSize;
-  m_batch.resize(at + kRecordSize);
-  const std::size_t size = encodeRecord(record, std::span(m_batch).subspan(at));
-  m_batch.resize(size != 0 ? at + size : before);
-  if (size == 0) return m_onFailure(record, recordNumber, {ErrorCode::BadRecordLength, {}});
+void UsersFileWriter::WriteSessionRecord(std::string_view record, std::int32_t recordNumber) {
+  if (record.size() > kRecordSize) {
+    return m_onFailure(decodeRecord(record).value_or(UserAct()), recordNumber, {ErrorCode::BadRecordLength, {}});
+  }
+  m_batch.resize(static_cast<std::size_t>(recordNumber - m_firstInBatch) * kRecordSize);
+  m_batch.append(record);
   if (m_batch.size() < kBatchSize) return;
   m_firstInBatch = recordNumber + 1;
   m_writer.append(m_batch);

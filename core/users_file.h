@@ -29,9 +29,9 @@ class UsersFileWriter {
   UsersFileWriter& operator=(const UsersFileWriter&) = delete;
   ~UsersFileWriter();
 
-  /// Puts the record into slot recordNumber (from 1, ascending). A record that needs more than 128 bytes is reported
-  /// as BadRecordLength and not written; its number stays used up.
-  void WriteSessionRecord(const UserAct& record, std::int32_t recordNumber);
+  /// Puts a record, as encodeRecord() makes it, into slot recordNumber (from 1, ascending). A record that needs more
+  /// than 128 bytes is reported as BadRecordLength and not written; its number stays used up.
+  void WriteSessionRecord(std::string_view record, std::int32_t recordNumber);
   /// Throws std::bad_alloc when memory ran out on the thread that writes: records are lost then.
   void flush();
 

@@ -4,6 +4,7 @@
 
 #include "core/byte_scan.h"
 #include "core/byte_scan_variants.h"
+#include "core/record_format.h"
 #include "core/servu_find_user_info.h"
 #include "counter/transfer_counter.h"
 #include "tests/fuzz/fuzz_input.h"
@@ -31,7 +32,11 @@ void requireSame(const std::string& what, const std::vector<T>& found, const std
 
 std::vector<UserAct> findSessions(const LogFile& log, const FindOptions& options) {
   struct Records final : FindObserver {
-    void onSession(const UserAct& record) override { all.push_back(record); }
+    void onSession(const FoundSession& session) override {
+      all.push_back(decodeRecord(session.record).value());
+      require(all.back().LogonNo == session.LogonNo && all.back().Position == session.position,
+              "a session is told as its record has it");
+    }
     bool keepGoing(LogPosition) override { return true; }
     std::vector<UserAct> all;
   } records;

@@ -17,7 +17,7 @@ constexpr int kNominalRecordLength = 36;  // six texts counted as 4 bytes each, 
 constexpr std::size_t kLongestValue = 4096;
 constexpr std::size_t kEmptyLinesBehindBlock = 4;
 
-constexpr std::size_t kBatchSize = 256 * 1024;
+constexpr std::size_t kBatchSize = 1024 * 1024;
 
 }  // namespace
 

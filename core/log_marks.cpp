@@ -126,7 +126,8 @@ class MarkWriter {
 /// Writes the session numbers of one block, each with the extent of its line.
 class LineWriter {
  public:
-  LineWriter(LogBlock& block, const SessionIdSet& wanted) : m_block(block), m_wanted(wanted) {
+  LineWriter(LogBlock& block, const SessionIdSet& wanted, LastPlaces* places)
+      : m_block(block), m_wanted(wanted), m_places(places) {
     if (block.first == 1 || block.data()[-1] == '\n') m_lineBegin = block.data();
   }
 
@@ -135,10 +136,8 @@ class LineWriter {
       endLine(at);
     } else if (*at == '-') {
       if (isServerStart(at)) addMark(m_block, at, MarkKind::ServerStart, 0);
-    } else if (const SessionId id = sessionIdAt(at); m_wanted.contains(id)) {
-      addMark(m_block, at, MarkKind::Line, id);
-      m_numbers.push_back({at, m_block.findings.size()});
-      m_block.findings.push_back(std::bit_cast<std::uint64_t>(LineExtent{}));
+    } else {
+      examineNumber(at, sessionIdAt(at));
     }
   }
 
@@ -147,6 +146,14 @@ class LineWriter {
     const char* at;
     std::size_t detail;  ///< index in the findings
   };
+
+  void examineNumber(const char* at, SessionId id) {
+    if (m_places != nullptr) m_places->note(id, m_block);
+    if (!m_wanted.contains(id)) return;
+    addMark(m_block, at, MarkKind::Line, id);
+    m_numbers.push_back({at, m_block.findings.size()});
+    m_block.findings.push_back(std::bit_cast<std::uint64_t>(LineExtent{}));
+  }
 
   void endLine(const char* lineEnd) {
     for (const Number& number : m_numbers) {
@@ -160,6 +167,7 @@ class LineWriter {
 
   LogBlock& m_block;
   const SessionIdSet& m_wanted;
+  LastPlaces* const m_places;
   const char* m_lineBegin = nullptr;  ///< null while the line started before the block
   std::vector<Number> m_numbers;      ///< of the line looked at
 };
@@ -219,9 +227,22 @@ void SessionIdSet::insert(SessionId id) {
   }
 }
 
-void findSessionNumbers(LogBlock& block, const SessionIdSet& wanted) {
+void LastPlaces::note(SessionId id, const LogBlock& block) {
+  if (id >= kDigitIds) return;
+  auto& page = m_pages[static_cast<std::size_t>(id) / kNumbersPerPage];
+  if (!page) page = std::make_unique<Page>();
+  (*page)[static_cast<std::size_t>(id) % kNumbersPerPage] = static_cast<std::uint32_t>(block.end() / kUnit);
+}
+
+std::optional<LogPosition> LastPlaces::of(SessionId id) const {
+  if (id >= kDigitIds) return std::nullopt;
+  const auto& page = m_pages[static_cast<std::size_t>(id) / kNumbersPerPage];
+  return page ? (LogPosition{(*page)[static_cast<std::size_t>(id) % kNumbersPerPage]} + 1) * kUnit : 0;
+}
+
+void findSessionNumbers(LogBlock& block, const SessionIdSet& wanted, LastPlaces* places) {
   scanBytes(ScanFor::SessionLines, block.data(), block.count, block.offsets);
-  LineWriter writer(block, wanted);
+  LineWriter writer(block, wanted, places);
   for (const std::uint32_t offset : block.offsets)
     writer.examine(block.data() + offset);
 }

@@ -1,8 +1,11 @@
 // The marks of a log that a session record is made from: recognising them, and passing them on in a compact form.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
@@ -82,9 +85,24 @@ class SessionIdSet {
   std::unordered_set<SessionId> m_oddIds;
 };
 
+/// Where each session number in digits stands last, as far as a reading of the log has come.
+class LastPlaces {
+ public:
+  void note(SessionId id, const LogBlock& block);
+  /// A position that the number does not stand behind; empty for a number that is not in digits.
+  [[nodiscard]] std::optional<LogPosition> of(SessionId id) const;
+
+ private:
+  static constexpr std::size_t kNumbersPerPage = 1024;
+  static constexpr LogPosition kUnit = 64;  ///< makes room for positions in four bytes
+  using Page = std::array<std::uint32_t, kNumbersPerPage>;
+
+  std::array<std::unique_ptr<Page>, (kDigitIds + kNumbersPerPage - 1) / kNumbersPerPage> m_pages;
+};
+
 /// Finds every place where one of these session numbers stands, and every server start, and leaves it in
-/// block.findings.
-void findSessionNumbers(LogBlock& block, const SessionIdSet& wanted);
+/// block.findings. Notes the places of all numbers in places, unless it is null.
+void findSessionNumbers(LogBlock& block, const SessionIdSet& wanted, LastPlaces* places = nullptr);
 
 /// Takes the next mark off the findings of a block, from index on, which moves behind it.
 [[nodiscard]] LogMark takeMark(const std::vector<std::uint64_t>& findings, std::size_t& index);

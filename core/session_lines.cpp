@@ -39,19 +39,29 @@ SessionId idOf(const UserAct& session) {
   return isUsable ? sessionIdAt(&number.back()) : kNowhere;
 }
 
+/// What a reading to the log's end has shown, so that later passes need not read that far for sessions without an end.
+struct WholeReading {
+  LastPlaces places;
+  LogPosition lastServerStart = 0;
+  LogPosition from = kNever;  ///< where the reading began; kNever while none came to the end
+};
+
 /// One pass over the log for sessions in ascending order of Position. It may end before the last of them.
 class Pass {
  public:
   Pass(const LogFile& log, const LineReading& reading, PackedSessions& sessions, std::size_t first, std::size_t end,
-       SessionLineConsumer& consumer)
+       WholeReading& whole, SessionLineConsumer& consumer)
       : m_log(log),
         m_mostMarks(reading.mostMarks),
         m_sessions(sessions),
+        m_whole(whole),
+        m_isNoting(whole.from == kNever),
         m_consumer(consumer),
         m_first(first),
         m_end(end),
         m_stream(
-            log, reading.blockSize, [this](LogBlock& block) { findSessionNumbers(block, m_wanted); },
+            log, reading.blockSize,
+            [this](LogBlock& block) { findSessionNumbers(block, m_wanted, m_isNoting ? &m_whole.places : nullptr); },
             [this](const LogBlock& block) { return takeMarks(block); }) {
     m_starts.reserve(end - first);
     for (std::size_t index = first; index < end; ++index) {
@@ -91,6 +101,7 @@ class Pass {
     MarkNumber passed;        ///< the last place of the session number passed, or the session's start
     std::size_t serverStart;  ///< index of the first server start not passed
     LogPosition deliveredTo;  ///< lines in front of this position are done
+    LogPosition last;         ///< nothing of the session lies behind; kNever: not known
   };
   /// Where the lines of a session start.
   struct Start {
@@ -111,7 +122,7 @@ class Pass {
     while (m_activated <= m_head && readMore()) {
     }
     if (m_activated <= m_head) return;
-    Cursor cursor{start(m_head).mark, firstServerStart(begin), begin};
+    Cursor cursor{start(m_head).mark, firstServerStart(begin), begin, lastPlaceOfHead()};
     m_marks.dropBefore(cursor.passed);
     for (int lines = 1; m_goOn && deliverLine(cursor); ++lines) {
       if (m_isCutShort || m_activated == m_head + 1) m_marks.dropBefore(cursor.passed);
@@ -123,7 +134,7 @@ class Pass {
   bool deliverLine(Cursor& cursor) {
     MarkNumber number = nextNumber(cursor);
     while (number == 0 && cursor.serverStart == m_serverStarts.size()) {
-      if (!readMore()) return false;
+      if (m_stream.readTo() >= cursor.last || !readMore()) return false;
       number = nextNumber(cursor);
     }
     const Line line = lineOf(number, cursor);
@@ -189,10 +200,21 @@ class Pass {
   void startReading(LogPosition start) {
     if (m_activated > m_head || (m_isReading && start - m_stream.readTo() < kGap)) return;
     m_stream.start(start);
+    m_readFrom = start;
     m_isReading = true;
   }
 
-  bool readMore() { return m_goOn && m_stream.readMore(); }
+  bool readMore() {
+    if (!m_goOn) return false;
+    if (m_stream.readMore()) return true;
+    if (m_isNoting && m_stream.readTo() >= m_log.length()) m_whole.from = m_readFrom;
+    return false;
+  }
+
+  [[nodiscard]] LogPosition lastPlaceOfHead() {
+    if (m_isNoting || startOf(start(m_head).position) < m_whole.from) return kNever;
+    return std::max(m_whole.places.of(start(m_head).id).value_or(kNever), m_whole.lastServerStart);
+  }
 
   bool takeMarks(const LogBlock& block) {
     for (std::size_t index = 0; index < block.findings.size();) {
@@ -200,6 +222,7 @@ class Pass {
       activateSessions(mark);
       if (mark.kind == MarkKind::ServerStart) {
         m_serverStarts.push_back(mark.position);
+        if (m_isNoting) m_whole.lastServerStart = mark.position;
       } else if (!m_isCutShort || mark.id == start(m_head).id) {
         m_marks.append(mark);
       }
@@ -238,6 +261,8 @@ class Pass {
   const LogFile& m_log;
   const std::size_t m_mostMarks;
   PackedSessions& m_sessions;
+  WholeReading& m_whole;
+  const bool m_isNoting;  ///< in m_whole: nobody reads there meanwhile
   SessionLineConsumer& m_consumer;
   const std::size_t m_first;
   std::size_t m_end;
@@ -254,6 +279,7 @@ class Pass {
   LogPosition m_reached = 0;
   bool m_goOn = true;
   bool m_isReading = false;
+  LogPosition m_readFrom = 1;
   LogStream m_stream;  ///< last, so that its thread has ended before what it looks at is gone
 };
 
@@ -274,11 +300,12 @@ void takeAscending(const SessionSource& source, std::optional<UserAct>& first, P
 Status readSessionLines(const LogFile& log, const SessionSource& source, SessionLineConsumer& consumer,
                         const LineReading& reading) {
   PackedSessions sessions(kSessionsPerPass);
+  WholeReading whole;
   std::size_t count = kSessionsPerPass;
   for (std::optional<UserAct> next = source(); next;) {
     takeAscending(source, next, sessions);
     for (std::size_t first = 0; first < sessions.size();) {
-      Pass pass(log, reading, sessions, first, std::min(sessions.size(), first + count), consumer);
+      Pass pass(log, reading, sessions, first, std::min(sessions.size(), first + count), whole, consumer);
       if (!pass.run()) return {};
       if (!pass.status().isOk()) return pass.status();
       first = pass.end();

@@ -23,8 +23,8 @@ void BackgroundWriter::append(std::string& batch) {
   }
   {
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_batch.empty(); });
-    if (m_status.isOk()) std::swap(m_batch, batch);
+    m_changed.wait(lock, [this] { return m_waiting < m_batches.size(); });
+    if (m_status.isOk()) std::swap(m_batches[(m_next + m_waiting++) % m_batches.size()], batch);
   }
   batch.clear();
   m_changed.notify_all();
@@ -41,28 +41,33 @@ bool BackgroundWriter::startThread() {
 
 Status BackgroundWriter::finish() {
   std::unique_lock lock(m_mutex);
-  m_changed.wait(lock, [this] { return m_batch.empty(); });
+  m_changed.wait(lock, [this] { return m_waiting == 0; });
   return m_status;
 }
 
 void BackgroundWriter::work() {
   std::unique_lock lock(m_mutex);
   while (true) {
-    m_changed.wait(lock, [this] { return m_isStopping || !m_batch.empty(); });
-    if (m_batch.empty()) return;
-    lock.unlock();
-    Status status = writeBatch();
-    lock.lock();
-    if (m_status.isOk()) m_status = std::move(status);
-    m_batch.clear();
+    m_changed.wait(lock, [this] { return m_isStopping || m_waiting > 0; });
+    if (m_waiting == 0) return;
+    std::string& batch = m_batches[m_next];
+    if (m_status.isOk()) {
+      lock.unlock();
+      Status status = writeBatch(batch);
+      lock.lock();
+      m_status = std::move(status);
+    }
+    batch.clear();
+    m_next = (m_next + 1) % m_batches.size();
+    --m_waiting;
     m_changed.notify_all();
   }
 }
 
-/// Nobody else touches a batch that is not empty.
-Status BackgroundWriter::writeBatch() {
+/// Nobody else touches a batch that waits.
+Status BackgroundWriter::writeBatch(std::string& batch) {
   try {
-    return m_write(m_batch);
+    return m_write(batch);
   } catch (const std::bad_alloc&) {
     return Error{ErrorCode::OutOfMemory, {}};
   }

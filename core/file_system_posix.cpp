@@ -54,7 +54,10 @@ int flagsOf(OpenMode mode) {
 class PosixFile final : public File {
  public:
   PosixFile(int descriptor, std::filesystem::path path) : m_descriptor(descriptor), m_path(std::move(path)) {}
-  ~PosixFile() override { ::close(m_descriptor); }
+  ~PosixFile() override {
+    if (m_hasReserved) giveBack();
+    ::close(m_descriptor);
+  }
 
   Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const override {
     std::size_t done = 0;
@@ -96,15 +99,32 @@ class PosixFile final : public File {
     return static_cast<std::uint64_t>(info.st_size);
   }
 
+  void reserve(std::uint64_t offset, std::uint64_t count) override {
+#ifdef __linux__
+    const int done =
+        ::fallocate(m_descriptor, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset), static_cast<off_t>(count));
+    m_hasReserved = m_hasReserved || done == 0;
+#else
+    (void)offset, (void)count;
+#endif
+  }
+
   Status sync() override {
     if (::fsync(m_descriptor) != 0) return failure();
     return {};
   }
 
  private:
-  [[nodiscard]] Error failure() const { return {codeOf(errno), m_path}; }
+  void giveBack() {
+    const auto length = size();
+    if (length.isOk()) (void)resize(length.value());
+  }
+  [[nodiscard]] Error failure() const {
+    return {codeOf(errno), m_path};
+  }
 
   int m_descriptor;
+  bool m_hasReserved = false;
   std::filesystem::path m_path;
 };
 

@@ -12,6 +12,8 @@ namespace quorvel {
 namespace {
 
 constexpr std::size_t kBatchSize = 4096 * kRecordSize;
+/// Reserved in the file where records come in whole batches.
+constexpr std::size_t kReserved = 64 * kBatchSize;
 constexpr std::int32_t kSlotsPerBlock = 512;
 /// The Position of a slot without a record, which none has.
 constexpr std::string_view kEmptySlotStart{"\0\0\0\0", 4};
@@ -64,7 +66,12 @@ Status UsersFileWriter::writeBatch(std::string_view batch) {
     }
   }
   if (m_file) {
-    const Status written = m_file->writeAt(recordOffset(m_firstToWrite), batch);
+    const std::uint64_t offset = recordOffset(m_firstToWrite);
+    if (batch.size() > kBatchSize / 2 && offset + kBatchSize > m_reservedTo) {
+      m_file->reserve(offset, kReserved);
+      m_reservedTo = offset + kReserved;
+    }
+    const Status written = m_file->writeAt(offset, batch);
     if (!written.isOk()) retryOneByOne(batch, written.error());
   }
   m_firstToWrite += slotsIn(batch);

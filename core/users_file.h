@@ -57,6 +57,7 @@ class UsersFileWriter {
   // While a batch is written they belong to m_writer's thread.
   std::unique_ptr<File> m_file;
   std::int32_t m_firstToWrite = 1;  ///< record number of the first slot in the next batch written
+  std::uint64_t m_reservedTo = 0;
   std::vector<Failure> m_failures;
 
   BackgroundWriter m_writer;

@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -15,6 +16,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "core/record_format.h"
+#include "core/users_file.h"
 #include "tests/support/program_run.h"
 #include "tests/support/program_world.h"
 
@@ -131,6 +134,20 @@ TEST_F(Killed, AShortInfoTableKeepsWhatWasWritten) {
   saveTable();
   EXPECT_GT(work.read("table.txt").size(), home.read("users.qva").size());
   killOften(50ms, [&](microseconds after) { return killDuring(saveTable, after); });
+}
+
+TEST_F(Limits, RoomReservedForRecordsIsGivenBack) {
+  const std::string record = encodeRecord({1, "alice", "(000012)", "10.0.0.5", "c", "l", "o", 1, 0});
+  constexpr std::int32_t kCount = 10'000;
+  {
+    UsersFileWriter writer(systemFiles(), home / "reserved.qva", [](auto&&...) { FAIL(); });
+    for (std::int32_t n = 1; n <= kCount; ++n)
+      writer.WriteSessionRecord(record, n);
+  }
+  struct stat info {};
+  ASSERT_EQ(::stat((home / "reserved.qva").c_str(), &info), 0);
+  EXPECT_EQ(static_cast<std::uint64_t>(info.st_size), recordOffset(kCount) + record.size());
+  EXPECT_LT(info.st_blocks * 512, info.st_size + 100'000);
 }
 
 TEST_F(Limits, AFileSizeLimitIsAFailedWrite) {

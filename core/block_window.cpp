@@ -13,8 +13,9 @@ constexpr std::size_t kPieceSize = 1024;
 /// Reading so many pieces costs half as much as reading the block.
 constexpr int kPiecesWorthABlock = 16;
 
-/// So many blocks after each other, and the next ones will be asked for as well.
-constexpr int kBlocksWorthAThread = 8;
+/// So many blocks after each other, and the next ones will be asked for as well. A thread for fewer would cost more
+/// than it saves, in memory too.
+constexpr int kBlocksWorthAThread = 64;
 
 }  // namespace
 

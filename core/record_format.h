@@ -35,7 +35,7 @@ class RecordEncoder {
   void text(std::string_view text, std::string_view behind = {}) {
     put(static_cast<std::uint16_t>(text.size() + behind.size()));
     copy(text);
-    if (!behind.empty()) copy(behind);
+    copy(behind);
   }
   /// The place behind what was written.
   [[nodiscard]] char* end() const { return m_to; }
@@ -52,7 +52,7 @@ class RecordEncoder {
       copyEnds<16>(text);
     } else if (text.size() >= 8 && text.size() < 16) {
       copyEnds<8>(text);
-    } else {
+    } else if (!text.empty()) {  // an empty one may have no address
       std::memcpy(m_to, text.data(), text.size());
     }
     m_to += text.size();

@@ -4,8 +4,8 @@
 #include "app/main_window_state.h"
 #include "app/pacer.h"
 #include "app/settings.h"
-#include "core/file_system.h"
-#include "ui/view.h"
+#include "app/view.h"
+#include "log/file_system.h"
 
 namespace quorvel {
 

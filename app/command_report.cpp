@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 

@@ -7,11 +7,11 @@
 #include "app/command_report.h"
 #include "app/session_sources.h"
 #include "app/tree_commands.h"
-#include "core/text.h"
-#include "core/users_file.h"
-#include "counter/bad_transfers.h"
-#include "counter/counter_result.h"
-#include "counter/transfer_counter.h"
+#include "classic/counter/bad_transfers.h"
+#include "classic/counter/counter_result.h"
+#include "classic/counter/transfer_counter.h"
+#include "classic/find/users_file.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "app/program.h"
-#include "core/clock.h"
-#include "core/memory_limit.h"
-#include "core/text.h"
+#include "log/clock.h"
+#include "log/memory_limit.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "core/background_writer.h"
-#include "core/file_system.h"
-#include "core/user_act.h"
+#include "classic/find/user_act.h"
+#include "log/background_writer.h"
+#include "log/file_system.h"
 
 namespace quorvel {
 

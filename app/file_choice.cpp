@@ -1,7 +1,7 @@
 #include "app/file_choice.h"
 
 #include "app/command_report.h"
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 

@@ -9,7 +9,7 @@
 #include "app/filter_run.h"
 #include "app/session_sources.h"
 #include "app/tree_commands.h"
-#include "core/users_file.h"
+#include "classic/find/users_file.h"
 
 namespace quorvel {
 namespace {

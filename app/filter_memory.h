@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/file_system.h"
-#include "core/user_act.h"
+#include "classic/find/user_act.h"
+#include "log/file_system.h"
 
 namespace quorvel {
 

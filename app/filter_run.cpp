@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "app/session_sources.h"
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "app/command_context.h"
-#include "core/log_file.h"
-#include "core/session_lines.h"
-#include "filter/results_file.h"
+#include "classic/filter/results_file.h"
+#include "classic/find/session_lines.h"
+#include "log/log_file.h"
 
 namespace quorvel {
 

@@ -9,10 +9,10 @@
 #include "app/menu_groups.h"
 #include "app/tree_commands.h"
 #include "app/web_commands.h"
-#include "core/log_file.h"
-#include "core/servu_find_user_info.h"
-#include "core/text.h"
-#include "core/users_file.h"
+#include "classic/find/servu_find_user_info.h"
+#include "classic/find/users_file.h"
+#include "log/log_file.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

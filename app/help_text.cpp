@@ -1,6 +1,6 @@
 #include "app/help_text.h"
 
-#include "tools/command_line_reference.h"
+#include "classic/tools/command_line_reference.h"
 
 namespace quorvel {
 

@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "core/file_system.h"
+#include "log/file_system.h"
 
 namespace quorvel {
 

@@ -1,6 +1,6 @@
 #include "app/ini_document.h"
 
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

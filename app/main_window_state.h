@@ -6,8 +6,8 @@
 #include <string>
 
 #include "app/filter_memory.h"
-#include "core/user_act.h"
-#include "tree/session_tree.h"
+#include "classic/find/user_act.h"
+#include "classic/tree/session_tree.h"
 
 namespace quorvel {
 

@@ -1,7 +1,7 @@
 // The groups of menu items that are switched together.
 #pragma once
 
-#include "ui/view.h"
+#include "app/view.h"
 
 namespace quorvel::EnDis {
 

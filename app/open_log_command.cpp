@@ -6,7 +6,7 @@
 #include "app/command_report.h"
 #include "app/file_choice.h"
 #include "app/menu_groups.h"
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "app/filter_commands.h"
 #include "app/tree_commands.h"
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

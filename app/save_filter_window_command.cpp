@@ -4,9 +4,9 @@
 
 #include "app/command_report.h"
 #include "app/file_choice.h"
-#include "core/clock.h"
-#include "core/text.h"
-#include "tools/report_head.h"
+#include "classic/tools/report_head.h"
+#include "log/clock.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -3,10 +3,10 @@
 
 #include <functional>
 
-#include "core/session_lines.h"
-#include "core/user_act.h"
-#include "core/users_file.h"
-#include "tree/session_tree.h"
+#include "classic/find/session_lines.h"
+#include "classic/find/user_act.h"
+#include "classic/find/users_file.h"
+#include "classic/tree/session_tree.h"
 
 namespace quorvel {
 

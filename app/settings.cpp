@@ -8,7 +8,7 @@
 
 #include "app/ini_document.h"
 #include "app/program.h"
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

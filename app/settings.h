@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/file_system.h"
+#include "log/file_system.h"
 
 namespace quorvel {
 

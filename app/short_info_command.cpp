@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "app/file_choice.h"
-#include "core/text.h"
-#include "core/users_file.h"
-#include "tools/short_info.h"
+#include "classic/find/users_file.h"
+#include "classic/tools/short_info.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

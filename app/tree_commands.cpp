@@ -7,9 +7,9 @@
 
 #include "app/filter_commands.h"
 #include "app/program.h"
-#include "core/text.h"
-#include "core/users_file.h"
-#include "tree/add_to_tree_view.h"
+#include "classic/find/users_file.h"
+#include "classic/tree/add_to_tree_view.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "app/command_context.h"
-#include "core/user_act.h"
+#include "classic/find/user_act.h"
 
 namespace quorvel {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/result.h"
+#include "log/result.h"
 
 namespace quorvel {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "ui/view.h"
+#include "app/view.h"
 
 namespace quorvel {
 

@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "core/byte_scan.h"
-#include "core/byte_scan_variants.h"
-#include "core/servu_find_user_info.h"
-#include "tests/reference/literal_scans.h"
+#include "classic/find/servu_find_user_info.h"
+#include "log/byte_scan.h"
+#include "log/byte_scan_variants.h"
+#include "tests/classic/reference/literal_scans.h"
 
 namespace quorvel {
 namespace {

@@ -9,9 +9,9 @@
 #include <filesystem>
 #include <string>
 
-#include "core/record_format.h"
-#include "core/users_file.h"
-#include "tree/add_to_tree_view.h"
+#include "classic/find/record_format.h"
+#include "classic/find/users_file.h"
+#include "classic/tree/add_to_tree_view.h"
 
 namespace quorvel {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 #include <utility>
 
-#include "core/text.h"
-#include "tools/command_codes.h"
+#include "classic/tools/command_codes.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

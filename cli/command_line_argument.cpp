@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "app/program_folder.h"
-#include "core/text.h"
-#include "tools/command_codes.h"
+#include "classic/tools/command_codes.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "app/settings.h"
-#include "core/result.h"
+#include "log/result.h"
 
 namespace quorvel {
 

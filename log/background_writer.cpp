@@ -1,4 +1,4 @@
-#include "core/background_writer.h"
+#include "log/background_writer.h"
 
 #include <new>
 #include <system_error>

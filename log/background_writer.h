@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "core/result.h"
+#include "log/result.h"
 
 namespace quorvel {
 

@@ -1,4 +1,4 @@
-#include "core/block_reader.h"
+#include "log/block_reader.h"
 
 #include <algorithm>
 #include <new>

@@ -14,8 +14,8 @@
 #include <thread>
 #include <vector>
 
-#include "core/log_file.h"
-#include "core/result.h"
+#include "log/log_file.h"
+#include "log/result.h"
 
 namespace quorvel {
 

@@ -1,4 +1,4 @@
-#include "core/block_window.h"
+#include "log/block_window.h"
 
 #include <algorithm>
 #include <cstring>

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "core/block_reader.h"
-#include "core/log_file.h"
+#include "log/block_reader.h"
+#include "log/log_file.h"
 
 namespace quorvel {
 

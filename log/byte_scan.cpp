@@ -1,6 +1,6 @@
-#include "core/byte_scan.h"
+#include "log/byte_scan.h"
 
-#include "core/byte_scan_variants.h"
+#include "log/byte_scan_variants.h"
 
 namespace quorvel {
 namespace {

@@ -1,5 +1,5 @@
 // Compiled for machines with AVX2; nothing in here may be called on others.
-#include "core/byte_scan_variants.h"
+#include "log/byte_scan_variants.h"
 
 #include <immintrin.h>
 
@@ -19,7 +19,7 @@ struct Vector {
 
 }  // namespace
 
-#include "core/byte_scan_kernel.h"
+#include "log/byte_scan_kernel.h"
 
 namespace quorvel {
 

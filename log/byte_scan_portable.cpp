@@ -1,5 +1,5 @@
 // Sixteen bytes at a time where the compiler's basic instruction set allows it, else eight.
-#include "core/byte_scan_variants.h"
+#include "log/byte_scan_variants.h"
 
 #if defined(__SSE2__) || defined(_M_X64)
 #include <emmintrin.h>
@@ -62,7 +62,7 @@ struct Vector {
 
 }  // namespace
 
-#include "core/byte_scan_kernel.h"
+#include "log/byte_scan_kernel.h"
 
 namespace quorvel {
 

@@ -1,4 +1,4 @@
-#include "core/clock.h"
+#include "log/clock.h"
 
 #include <array>
 #include <ctime>

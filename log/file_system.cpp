@@ -1,4 +1,4 @@
-#include "core/file_system.h"
+#include "log/file_system.h"
 
 #include <new>
 #include <random>

@@ -6,8 +6,8 @@
 #include <cerrno>
 #include <system_error>
 
-#include "core/file_system.h"
-#include "core/unbroken_append_posix.h"
+#include "log/file_system.h"
+#include "log/unbroken_append_posix.h"
 
 namespace quorvel {
 namespace {

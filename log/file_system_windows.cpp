@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "core/file_system.h"
+#include "log/file_system.h"
 
 namespace quorvel {
 namespace {

@@ -1,4 +1,4 @@
-#include "core/log_file.h"
+#include "log/log_file.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "core/log_stream.h"
+#include "log/log_stream.h"
 
 #include <utility>
 

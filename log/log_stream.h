@@ -4,9 +4,9 @@
 #include <functional>
 #include <memory>
 
-#include "core/block_reader.h"
-#include "core/block_window.h"
-#include "core/log_file.h"
+#include "log/block_reader.h"
+#include "log/block_window.h"
+#include "log/log_file.h"
 
 namespace quorvel {
 

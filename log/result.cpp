@@ -1,6 +1,6 @@
-#include "core/result.h"
+#include "log/result.h"
 
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 

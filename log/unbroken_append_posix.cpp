@@ -1,4 +1,4 @@
-#include "core/unbroken_append_posix.h"
+#include "log/unbroken_append_posix.h"
 
 #include <unistd.h>
 

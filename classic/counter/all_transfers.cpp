@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
-#include "core/byte_scan.h"
-#include "core/log_stream.h"
-#include "counter/counted_line.h"
-#include "counter/transfer_counter.h"
+#include "classic/counter/counted_line.h"
+#include "classic/counter/transfer_counter.h"
+#include "log/byte_scan.h"
+#include "log/log_stream.h"
 
 namespace quorvel {
 namespace {

@@ -1,11 +1,11 @@
-#include "counter/bad_transfers.h"
+#include "classic/counter/bad_transfers.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "core/clock.h"
-#include "core/memory_limit.h"
-#include "core/text.h"
+#include "log/clock.h"
+#include "log/memory_limit.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/file_system.h"
-#include "counter/transfer_count.h"
+#include "classic/counter/transfer_count.h"
+#include "log/file_system.h"
 
 namespace quorvel {
 

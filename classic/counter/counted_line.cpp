@@ -1,4 +1,4 @@
-#include "counter/counted_line.h"
+#include "classic/counter/counted_line.h"
 
 namespace quorvel {
 namespace {

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string_view>
 
-#include "counter/transfer_counter.h"
-#include "counter/transfer_tokens.h"
+#include "classic/counter/transfer_counter.h"
+#include "classic/counter/transfer_tokens.h"
 
 namespace quorvel {
 

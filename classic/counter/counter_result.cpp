@@ -1,6 +1,6 @@
-#include "counter/counter_result.h"
+#include "classic/counter/counter_result.h"
 
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "core/file_system.h"
-#include "core/result.h"
-#include "counter/transfer_count.h"
+#include "classic/counter/transfer_count.h"
+#include "log/file_system.h"
+#include "log/result.h"
 
 namespace quorvel {
 

@@ -1,7 +1,7 @@
 #include <string>
 
-#include "counter/counted_line.h"
-#include "counter/transfer_counter.h"
+#include "classic/counter/counted_line.h"
+#include "classic/counter/transfer_counter.h"
 
 namespace quorvel {
 namespace {

@@ -1,4 +1,4 @@
-#include "counter/transfer_count.h"
+#include "classic/counter/transfer_count.h"
 
 #include <algorithm>
 #include <charconv>

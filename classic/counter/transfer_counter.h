@@ -3,10 +3,10 @@
 
 #include <string_view>
 
-#include "core/log_file.h"
-#include "core/result.h"
-#include "core/session_lines.h"
-#include "counter/transfer_count.h"
+#include "classic/counter/transfer_count.h"
+#include "classic/find/session_lines.h"
+#include "log/log_file.h"
+#include "log/result.h"
 
 namespace quorvel {
 

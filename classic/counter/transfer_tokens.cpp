@@ -1,4 +1,4 @@
-#include "counter/transfer_tokens.h"
+#include "classic/counter/transfer_tokens.h"
 
 namespace quorvel {
 namespace {

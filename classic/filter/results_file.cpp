@@ -1,10 +1,10 @@
-#include "filter/results_file.h"
+#include "classic/filter/results_file.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "core/memory_limit.h"
-#include "core/text.h"
+#include "log/memory_limit.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

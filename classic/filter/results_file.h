@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
-#include "core/background_writer.h"
-#include "core/file_system.h"
-#include "filter/session_filter.h"
+#include "classic/filter/session_filter.h"
+#include "log/background_writer.h"
+#include "log/file_system.h"
 
 namespace quorvel {
 

@@ -1,8 +1,8 @@
-#include "filter/session_filter.h"
+#include "classic/filter/session_filter.h"
 
 #include <array>
 
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/session_lines.h"
-#include "core/user_act.h"
+#include "classic/find/session_lines.h"
+#include "classic/find/user_act.h"
 
 namespace quorvel {
 

@@ -1,12 +1,12 @@
-#include "core/log_marks.h"
+#include "classic/find/log_marks.h"
 
 #include <array>
 #include <bit>
 #include <cstring>
 #include <random>
 
-#include "core/byte_scan.h"
-#include "core/text.h"
+#include "log/byte_scan.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

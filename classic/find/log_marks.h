@@ -10,8 +10,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "core/block_reader.h"
-#include "core/log_file.h"
+#include "log/block_reader.h"
+#include "log/log_file.h"
 
 namespace quorvel {
 

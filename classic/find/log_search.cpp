@@ -1,4 +1,4 @@
-#include "core/log_search.h"
+#include "classic/find/log_search.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

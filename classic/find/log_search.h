@@ -15,10 +15,10 @@
 #include <string_view>
 #include <utility>
 
-#include "core/log_file.h"
-#include "core/log_marks.h"
-#include "core/log_stream.h"
-#include "core/mark_lists.h"
+#include "classic/find/log_marks.h"
+#include "classic/find/mark_lists.h"
+#include "log/log_file.h"
+#include "log/log_stream.h"
 
 namespace quorvel {
 

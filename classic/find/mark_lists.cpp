@@ -1,4 +1,4 @@
-#include "core/mark_lists.h"
+#include "classic/find/mark_lists.h"
 
 #include <algorithm>
 

@@ -8,7 +8,7 @@
 #include <memory>
 #include <unordered_map>
 
-#include "core/log_marks.h"
+#include "classic/find/log_marks.h"
 
 namespace quorvel {
 

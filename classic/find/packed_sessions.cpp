@@ -1,8 +1,8 @@
-#include "core/packed_sessions.h"
+#include "classic/find/packed_sessions.h"
 
 #include <string_view>
 
-#include "core/record_format.h"
+#include "classic/find/record_format.h"
 
 namespace quorvel {
 

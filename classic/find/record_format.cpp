@@ -1,4 +1,4 @@
-#include "core/record_format.h"
+#include "classic/find/record_format.h"
 
 #include <array>
 #include <cstdint>

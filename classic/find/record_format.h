@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/user_act.h"
+#include "classic/find/user_act.h"
 
 namespace quorvel {
 

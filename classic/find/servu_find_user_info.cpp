@@ -1,13 +1,13 @@
-#include "core/servu_find_user_info.h"
+#include "classic/find/servu_find_user_info.h"
 
 #include <algorithm>
 #include <limits>
 #include <string>
 #include <string_view>
 
-#include "core/log_search.h"
-#include "core/record_format.h"
-#include "core/user_act.h"
+#include "classic/find/log_search.h"
+#include "classic/find/record_format.h"
+#include "classic/find/user_act.h"
 
 namespace quorvel {
 namespace {

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "core/log_file.h"
-#include "core/result.h"
+#include "log/log_file.h"
+#include "log/result.h"
 
 namespace quorvel {
 

@@ -1,4 +1,4 @@
-#include "core/session_lines.h"
+#include "classic/find/session_lines.h"
 
 #include <algorithm>
 #include <bit>
@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "core/log_marks.h"
-#include "core/log_stream.h"
-#include "core/mark_lists.h"
-#include "core/packed_sessions.h"
+#include "classic/find/log_marks.h"
+#include "classic/find/mark_lists.h"
+#include "classic/find/packed_sessions.h"
+#include "log/log_stream.h"
 
 namespace quorvel {
 namespace {

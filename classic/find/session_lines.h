@@ -7,9 +7,9 @@
 #include <span>
 #include <string_view>
 
-#include "core/log_file.h"
-#include "core/result.h"
-#include "core/user_act.h"
+#include "classic/find/user_act.h"
+#include "log/log_file.h"
+#include "log/result.h"
 
 namespace quorvel {
 

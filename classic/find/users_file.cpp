@@ -1,12 +1,12 @@
-#include "core/users_file.h"
+#include "classic/find/users_file.h"
 
 #include <algorithm>
 #include <new>
 #include <span>
 #include <utility>
 
-#include "core/memory_limit.h"
-#include "core/record_format.h"
+#include "classic/find/record_format.h"
+#include "log/memory_limit.h"
 
 namespace quorvel {
 namespace {

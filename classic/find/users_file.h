@@ -10,9 +10,9 @@
 #include <string_view>
 #include <vector>
 
-#include "core/background_writer.h"
-#include "core/file_system.h"
-#include "core/user_act.h"
+#include "classic/find/user_act.h"
+#include "log/background_writer.h"
+#include "log/file_system.h"
 
 namespace quorvel {
 

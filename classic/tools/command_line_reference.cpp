@@ -1,8 +1,8 @@
-#include "tools/command_line_reference.h"
+#include "classic/tools/command_line_reference.h"
 
 #include <string_view>
 
-#include "tools/command_codes.h"
+#include "classic/tools/command_codes.h"
 
 namespace quorvel {
 namespace {

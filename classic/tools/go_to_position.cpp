@@ -1,10 +1,10 @@
-#include "tools/go_to_position.h"
+#include "classic/tools/go_to_position.h"
 
 #include <algorithm>
 #include <limits>
 
-#include "core/log_file.h"
-#include "core/text.h"
+#include "log/log_file.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

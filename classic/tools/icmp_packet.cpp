@@ -1,4 +1,4 @@
-#include "tools/icmp_packet.h"
+#include "classic/tools/icmp_packet.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "tools/icmp_packet.h"
+#include "classic/tools/icmp_packet.h"
 
 namespace quorvel {
 

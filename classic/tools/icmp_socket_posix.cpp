@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "tools/icmp_socket.h"
+#include "classic/tools/icmp_socket.h"
 
 namespace quorvel {
 namespace {

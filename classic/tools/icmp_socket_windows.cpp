@@ -1,4 +1,4 @@
-#include "tools/icmp_socket.h"
+#include "classic/tools/icmp_socket.h"
 
 namespace quorvel {
 

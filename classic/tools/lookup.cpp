@@ -1,4 +1,4 @@
-#include "tools/lookup.h"
+#include "classic/tools/lookup.h"
 
 namespace quorvel {
 

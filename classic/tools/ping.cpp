@@ -1,4 +1,4 @@
-#include "tools/ping.h"
+#include "classic/tools/ping.h"
 
 #include <cstdio>
 #include <random>

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/icmp_socket.h"
+#include "classic/tools/icmp_socket.h"
 
 namespace quorvel {
 

@@ -1,6 +1,6 @@
-#include "tools/report_head.h"
+#include "classic/tools/report_head.h"
 
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "core/clock.h"
+#include "log/clock.h"
 
 namespace quorvel {
 

@@ -1,12 +1,12 @@
-#include "tools/short_info.h"
+#include "classic/tools/short_info.h"
 
 #include <algorithm>
 #include <iterator>
 #include <tuple>
 #include <utility>
 
-#include "core/text.h"
-#include "tools/report_head.h"
+#include "classic/tools/report_head.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

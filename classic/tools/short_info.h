@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 
-#include "core/clock.h"
-#include "core/file_system.h"
-#include "core/user_act.h"
+#include "classic/find/user_act.h"
+#include "log/clock.h"
+#include "log/file_system.h"
 
 namespace quorvel {
 

@@ -1,4 +1,4 @@
-#include "tree/add_to_tree_view.h"
+#include "classic/tree/add_to_tree_view.h"
 
 #include <array>
 #include <string>

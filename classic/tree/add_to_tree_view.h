@@ -4,8 +4,8 @@
 #include <functional>
 #include <string_view>
 
-#include "core/users_file.h"
-#include "tree/session_tree.h"
+#include "classic/find/users_file.h"
+#include "classic/tree/session_tree.h"
 
 namespace quorvel {
 

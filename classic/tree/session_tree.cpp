@@ -1,4 +1,4 @@
-#include "tree/session_tree.h"
+#include "classic/tree/session_tree.h"
 
 #include <algorithm>
 #include <charconv>

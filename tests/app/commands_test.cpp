@@ -5,7 +5,7 @@
 #include <random>
 
 #include "app/session_sources.h"
-#include "core/record_format.h"
+#include "classic/find/record_format.h"
 #include "tests/support/program_world.h"
 #include "tests/support/sample_log.h"
 

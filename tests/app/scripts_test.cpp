@@ -7,10 +7,10 @@
 
 #include "app/menu_commands.h"
 #include "app/options.h"
+#include "tests/classic/tree/tree_text.h"
 #include "tests/support/program_world.h"
 #include "tests/support/records.h"
 #include "tests/support/script.h"
-#include "tests/tree/tree_text.h"
 
 namespace quorvel::test {
 namespace {

@@ -16,8 +16,8 @@
 #include <stdexcept>
 #include <thread>
 
-#include "core/record_format.h"
-#include "core/users_file.h"
+#include "classic/find/record_format.h"
+#include "classic/find/users_file.h"
 #include "tests/support/program_run.h"
 #include "tests/support/program_world.h"
 

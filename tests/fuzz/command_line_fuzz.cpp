@@ -1,9 +1,9 @@
 // Any command line: the arguments are what stands between the blanks, and the codes come in their order.
 
+#include "classic/tools/command_codes.h"
 #include "cli/command_line_argument.h"
-#include "core/text.h"
+#include "log/text.h"
 #include "tests/fuzz/fuzz_input.h"
-#include "tools/command_codes.h"
 
 namespace quorvel::test {
 namespace {

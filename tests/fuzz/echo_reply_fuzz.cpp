@@ -1,6 +1,6 @@
 // Any bytes as an answer from the network: only a whole echo reply is one, and it says what was asked for.
+#include "classic/tools/icmp_packet.h"
 #include "tests/fuzz/fuzz_input.h"
-#include "tools/icmp_packet.h"
 
 namespace quorvel::test {
 namespace {

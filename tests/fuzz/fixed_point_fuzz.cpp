@@ -1,7 +1,7 @@
 // Byte sums: every number survives being written and read, a text is read as the C library reads it, sums add up.
 #include <cmath>
 
-#include "counter/transfer_count.h"
+#include "classic/counter/transfer_count.h"
 #include "tests/fuzz/fuzz_input.h"
 
 namespace quorvel::test {

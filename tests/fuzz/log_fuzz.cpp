@@ -2,13 +2,13 @@
 // much of the log is read at once and on whatever processor.
 #include <optional>
 
-#include "core/byte_scan.h"
-#include "core/byte_scan_variants.h"
-#include "core/record_format.h"
-#include "core/servu_find_user_info.h"
-#include "counter/transfer_counter.h"
+#include "classic/counter/transfer_counter.h"
+#include "classic/find/record_format.h"
+#include "classic/find/servu_find_user_info.h"
+#include "log/byte_scan.h"
+#include "log/byte_scan_variants.h"
+#include "tests/classic/reference/literal_scans.h"
 #include "tests/fuzz/fuzz_input.h"
-#include "tests/reference/literal_scans.h"
 #include "tests/support/records.h"
 
 namespace quorvel::test {

@@ -1,6 +1,6 @@
 // Any bytes as a users file: what can be read can be written and read again, and setting a tree index changes no more.
-#include "core/record_format.h"
-#include "core/users_file.h"
+#include "classic/find/record_format.h"
+#include "classic/find/users_file.h"
 #include "tests/fuzz/fuzz_input.h"
 
 namespace quorvel::test {

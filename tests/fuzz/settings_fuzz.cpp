@@ -1,7 +1,7 @@
 // Any text as settings file: a key that was written reads back, and no other line changes by a byte.
 #include "app/ini_document.h"
 #include "app/settings.h"
-#include "core/text.h"
+#include "log/text.h"
 #include "tests/fuzz/fuzz_input.h"
 
 namespace quorvel::test {

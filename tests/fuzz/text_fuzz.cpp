@@ -2,10 +2,10 @@
 // text around a position of a log.
 #include <charconv>
 
-#include "core/text.h"
+#include "classic/tools/go_to_position.h"
+#include "log/text.h"
+#include "tests/classic/reference/literal_scans.h"
 #include "tests/fuzz/fuzz_input.h"
-#include "tests/reference/literal_scans.h"
-#include "tools/go_to_position.h"
 
 namespace quorvel::test {
 namespace {

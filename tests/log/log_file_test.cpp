@@ -1,5 +1,5 @@
 // What ends a line of a log.
-#include "core/log_file.h"
+#include "log/log_file.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "core/text.h"
+#include "log/text.h"
 
 #include <gtest/gtest.h>
 

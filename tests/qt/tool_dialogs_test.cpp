@@ -1,7 +1,7 @@
 // The dialogs of the tools, driven with the keyboard.
+#include "classic/tools/go_to_position.h"
 #include "tests/qt/window_fixture.h"
 #include "tests/support/answering_socket.h"
-#include "tools/go_to_position.h"
 #include "ui/qt/computer_ip_dialog.h"
 
 namespace quorvel::test {

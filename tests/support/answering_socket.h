@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "tools/ping.h"
+#include "classic/tools/ping.h"
 
 namespace quorvel::test {
 

@@ -18,7 +18,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/file_system.h"
+#include "log/file_system.h"
 
 namespace quorvel::test {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "core/log_file.h"
+#include "log/log_file.h"
 #include "tests/support/memory_files.h"
 
 namespace quorvel::test {

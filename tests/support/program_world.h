@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "app/main_window.h"
-#include "core/record_format.h"
-#include "core/users_file.h"
+#include "classic/find/record_format.h"
+#include "classic/find/users_file.h"
 #include "tests/support/recording_view.h"
 #include "tests/support/temp_folder.h"
 

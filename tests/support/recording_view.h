@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "ui/view.h"
+#include "app/view.h"
 
 namespace quorvel::test {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "ui/view.h"
+#include "app/view.h"
 
 namespace quorvel {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

@@ -7,8 +7,8 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "core/text.h"
-#include "tools/lookup.h"
+#include "classic/tools/lookup.h"
+#include "log/text.h"
 #include "ui/qt/dialog_parts.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/text.h"

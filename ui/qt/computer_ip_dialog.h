@@ -5,7 +5,7 @@
 #include <QHostInfo>
 
 #include "app/settings.h"
-#include "tools/ping.h"
+#include "classic/tools/ping.h"
 #include "ui/qt/host_lookup.h"
 #include "ui/qt/ping_runner.h"
 

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "ui/view.h"
+#include "app/view.h"
 
 class QWidget;
 

@@ -5,7 +5,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "tools/go_to_position.h"
+#include "classic/tools/go_to_position.h"
 #include "ui/qt/dialog_parts.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/text.h"

@@ -4,7 +4,7 @@
 #include <QDialog>
 #include <filesystem>
 
-#include "core/file_system.h"
+#include "log/file_system.h"
 
 class QLineEdit;
 

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "app/main_window.h"
-#include "ui/view.h"
+#include "app/view.h"
 
 class QShortcut;
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-#include "ui/view.h"
+#include "app/view.h"
 
 namespace quorvel {
 

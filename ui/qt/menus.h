@@ -6,8 +6,8 @@
 #include <QObject>
 #include <array>
 
+#include "app/view.h"
 #include "ui/qt/menu_table.h"
-#include "ui/view.h"
 
 class QMenuBar;
 

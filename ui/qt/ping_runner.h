@@ -5,7 +5,7 @@
 #include <QTimer>
 #include <memory>
 
-#include "tools/ping.h"
+#include "classic/tools/ping.h"
 
 class QSocketNotifier;
 

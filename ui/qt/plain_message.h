@@ -4,7 +4,7 @@
 #include <QObject>
 #include <QString>
 
-#include "ui/view.h"
+#include "app/view.h"
 
 class QWidget;
 

@@ -7,8 +7,8 @@
 
 #include "app/main_window.h"
 #include "app/program.h"
-#include "core/clock.h"
-#include "core/text.h"
+#include "log/clock.h"
+#include "log/text.h"
 #include "ui/qt/plain_message.h"
 #include "ui/qt/print_pages.h"
 #include "ui/qt/text.h"

@@ -1,6 +1,6 @@
 #include "ui/qt/session_tree_model.h"
 
-#include "core/text.h"
+#include "log/text.h"
 #include "ui/qt/text.h"
 
 namespace quorvel {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <unordered_set>
 
-#include "tree/session_tree.h"
+#include "classic/tree/session_tree.h"
 
 namespace quorvel {
 

@@ -5,7 +5,7 @@
 #include <array>
 #include <utility>
 
-#include "core/text.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {

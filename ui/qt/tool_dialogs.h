@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/main_window.h"
-#include "ui/view.h"
+#include "app/view.h"
 
 class QWidget;
 

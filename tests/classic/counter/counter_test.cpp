@@ -3,8 +3,8 @@
 
 #include <limits>
 
-#include "counter/counter_result.h"
-#include "counter/transfer_counter.h"
+#include "classic/counter/counter_result.h"
+#include "classic/counter/transfer_counter.h"
 #include "tests/support/memory_log.h"
 
 namespace quorvel::test {

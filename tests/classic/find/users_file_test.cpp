@@ -1,11 +1,11 @@
 // The users file; that what was written can be read is told by the fuzz target of records.
-#include "core/users_file.h"
+#include "classic/find/users_file.h"
 
 #include <gtest/gtest.h>
 
 #include <new>
 
-#include "core/record_format.h"
+#include "classic/find/record_format.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/records.h"
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "core/user_act.h"
-#include "counter/transfer_count.h"
-#include "filter/session_filter.h"
+#include "classic/counter/transfer_count.h"
+#include "classic/filter/session_filter.h"
+#include "classic/find/user_act.h"
 
 namespace quorvel::test {
 

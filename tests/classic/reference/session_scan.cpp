@@ -4,7 +4,7 @@
 #include <numeric>
 #include <utility>
 
-#include "tests/reference/literal_scans.h"
+#include "tests/classic/reference/literal_scans.h"
 
 namespace quorvel::test {
 namespace {

@@ -1,9 +1,9 @@
-#include "tools/ping.h"
+#include "classic/tools/ping.h"
 
 #include <gtest/gtest.h>
 
+#include "classic/tools/lookup.h"
 #include "tests/support/answering_socket.h"
-#include "tools/lookup.h"
 
 namespace quorvel::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/short_info.h"
+#include "classic/tools/short_info.h"
 
 #include <gtest/gtest.h>
 

@@ -4,9 +4,9 @@
 #include <map>
 #include <random>
 
-#include "core/record_format.h"
+#include "classic/find/record_format.h"
+#include "classic/tree/add_to_tree_view.h"
 #include "tests/support/memory_files.h"
-#include "tree/add_to_tree_view.h"
 
 namespace quorvel::test {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tree/session_tree.h"
+#include "classic/tree/session_tree.h"
 
 namespace quorvel::test {
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 
 namespace quorvel {
 namespace {
@@ -28,6 +29,8 @@ constexpr std::array<char16_t, 32> kHighCodePoints = {0x20AC, 0x0081, 0x201A, 0x
                                                       0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                                       0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
+constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD";
+
 char32_t codePointOf(unsigned char byte) {
   return byte >= 0x80 && byte <= 0x9F ? kHighCodePoints[byte - 0x80] : byte;
 }
@@ -51,6 +54,7 @@ std::optional<char32_t> takeCodePoint(std::string_view& text) {
   }
   constexpr std::array<char32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
   if (codePoint < kSmallest[length] || codePoint > 0x10FFFF) return std::nullopt;
+  if (codePoint >= 0xD800 && codePoint <= 0xDFFF) return std::nullopt;  // half a pair, no character
   text.remove_prefix(length);
   return codePoint;
 }
@@ -162,6 +166,36 @@ std::string toWindows1252(std::string_view utf8) {
     bytes += byteOf(*codePoint);
   }
   return bytes;
+}
+
+bool isUtf8(std::string_view text) {
+  while (!text.empty()) {
+    std::uint64_t word = 0;
+    if (text.size() >= sizeof word) {
+      std::memcpy(&word, text.data(), sizeof word);
+      if ((word & 0x8080808080808080u) == 0) {
+        text.remove_prefix(sizeof word);
+        continue;
+      }
+    }
+    if (!takeCodePoint(text)) return false;
+  }
+  return true;
+}
+
+std::string validUtf8(std::string_view text) {
+  if (isUtf8(text)) return std::string(text);
+  std::string valid;
+  while (!text.empty()) {
+    const std::string_view before = text;
+    if (takeCodePoint(text)) {
+      valid.append(before.substr(0, before.size() - text.size()));
+    } else {
+      valid.append(kReplacementCharacter);
+      text.remove_prefix(1);
+    }
+  }
+  return valid;
 }
 
 std::string pathText(const std::filesystem::path& path) {

@@ -5,6 +5,7 @@
 namespace quorvel {
 
 std::string Error::description() const {
+  if (!detail.empty()) return detail;
   switch (code) {
     case ErrorCode::Overflow:
       return "Overflow";

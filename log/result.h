@@ -31,9 +31,10 @@ enum class ErrorCode {
 struct Error {
   ErrorCode code;
   std::filesystem::path file;
+  std::string detail{};  ///< what went wrong where no standard text says it: "The archive is damaged"; else empty
 
   [[nodiscard]] int number() const { return static_cast<int>(code); }
-  /// The standard text of the number, e.g. "Bad record length".
+  /// The detail, or the standard text of the number, e.g. "Bad record length".
   [[nodiscard]] std::string description() const;
   /// A full sentence naming the file, e.g. "a.log: File not found.".
   [[nodiscard]] std::string sentence() const;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/command_report.h"
+#include "app/needed_files.h"
 #include "app/session_sources.h"
 #include "app/tree_commands.h"
 #include "classic/counter/bad_transfers.h"
@@ -42,14 +43,11 @@ class CountProgress final : public CountObserver {
   const bool m_keepsBadTransfers = m_context.settings.readFlag(kSection, "GetFilenameOnTransferError");
 };
 
-/// Adds to the totals; returns what kept the log from being read to the end.
-using CountWork = std::function<Status(const LogFile&, const CountOptions&, TransferCount&, CountObserver&)>;
-
 /// What one of the commands counts and how the result is called.
 struct CountCommand {
-  std::string caption;      ///< of the result window
-  std::string description;  ///< in the batch output file
-  CountWork work;
+  std::string caption;                                ///< of the result window
+  std::string description;                            ///< in the batch output file
+  std::function<SessionSource(UsersFile&)> sessions;  ///< empty: the whole log is counted
 };
 
 void showCounting(CommandContext& context, bool isCounting) {
@@ -64,17 +62,18 @@ void showCounting(CommandContext& context, bool isCounting) {
   }
 }
 
-Status countTransfers(CommandContext& context, const CountWork& work, TransferCount& totals) {
-  ResetTransferCount(totals);
-  auto log = LogFile::open(context.files, context.state.logPath);
-  if (!log.isOk()) return log.error();
-  context.view.setProgressRange(0, log.value().length());
+/// Adds to the totals; returns what kept the log, or the users file, from being read to the end.
+Status countTransfers(CommandContext& context, const LogFile& log, UsersFile* users, const CountCommand& command,
+                      TransferCount& totals) {
+  context.view.setProgressRange(0, log.length());
   CountProgress progress(context);
   const CountOptions options{.countBytes = context.settings.readFlag(kSection, "CountBytes")};
   context.state.stopFlag = false;
-  const Status counted = work(log.value(), options, totals, progress);
+  const Status counted = users == nullptr
+                             ? CountAllTransfers(log, options, totals, progress)
+                             : CountSessionTransfers(log, command.sessions(*users), options, totals, progress);
   context.state.stopFlag = false;
-  return counted;
+  return counted.isOk() && users != nullptr ? users->status() : counted;
 }
 
 CounterResultOptions resultOptions(const CommandContext& context) {
@@ -89,9 +88,7 @@ void ShowCounterResult(CommandContext& context, std::string_view caption, const 
   context.view.showCounterResult(caption, text);
 }
 
-void appendResult(CommandContext& context, const CountCommand& command, const Status& counted,
-                  const TransferCount& totals) {
-  if (!counted.isOk()) return reportFailure(context, counted.error().sentence());
+void appendResult(CommandContext& context, const CountCommand& command, const TransferCount& totals) {
   const Status written = AppendCounterResult(context.files, context.state.batchOutputFile, totals, command.description,
                                              resultOptions(context));
   if (!written.isOk()) reportFailure(context, written.error().sentence());
@@ -104,32 +101,26 @@ void showUsing(CommandContext& context) {
 void run(CommandContext& context, const CountCommand& command) {
   const bool isBatch = context.state.batchFlag;
   if (isBatch && refusesResultsFile(context, context.state.batchOutputFile)) return;
+  const auto log = openNeededLog(context);
+  if (!log) return;
+  std::optional<UsersFile> users;
+  if (command.sessions && !(users = openNeededUsersFile(context))) return;
   TransferCount totals;
   showCounting(context, true);
-  const Status counted = countTransfers(context, command.work, totals);
+  const Status counted = countTransfers(context, *log, users ? &*users : nullptr, command, totals);
   showCounting(context, false);
-  if (isBatch) {
-    appendResult(context, command, counted, totals);
+  if (!counted.isOk()) {
+    reportFailure(context, counted.error().sentence());
+  } else if (isBatch) {
+    appendResult(context, command, totals);
   } else {
     ShowCounterResult(context, command.caption, totals);
   }
   showUsing(context);
 }
 
-/// Counts sessions of the users file; without one there are none.
-CountWork workOnUsersFile(CommandContext& context, std::function<SessionSource(UsersFile&)> choose) {
-  return [&context, choose = std::move(choose)](const LogFile& log, const CountOptions& options, TransferCount& totals,
-                                                CountObserver& observer) -> Status {
-    auto users = UsersFile::open(context.files, context.state.usersFilePath());
-    if (!users.isOk()) return users.error().code == ErrorCode::FileNotFound ? Status() : users.error();
-    const Status counted = CountSessionTransfers(log, choose(users.value()), options, totals, observer);
-    return counted.isOk() ? users.value().status() : counted;
-  };
-}
-
-CountWork workOnRecords(CommandContext& context, std::function<bool(const UserAct&)> isChosen) {
-  return workOnUsersFile(
-      context, [isChosen = std::move(isChosen)](UsersFile& users) { return chosenSessions(users, isChosen); });
+std::function<SessionSource(UsersFile&)> allFor(std::function<bool(const UserAct&)> isChosen) {
+  return [isChosen = std::move(isChosen)](UsersFile& users) { return chosenSessions(users, isChosen); };
 }
 
 /// The session of the node clicked last becomes the current one again, whatever was read since.
@@ -152,7 +143,7 @@ bool refusesEmptyKey(CommandContext& context, std::string_view key, std::string_
 void countAllTransfers(CommandContext& context) {
   const CommandGuard guard(context);
   if (!guard || !context.state.hasLog()) return;
-  run(context, {"Counter result - all users", "All transfers", CountAllTransfers});
+  run(context, {"Counter result - all users", "All transfers", {}});
 }
 
 void countSelectedSessions(CommandContext& context) {
@@ -160,8 +151,7 @@ void countSelectedSessions(CommandContext& context) {
   if (!guard || !context.state.hasLog()) return;
   readCurrentSession(context);
   const auto choose = [&context](UsersFile& users) { return checkedSessions(users, context.state.tree); };
-  run(context,
-      {"Counter result - selected sessions", context.state.batchDescription, workOnUsersFile(context, choose)});
+  run(context, {"Counter result - selected sessions", context.state.batchDescription, choose});
 }
 
 void countIPTransfers(CommandContext& context) {
@@ -171,7 +161,7 @@ void countIPTransfers(CommandContext& context) {
   const std::string ip = context.state.batchFlag ? context.state.BatchCountIP : context.state.currentSession.IP;
   if (refusesEmptyKey(context, ip, "IP")) return;
   run(context, {"Counter result - IP: " + ip, context.state.batchDescription,
-                workOnRecords(context, [ip](const UserAct& record) { return record.IP == ip; })});
+                allFor([ip](const UserAct& record) { return record.IP == ip; })});
 }
 
 void countUsersTransfers(CommandContext& context) {
@@ -181,18 +171,15 @@ void countUsersTransfers(CommandContext& context) {
   const std::string name = context.state.batchFlag ? context.state.BatchCountUser : context.state.currentSession.Name;
   if (refusesEmptyKey(context, name, "user")) return;
   run(context, {"Counter result - username: " + name, context.state.batchDescription,
-                workOnRecords(context, [name](const UserAct& record) { return record.Name == name; })});
+                allFor([name](const UserAct& record) { return record.Name == name; })});
 }
 
 void countSessionsTransfers(CommandContext& context) {
   const CommandGuard guard(context);
   if (!guard || !context.state.hasLog()) return;
   readCurrentSession(context);
-  const CountWork work = [&context](const LogFile& log, const CountOptions& options, TransferCount& totals,
-                                    CountObserver& observer) {
-    return CountSessionTransfers(log, oneSession(context.state.currentSession), options, totals, observer);
-  };
-  run(context, {"Counter result - this session", context.state.batchDescription, work});
+  const auto current = [&context](UsersFile&) { return oneSession(context.state.currentSession); };
+  run(context, {"Counter result - this session", context.state.batchDescription, current});
 }
 
 void pasteCounterResult(CommandContext& context, std::string_view caption, std::string_view text) {

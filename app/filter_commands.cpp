@@ -1,15 +1,13 @@
 #include "app/filter_commands.h"
 
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "app/command_report.h"
 #include "app/file_choice.h"
 #include "app/filter_run.h"
+#include "app/needed_files.h"
 #include "app/session_sources.h"
-#include "app/tree_commands.h"
-#include "classic/find/users_file.h"
 
 namespace quorvel {
 namespace {
@@ -19,8 +17,8 @@ struct FileFilter {
   std::string_view dialogFilter;
   std::string_view dialogTitle;
   std::function<SessionSource(UsersFile&)> sessions;
-  std::optional<std::string> key;  ///< what must not be empty
-  std::string_view keyName;        ///< as the message calls it
+  bool hasChoice = true;       ///< something was clicked or ticked
+  std::string_view what = {};  ///< to be clicked or ticked, as the message calls it
 };
 
 void showUsing(CommandContext& context) {
@@ -45,42 +43,34 @@ std::filesystem::path chooseResultsFile(CommandContext& context, const FileFilte
   return chooseSavePath(context, request).value_or(std::filesystem::path());
 }
 
-/// Runs the filter and reports what went wrong with the results; trouble with the log only matters unattended.
-void writeBlocks(CommandContext& context, const LogFile* log, const SessionSource& sessions) {
+/// Runs the filter and reports what went wrong with the results or the log.
+void writeBlocks(CommandContext& context, const LogFile& log, const SessionSource& sessions) {
   ResultsFile results(context.files, context.state.resultsFile);
-  context.view.setProgressRange(0, log == nullptr ? 0 : log->length());
+  context.view.setProgressRange(0, log.length());
   context.view.showProgress(true);
   const Status read = filterIntoFile(context, log, sessions, results);
   if (results.hasBlock()) (void)results.copyLastLines(context.state.filterFilePath());
   context.view.showProgress(false);
   if (!results.isOk()) reportFailure(context, results.status().error().sentence());
-  if (!read.isOk() && context.state.batchFlag) reportFailure(context, read.error().sentence());
+  if (!read.isOk()) reportFailure(context, read.error().sentence());
 }
 
-/// Everything behind the choice of the results file.
+/// Everything after the choice of the results file.
 void filterIntoResultsFile(CommandContext& context, const FileFilter& command) {
-  auto& state = context.state;
-  auto log = LogFile::open(context.files, state.logPath);
-  if (!log.isOk() && state.batchFlag) return reportFailure(context, log.error().sentence());
-  auto users = UsersFile::open(context.files, state.usersFilePath());
-  if (context.settings.readNumber("OPTION-SAVE", "AppendWhenFilter") == 0) {
-    // Results are only given up where new ones can take their place.
-    if (!log.isOk()) return;
-    if (users.isOk() && context.files.Exist(state.resultsFile)) (void)context.files.remove(state.resultsFile);
-  }
-  if (command.key && command.key->empty()) {
-    const std::string text = "Exiting\r\nPlease click on a session with the current " + std::string(command.keyName);
+  const auto log = openNeededLog(context);
+  if (!log) return;
+  auto users = openNeededUsersFile(context);
+  if (!users) return;
+  if (!command.hasChoice) {
+    const std::string text = "Exiting\r\nPlease " + std::string(command.what);
     return reportFailure(context, text);
   }
-  if (!users.isOk()) {
-    if (!state.batchFlag) return reportLostUsersFile(context);
-    if (!state.batchFailed) reportFailure(context, users.error().sentence());  // else it tells why the file is missing
-    return;
+  const auto& results = context.state.resultsFile;
+  if (context.settings.readNumber("OPTION-SAVE", "AppendWhenFilter") == 0 && context.files.Exist(results)) {
+    (void)context.files.remove(results);
   }
-  const SessionSource source = command.sessions(users.value());
-  writeBlocks(context, log.isOk() ? &log.value() : nullptr, source);
-  if (state.batchFlag && !users.value().status().isOk())
-    reportFailure(context, users.value().status().error().sentence());
+  writeBlocks(context, *log, command.sessions(*users));
+  if (!users->status().isOk()) reportFailure(context, users->status().error().sentence());
 }
 
 void filterToFile(CommandContext& context, const FileFilter& command) {
@@ -90,6 +80,12 @@ void filterToFile(CommandContext& context, const FileFilter& command) {
   showFiltering(context);
   filterIntoResultsFile(context, command);
   showUsing(context);
+}
+
+bool hasTick(const SessionTree& tree) {
+  for (std::int32_t node = 1; node <= tree.nodeCount(); ++node)
+    if (tree.isChecked(node)) return true;
+  return false;
 }
 
 /// Every record read becomes the current session, chosen or not.
@@ -126,8 +122,12 @@ void filterSession(CommandContext& context) {
 void filterCurrentSession(CommandContext& context) {
   context.view.showBusyPointer(true);
   showFiltering(context);
-  auto log = LogFile::open(context.files, context.state.logPath);
-  (void)filterIntoWindow(context, log.isOk() ? &log.value() : nullptr, context.state.currentSession);
+  if (const auto log = openNeededLog(context)) {
+    const Status read = filterIntoWindow(context, *log, context.state.currentSession);
+    if (!read.isOk()) reportFailure(context, read.error().sentence());
+  } else {
+    context.view.setFilterText({});
+  }
   showUsing(context);
   context.view.showBusyPointer(false);
 }
@@ -137,9 +137,7 @@ void filterAll(CommandContext& context) {
   if (!guard || !context.state.hasLog()) return;
   filterToFile(context, {.dialogFilter = "Filtered logfile (all sessions)             (*.txt)|*.txt",
                          .dialogTitle = "Save filter results (all sessions)",
-                         .sessions = readingAll(context, [](const UserAct&) { return true; }),
-                         .key = std::nullopt,
-                         .keyName = {}});
+                         .sessions = readingAll(context, [](const UserAct&) { return true; })});
 }
 
 void filterIP(CommandContext& context) {
@@ -149,8 +147,8 @@ void filterIP(CommandContext& context) {
   filterToFile(context, {.dialogFilter = "Filtered logfile (selected IP)             (*.txt)|*.txt",
                          .dialogTitle = "Save filter results (IP)",
                          .sessions = readingAll(context, [ip](const UserAct& record) { return record.IP == ip; }),
-                         .key = ip,
-                         .keyName = "IP"});
+                         .hasChoice = !ip.empty(),
+                         .what = "click on a session with the current IP"});
 }
 
 void filterUser(CommandContext& context) {
@@ -160,8 +158,8 @@ void filterUser(CommandContext& context) {
   filterToFile(context, {.dialogFilter = "Filtered logfile (selected user)             (*.txt)|*.txt",
                          .dialogTitle = "Save filter results (user)",
                          .sessions = readingAll(context, [name](const UserAct& record) { return record.Name == name; }),
-                         .key = name,
-                         .keyName = "user"});
+                         .hasChoice = !name.empty(),
+                         .what = "click on a session with the current user"});
 }
 
 void filterSelected(CommandContext& context) {
@@ -182,11 +180,13 @@ void filterSelected(CommandContext& context) {
       return session;
     };
   };
-  filterToFile(context, {.dialogFilter = "Filtered logfile (selected session(s))        (*.txt)|*.txt",
-                         .dialogTitle = "Save filter results (session)",
-                         .sessions = sessions,
-                         .key = context.state.currentSession.Name,
-                         .keyName = "user"});
+  const bool hasClicked = !context.state.currentSession.Name.empty();
+  filterToFile(context,
+               {.dialogFilter = "Filtered logfile (selected session(s))        (*.txt)|*.txt",
+                .dialogTitle = "Save filter results (session)",
+                .sessions = sessions,
+                .hasChoice = hasClicked && hasTick(context.state.tree),
+                .what = hasClicked ? "tick the sessions to filter" : "click on a session with the current user"});
 }
 
 }  // namespace quorvel

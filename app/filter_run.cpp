@@ -121,14 +121,6 @@ class FilterWindowTarget final : public FilterTarget {
   bool m_hasShown = false;
 };
 
-void runWithoutLog(const SessionSource& sessions, FilterRun& run) {
-  for (auto session = sessions(); session; session = sessions()) {
-    run.beginSession(*session);
-    run.endSession(*session);
-    if (!run.keepGoing(0)) break;
-  }
-}
-
 struct FilterOutcome {
   Status read;
   bool hasRunCommandFilter = false;
@@ -136,18 +128,17 @@ struct FilterOutcome {
 };
 
 /// What the filter window's text depends on; empty when the log cannot tell its state.
-std::optional<FilterMemory::Key> memoryKey(CommandContext& context, const LogFile* log, const UserAct& session) {
-  if (log == nullptr) return std::nullopt;
-  const auto stamp = context.files.stamp(log->path());
+std::optional<FilterMemory::Key> memoryKey(CommandContext& context, const LogFile& log, const UserAct& session) {
+  const auto stamp = context.files.stamp(log.path());
   if (!stamp.isOk()) return std::nullopt;
   std::string options;
   for (const std::string_view key : kCommandFilterKeys) {
     options += std::to_string(context.settings.readNumber("OPTION-FILTER", key)) + ' ';
   }
-  return FilterMemory::Key{log->path(), stamp.value(), session, std::move(options)};
+  return FilterMemory::Key{log.path(), stamp.value(), session, std::move(options)};
 }
 
-FilterOutcome runFilter(CommandContext& context, const LogFile* log, const SessionSource& sessions,
+FilterOutcome runFilter(CommandContext& context, const LogFile& log, const SessionSource& sessions,
                         FilterTarget& target, bool showsProgress) {
   const auto commandFilter = makeCommandFilter(context.settings);
   EntireSessionFilter entireFilter;
@@ -155,13 +146,7 @@ FilterOutcome runFilter(CommandContext& context, const LogFile* log, const Sessi
                 showsProgress);
   FilterOutcome outcome;
   context.state.stopFlag = false;
-  if (log != nullptr) {
-    outcome.read = readSessionLines(*log, sessions, run);
-  } else if (commandFilter) {
-    runWithoutLog(sessions, run);
-  } else {
-    context.view.setFilterText({});
-  }
+  outcome.read = readSessionLines(log, sessions, run);
   target.flush();
   outcome.wasStopped = std::exchange(context.state.stopFlag, false);
   outcome.hasRunCommandFilter = commandFilter && run.hasRun();
@@ -170,7 +155,7 @@ FilterOutcome runFilter(CommandContext& context, const LogFile* log, const Sessi
 
 }  // namespace
 
-Status filterIntoWindow(CommandContext& context, const LogFile* log, const UserAct& session) {
+Status filterIntoWindow(CommandContext& context, const LogFile& log, const UserAct& session) {
   FilterWindowTarget window(context);
   const auto key = memoryKey(context, log, session);
   if (const std::string* const text = key ? context.state.filterMemory.find(*key) : nullptr) {
@@ -190,7 +175,7 @@ Status filterIntoWindow(CommandContext& context, const LogFile* log, const UserA
   return outcome.read;
 }
 
-Status filterIntoFile(CommandContext& context, const LogFile* log, const SessionSource& sessions,
+Status filterIntoFile(CommandContext& context, const LogFile& log, const SessionSource& sessions,
                       ResultsFile& results) {
   const FilterOutcome outcome = runFilter(context, log, sessions, results, true);
   if (outcome.hasRunCommandFilter) context.view.setFilterText(kNoMatch);

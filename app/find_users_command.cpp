@@ -7,6 +7,7 @@
 #include "app/command_report.h"
 #include "app/error_log.h"
 #include "app/menu_groups.h"
+#include "app/needed_files.h"
 #include "app/tree_commands.h"
 #include "app/web_commands.h"
 #include "classic/find/servu_find_user_info.h"
@@ -97,8 +98,10 @@ class FindUsers {
   void run() {
     m_context.state.errorsLogged = false;
     if (m_context.state.logPath.empty()) return;
+    const auto log = openNeededLog(m_context);
+    if (!log) return;
     enter(CodePoint::HasLog);
-    const Status done = prepareAndScan();
+    const Status done = prepareAndScan(*log);
     if (!done.isOk()) {
       hideProgress();
       return report(done.error());
@@ -114,7 +117,7 @@ class FindUsers {
  private:
   void enter(CodePoint point) { m_codePoint = point; }
 
-  Status prepareAndScan() {
+  Status prepareAndScan(const LogFile& log) {
     const auto& folder = m_context.state.programFolder;
     enter(CodePoint::DeleteUsersFile);
     if (Status deleted = deleteFile(m_context.state.usersFilePath()); !deleted.isOk()) return deleted;
@@ -124,7 +127,7 @@ class FindUsers {
     enter(CodePoint::ShowProgress);
     showProgress();
     enter(CodePoint::Scan);
-    return m_context.state.logType == LogType::WarFtpd ? Status() : scan();
+    return m_context.state.logType == LogType::WarFtpd ? Status() : scan(log);
   }
 
   Status deleteFile(const std::filesystem::path& path) {
@@ -144,16 +147,14 @@ class FindUsers {
     m_context.view.setStatusPanel(StatusPanel::Text, "Using " + m_context.state.logTitle);
   }
 
-  Status scan() {
+  Status scan(const LogFile& log) {
     clearTree();
     m_context.state.stopFlag = false;
-    const auto log = LogFile::open(m_context.files, m_context.state.logPath);
-    if (!log.isOk()) return log.error();
     createUsersFile();
-    m_context.view.setProgressRange(0, log.value().length() + 1);
+    m_context.view.setProgressRange(0, log.length() + 1);
     const FindOptions options{.trunkLongUsernames = m_context.settings.readFlag("MAIN", "TrunkLongUsernames")};
     ScanRecorder recorder(m_context, m_errorLog);
-    const auto end = ServuFindUserInfo(log.value(), options, recorder);
+    const auto end = ServuFindUserInfo(log, options, recorder);
     recorder.finish();
     if (!end.isOk()) return end.error();
     finishScan(end.value());
@@ -191,7 +192,8 @@ class FindUsers {
   }
 
   void report(const Error& error) {
-    if (m_context.state.batchFlag) return reportFailure(m_context, error.sentence());
+    const bool isAboutLog = error.file == m_context.state.logPath;
+    if (m_context.state.batchFlag || isAboutLog) return reportFailure(m_context, error.sentence());
     if (m_context.view.showMessage({.text = errorText(error), .buttons = Buttons::OkCancel})) reportBug(m_context.view);
   }
 

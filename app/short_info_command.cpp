@@ -3,7 +3,9 @@
 #include <tuple>
 #include <utility>
 
+#include "app/command_report.h"
 #include "app/file_choice.h"
+#include "app/needed_files.h"
 #include "classic/find/users_file.h"
 #include "classic/tools/short_info.h"
 #include "log/text.h"
@@ -41,26 +43,27 @@ Status writeLines(CommandContext& context, UsersFile& users, ShortInfoTable& tab
   return table.flush();
 }
 
-Status writeTable(CommandContext& context, const std::filesystem::path& path) {
-  auto users = UsersFile::open(context.files, context.state.usersFilePath());
-  if (!users.isOk()) return users.error();
+Status writeTable(CommandContext& context, UsersFile& users, const std::filesystem::path& path) {
   auto table = ShortInfoTable::create(context.files, path, readChoice(context.settings));
   if (!table.isOk()) return table.error();
   table.value().WriteShortInfoHeader(context.state.logPath, localNow());
-  return writeLines(context, users.value(), table.value());
+  return writeLines(context, users, table.value());
 }
 
 }  // namespace
 
 void SaveShortInfoCommand(CommandContext& context) {
   const CommandGuard guard(context);
-  if (!guard) return;
+  if (!guard || !context.state.hasLog()) return;
   context.state.stopFlag = false;
   const auto path = chooseSavePathInLastFolder(context, kFilter);
   if (!path) return;
   context.view.setStatusPanel(StatusPanel::Text, "Saving " + pathText(*path));
-  const Status status = writeTable(context, *path);
-  if (!status.isOk()) context.view.showMessage({.text = status.error().sentence()});
+  const bool canReadLog = openNeededLog(context).has_value();  // a table of a log that is gone would name it
+  if (auto users = canReadLog ? openNeededUsersFile(context) : std::nullopt) {
+    const Status status = writeTable(context, *users, *path);
+    if (!status.isOk()) reportFailure(context, status.error().sentence());
+  }
   context.view.setStatusPanel(StatusPanel::Text, "Using " + context.state.logTitle);
 }
 

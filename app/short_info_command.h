@@ -5,8 +5,9 @@
 
 namespace quorvel {
 
-/// Asks for a file and writes one line per session into it. An existing file is replaced, but not before the users
-/// file could be opened. Stop leaves a table that is complete up to the last session written.
+/// Asks for a file and writes one line per session into it. An existing file is replaced, but not before the log
+/// and the users file could be opened. Does nothing without a log. Stop leaves a table that is complete up to the last
+/// session written.
 void SaveShortInfoCommand(CommandContext& context);
 
 }  // namespace quorvel

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/filter_commands.h"
+#include "app/needed_files.h"
 #include "app/program.h"
 #include "classic/find/users_file.h"
 #include "classic/tree/add_to_tree_view.h"
@@ -129,15 +130,6 @@ std::optional<UserAct> readSessionOfNode(CommandContext& context, std::int32_t n
   if (!users.isOk()) return std::nullopt;
   const UserAct* const record = users.value().read(recordToShow(users.value(), context.state.tree, node));
   return record != nullptr ? std::optional(*record) : std::nullopt;
-}
-
-void reportLostUsersFile(CommandContext& context) {
-  context.view.showMessage(
-      {"Lost file: users.qva\r\n"
-       "This might happen if you tried to run multiple instanses of Quorvel analyzer\r\n"
-       "Please run \"Find users in logfile\" in the \"Command\" menu or press Ctrl-U again",
-       Buttons::Ok,
-       {}});
 }
 
 void clickNode(CommandContext& context, std::int32_t node) {

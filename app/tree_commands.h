@@ -24,9 +24,6 @@ void askForTreeUpdate(CommandContext& context);
 /// The session a click on the node shows; empty without a users file or records.
 [[nodiscard]] std::optional<UserAct> readSessionOfNode(CommandContext& context, std::int32_t node);
 
-/// Tells that the users file is gone, and what to do about it.
-void reportLostUsersFile(CommandContext& context);
-
 // The commands below do nothing while another one runs, save for the check boxes.
 
 /// Shows the session of the node, makes it the current one and, with auto filter on, filters it. For a node that no

@@ -1,0 +1,11 @@
+// The grammars by name, for grammars.cpp and for those that read lines of several servers.
+#pragma once
+
+#include "grammar/grammar.h"
+
+namespace quorvel {
+
+[[nodiscard]] const Grammar& vsftpd();
+[[nodiscard]] const Grammar& xferlog();
+
+}  // namespace quorvel

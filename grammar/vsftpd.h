@@ -1,0 +1,13 @@
+// What vsftpd says in a line, wherever it stands: in its own log or behind the front of a syslog.
+#pragma once
+
+#include <string_view>
+
+#include "grammar/event.h"
+
+namespace quorvel {
+
+/// Reads what stands behind the process number. An event that stays Unknown tells nothing.
+void readVsftpdMessage(std::string_view message, Event& event);
+
+}  // namespace quorvel

@@ -63,6 +63,9 @@ class FileSystem {
   /// Opening a folder, or anything else that is no plain file, for reading fails with PathFileAccess; so does opening a
   /// terminal for writing, which would obey what a log says.
   [[nodiscard]] virtual Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) = 0;
+  /// A new file in the folder for this process alone, to read and write at offsets. It has no name and is gone when it
+  /// is closed, or the process is; errors name the folder.
+  [[nodiscard]] virtual Result<std::unique_ptr<File>> openTemporary(const std::filesystem::path& folder) = 0;
   virtual Status remove(const std::filesystem::path& path) = 0;
   /// Gives the file from the name to, replacing a file of that name in one step.
   virtual Status rename(const std::filesystem::path& from, const std::filesystem::path& to) = 0;

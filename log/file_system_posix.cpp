@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
+#include <string>
 #include <system_error>
 
 #include "log/file_system.h"
@@ -142,6 +144,15 @@ class PosixFileSystem final : public FileSystem {
     }
     if (::isatty(descriptor) != 0) return Error{ErrorCode::PathFileAccess, path};
     return Result<std::unique_ptr<File>>(std::move(file));
+  }
+
+  Result<std::unique_ptr<File>> openTemporary(const std::filesystem::path& folder) override {
+    std::string name = (folder.empty() ? std::filesystem::path(".") : folder) / "quorvel-XXXXXX";
+    const int descriptor = ::mkstemp(name.data());
+    if (descriptor < 0) return Error{codeOf(errno), folder};
+    (void)::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    (void)::unlink(name.c_str());
+    return Result<std::unique_ptr<File>>(std::make_unique<PosixFile>(descriptor, folder));
   }
 
   Status remove(const std::filesystem::path& path) override {

@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -139,6 +141,17 @@ class WindowsFileSystem final : public FileSystem {
     auto file = std::make_unique<WindowsFile>(handle, path);
     if (::GetFileType(handle) != FILE_TYPE_DISK) return Error{ErrorCode::PathFileAccess, path};
     return Result<std::unique_ptr<File>>(std::move(file));
+  }
+
+  Result<std::unique_ptr<File>> openTemporary(const std::filesystem::path& folder) override {
+    static std::atomic<unsigned> count = 0;
+    const std::wstring name =
+        L"quorvel-" + std::to_wstring(::GetCurrentProcessId()) + L"-" + std::to_wstring(++count) + L".tmp";
+    const HANDLE handle =
+        ::CreateFileW((folder / name).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE, nullptr, CREATE_NEW,
+                      FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return Error{codeOf(::GetLastError()), folder};
+    return Result<std::unique_ptr<File>>(std::make_unique<WindowsFile>(handle, folder));
   }
 
   Status remove(const std::filesystem::path& path) override {

@@ -23,6 +23,8 @@ class LogSource {
   [[nodiscard]] virtual std::uint64_t size() const = 0;
   /// When the log was last changed, seconds since 1970 UTC; 0 unknown.
   [[nodiscard]] virtual std::int64_t changedTime() const { return 0; }
+  /// A sentence on what was wrong with the bytes read so far: damage, a file cut meanwhile. Empty: nothing was.
+  [[nodiscard]] virtual std::string note() const { return {}; }
 };
 
 /// The file of that name; an error names it.

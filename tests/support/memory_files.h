@@ -82,6 +82,11 @@ class MemoryFiles final : public FileSystem {
       return std::unique_ptr<File>(std::make_unique<MemoryFile>(m_faults, path, bytes));
     });
   }
+  [[nodiscard]] Result<std::unique_ptr<File>> openTemporary(const std::filesystem::path& folder) override {
+    return m_faults->call(Fault::Open, folder, [&]() -> Result<std::unique_ptr<File>> {
+      return std::unique_ptr<File>(std::make_unique<MemoryFile>(m_faults, folder, std::make_shared<std::string>()));
+    });
+  }
   Status remove(const std::filesystem::path& path) override {
     return m_faults->call(Fault::Remove, path, [&]() -> Status {
       if (m_files.erase(path) == 0) return Error{ErrorCode::FileNotFound, path};

@@ -1,0 +1,21 @@
+#include "log/unpack.h"
+
+namespace quorvel {
+
+bool isPacked(std::string_view) {
+  return false;
+}
+
+std::string unpackerVersion() {
+  return {};
+}
+
+Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File>, std::string) {
+  return std::unique_ptr<LogSource>();
+}
+
+Result<std::vector<UnpackedLog>> unpackAll(FileSystem&, std::unique_ptr<File>, const std::string&, const UnpackPlace&) {
+  return std::vector<UnpackedLog>();
+}
+
+}  // namespace quorvel

@@ -130,7 +130,7 @@ TEST(Unpack, EveryPlainFileOfAnArchiveIsALogAndPackedOnesAreUnpackedOnceMore) {
 }
 
 TEST(Unpack, DamageEndsTheLogAndIsTold) {
-  const std::string log = lines(70'000);
+  const std::string log = lines(90'000);
   for (const Packing& packing : kAlone) {
     SCOPED_TRACE(packing.name);
     const std::string packed = pack(packing, {{"log", log}});

@@ -48,7 +48,9 @@ class Archive {
       const char* const name = archive_entry_pathname(entry);
       m_entry = name != nullptr ? name : "";
       m_isAlone = archive_format(m_archive.get()) == ARCHIVE_FORMAT_RAW;
-      return true;
+      // What begins like a packed file and is none would be handed out as it stands.
+      m_isGood = !m_isAlone || archive_filter_code(m_archive.get(), 0) != ARCHIVE_FILTER_NONE;
+      return m_isGood;
     }
     return false;
   }
@@ -72,7 +74,7 @@ class Archive {
   [[nodiscard]] std::string damage() const {
     if (m_isGood) return {};
     const char* const text = archive_error_string(m_archive.get());
-    return validUtf8(text != nullptr ? text : "unknown damage");
+    return validUtf8(text != nullptr ? text : "it breaks off in its head");
   }
 
  private:

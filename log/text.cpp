@@ -168,6 +168,13 @@ std::string toWindows1252(std::string_view utf8) {
   return bytes;
 }
 
+bool isAscii(std::string_view text) {
+  unsigned char all = 0;
+  for (const char c : text)
+    all |= static_cast<unsigned char>(c);
+  return all < 0x80;
+}
+
 bool isUtf8(std::string_view text) {
   while (!text.empty()) {
     std::uint64_t word = 0;

@@ -52,6 +52,8 @@ void appendAtColumn(std::string& text, std::string_view label, std::size_t colum
 [[nodiscard]] std::string toUtf8(std::string_view windows1252);
 [[nodiscard]] std::string toWindows1252(std::string_view utf8);
 
+/// Whether no byte of text is above 7F.
+[[nodiscard]] bool isAscii(std::string_view text);
 /// Whether all of text is UTF-8.
 [[nodiscard]] bool isUtf8(std::string_view text);
 /// text with a replacement character for each byte that is no part of UTF-8.

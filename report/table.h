@@ -16,7 +16,7 @@ namespace quorvel {
 enum class CellKind : std::uint8_t {
   Null,
   Text,     ///< UTF-8
-  Name,     ///< a text of ours: closed, ok, download
+  Name,     ///< a text of ours: closed, ok, download; number, up to 100: its place among others
   Count,    ///< integer
   Bytes,    ///< integer
   Seconds,  ///< integer
@@ -36,6 +36,7 @@ struct Column {
   std::string_view name;   ///< in files: download_bytes
   std::string_view title;  ///< for people: Downloaded
   CellKind kind;           ///< of all its cells that are not null
+  bool isExtra = false;    ///< people see it only when they ask for it; files always hold it
 };
 
 /// Where a row comes from, to show its lines or go to its session.
@@ -58,11 +59,13 @@ class Table {
   [[nodiscard]] virtual std::string_view name() const = 0;
   [[nodiscard]] virtual std::span<const Column> columns() const = 0;
   [[nodiscard]] virtual std::size_t rowCount() const = 0;
+  /// How many rows at the end hold sums of those above; they are for people, and stay last.
+  [[nodiscard]] virtual std::size_t totalRows() const { return 0; }
   [[nodiscard]] virtual Cell cell(std::size_t row, std::size_t column) const = 0;
   [[nodiscard]] virtual RowSource source(std::size_t row) const { return (void)row, RowSource(); }
 };
 
-/// The rows in the order of a column, null first, equal ones as they stand. Text sorts by bytes, without case.
+/// The rows in the order of a column, null first, equal ones and sums as they stand. Text sorts by bytes, without case.
 [[nodiscard]] std::vector<RowNumber> sortedRows(const Table& table, std::size_t column, bool isDescending);
 
 /// What can be done to any table: rows picked and put in order, columns chosen, in this order.

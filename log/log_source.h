@@ -3,9 +3,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "log/file_system.h"
 
@@ -27,8 +29,27 @@ class LogSource {
   [[nodiscard]] virtual std::string note() const { return {}; }
 };
 
-/// The file of that name; an error names it.
-[[nodiscard]] Result<std::unique_ptr<LogSource>> openLogSource(FileSystem& files, const std::filesystem::path& path,
-                                                               std::string name);
+/// Packed logs and archives are unpacked in folder; see log/unpack.h.
+struct UnpackPlace {
+  std::filesystem::path folder;  ///< files without a name are made in it
+  /// Asked about every megabyte; false stops, and what was unpacked so far counts as all there is.
+  std::function<bool(std::uint64_t bytesUnpacked)> keepGoing{};
+};
+
+/// The logs in the file of that name, told by what it holds: itself, the log packed in it, as a stream, or all logs of
+/// an archive in the archive's order. An error names the file.
+[[nodiscard]] Result<std::vector<std::unique_ptr<LogSource>>> openLogs(FileSystem& files,
+                                                                       const std::filesystem::path& path,
+                                                                       const std::string& name,
+                                                                       const UnpackPlace& place);
+
+/// The same logs to be looked at anywhere: their bytes, unpacked where they are packed.
+struct ReadableLog {
+  std::string name;  ///< as given, and the log's own in an archive: "logs.zip/ftp.log"; UTF-8
+  std::unique_ptr<File> file;
+  std::string note;  ///< a sentence on what could not be unpacked; empty: all of it was
+};
+[[nodiscard]] Result<std::vector<ReadableLog>> openForLooking(FileSystem& files, const std::filesystem::path& path,
+                                                              const std::string& name, const UnpackPlace& place);
 
 }  // namespace quorvel

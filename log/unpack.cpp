@@ -162,7 +162,7 @@ class Unpacking {
       const std::string logName = archive.isAlone() ? name : name + "/" + validUtf8(archive.entry());
       auto file = m_files.openTemporary(m_place.folder);
       if (!file.isOk()) return file.error();
-      UnpackedLog log{logName, std::move(file.value()), {}};
+      ReadableLog log{logName, std::move(file.value()), {}};
       const auto bytes = copy(archive, *log.file, logName);
       if (!bytes.isOk()) return bytes.error();
       if (!archive.damage().empty()) log.note = damageNote(logName, bytes.value(), archive.damage());
@@ -177,11 +177,11 @@ class Unpacking {
     return {};
   }
 
-  [[nodiscard]] std::vector<UnpackedLog> takeLogs() { return std::move(m_logs); }
+  [[nodiscard]] std::vector<ReadableLog> takeLogs() { return std::move(m_logs); }
 
  private:
   /// Keeps a log, or what is in it where it is packed once more.
-  Status take(UnpackedLog log, int depth) {
+  Status take(ReadableLog log, int depth) {
     std::array<char, kPackedHead> head{};
     const auto count = log.file->readAt(0, head);
     if (!count.isOk()) return count.error();
@@ -211,7 +211,7 @@ class Unpacking {
   FileSystem& m_files;
   const UnpackPlace& m_place;
   std::vector<char> m_buffer = std::vector<char>(1024 * 1024);
-  std::vector<UnpackedLog> m_logs;
+  std::vector<ReadableLog> m_logs;
   std::uint64_t m_room = 0;
   std::uint64_t m_written = 0;
   bool m_goOn = true;
@@ -243,7 +243,7 @@ Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File> packed, 
   return std::unique_ptr<LogSource>(std::make_unique<UnpackedStream>(std::move(archive), std::move(name)));
 }
 
-Result<std::vector<UnpackedLog>> unpackAll(FileSystem& files, std::unique_ptr<File> packed, const std::string& name,
+Result<std::vector<ReadableLog>> unpackAll(FileSystem& files, std::unique_ptr<File> packed, const std::string& name,
                                            const UnpackPlace& place) {
   Unpacking unpacking(files, place);
   if (const Status status = unpacking.unpack(std::move(packed), name, 1); !status.isOk()) return status.error();

@@ -14,8 +14,8 @@ Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File>, std::st
   return std::unique_ptr<LogSource>();
 }
 
-Result<std::vector<UnpackedLog>> unpackAll(FileSystem&, std::unique_ptr<File>, const std::string&, const UnpackPlace&) {
-  return std::vector<UnpackedLog>();
+Result<std::vector<ReadableLog>> unpackAll(FileSystem&, std::unique_ptr<File>, const std::string&, const UnpackPlace&) {
+  return std::vector<ReadableLog>();
 }
 
 }  // namespace quorvel

@@ -85,12 +85,12 @@ std::string wholeOf(LogSource& source) {
   return whole;
 }
 
-std::vector<UnpackedLog> unpack(const std::string& packed, const std::function<bool(std::uint64_t)>& keepGoing = {}) {
+std::vector<ReadableLog> unpack(const std::string& packed, const std::function<bool(std::uint64_t)>& keepGoing = {}) {
   const TempFolder folder;
   auto logs = unpackAll(systemFiles(), fileOf(packed), "p", {folder.path(), keepGoing});
   EXPECT_TRUE(logs.isOk()) << logs.error().sentence();
   EXPECT_TRUE(std::filesystem::is_empty(folder.path())) << "unpacked files have no name";
-  return logs.isOk() ? std::move(logs.value()) : std::vector<UnpackedLog>();
+  return logs.isOk() ? std::move(logs.value()) : std::vector<ReadableLog>();
 }
 
 TEST(Unpack, EachPackingIsKnownByItsContentAndGivesTheLogBack) {

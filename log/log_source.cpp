@@ -73,7 +73,7 @@ Result<std::vector<std::unique_ptr<LogSource>>> openLogs(FileSystem& files, cons
         std::make_unique<FileSource>(std::move(opened.value().file), name, opened.value().size, changed, ""));
     return logs;
   }
-  auto stream = unpackedStream(std::move(opened.value().file), name);
+  auto stream = unpackedStream(std::move(opened.value().file), name, changed);
   if (!stream.isOk()) return stream.error();
   if (stream.value()) {
     logs.push_back(std::move(stream.value()));

@@ -126,11 +126,12 @@ std::string damageNote(const std::string& name, std::uint64_t bytes, const std::
 
 class UnpackedStream final : public LogSource {
  public:
-  UnpackedStream(std::unique_ptr<Archive> archive, std::string name)
-      : m_archive(std::move(archive)), m_name(std::move(name)) {}
+  UnpackedStream(std::unique_ptr<Archive> archive, std::string name, std::int64_t changedTime)
+      : m_archive(std::move(archive)), m_name(std::move(name)), m_changedTime(changedTime) {}
 
   [[nodiscard]] std::string name() const override { return m_name; }
   [[nodiscard]] std::uint64_t size() const override { return 0; }
+  [[nodiscard]] std::int64_t changedTime() const override { return m_changedTime; }
   [[nodiscard]] Result<std::size_t> read(std::span<char> buffer) override {
     const std::size_t count = m_archive->read(buffer);
     m_bytes += count;
@@ -144,6 +145,7 @@ class UnpackedStream final : public LogSource {
  private:
   std::unique_ptr<Archive> m_archive;
   std::string m_name;
+  std::int64_t m_changedTime;
   std::uint64_t m_bytes = 0;
 };
 
@@ -232,7 +234,8 @@ std::string unpackerVersion() {
   return ARCHIVE_VERSION_STRING;
 }
 
-Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File> packed, std::string name) {
+Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File> packed, std::string name,
+                                                  std::int64_t changedTime) {
   auto archive = std::make_unique<Archive>(std::move(packed));
   if (!archive->next()) {
     const std::string damage = archive->damage();
@@ -240,7 +243,7 @@ Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File> packed, 
                  "The packed file is " + (damage.empty() ? "empty" : "damaged (" + damage + ")")};
   }
   if (!archive->isAlone()) return std::unique_ptr<LogSource>();
-  return std::unique_ptr<LogSource>(std::make_unique<UnpackedStream>(std::move(archive), std::move(name)));
+  return std::unique_ptr<LogSource>(std::make_unique<UnpackedStream>(std::move(archive), std::move(name), changedTime));
 }
 
 Result<std::vector<ReadableLog>> unpackAll(FileSystem& files, std::unique_ptr<File> packed, const std::string& name,

@@ -10,7 +10,7 @@ std::string unpackerVersion() {
   return {};
 }
 
-Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File>, std::string) {
+Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File>, std::string, std::int64_t) {
   return std::unique_ptr<LogSource>();
 }
 

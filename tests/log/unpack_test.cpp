@@ -99,13 +99,13 @@ TEST(Unpack, EachPackingIsKnownByItsContentAndGivesTheLogBack) {
     SCOPED_TRACE(packing.name);
     const std::string packed = pack(packing, {{"log", log}});
     ASSERT_TRUE(isPacked(std::string_view(packed).substr(0, kPackedHead)));
-    const auto stream = unpackedStream(fileOf(packed), "p");
+    const auto stream = unpackedStream(fileOf(packed), "p", 0);
     ASSERT_TRUE(stream.isOk() && stream.value());
     EXPECT_EQ(wholeOf(*stream.value()), log);
     EXPECT_EQ(stream.value()->note(), "");
     const auto logs = unpack(packed);
     ASSERT_EQ(logs.size(), 1u);
-    EXPECT_EQ(logs[0].name, "p");
+    EXPECT_EQ(logs[0].name, "p", 0);
     EXPECT_EQ(wholeOf(*logs[0].file), log);
   }
   EXPECT_FALSE(isPacked(log));
@@ -118,7 +118,7 @@ TEST(Unpack, EveryPlainFileOfAnArchiveIsALogAndPackedOnesAreUnpackedOnceMore) {
     SCOPED_TRACE(packing.name);
     const std::string packed = pack(packing, {{"logs/", ""}, {"logs/a.log", "one\n"}, {"b.gz", inner}, {"empty", ""}});
     ASSERT_TRUE(isPacked(std::string_view(packed).substr(0, kPackedHead)));
-    EXPECT_FALSE(unpackedStream(fileOf(packed), "p").value()) << "an archive is no single log";
+    EXPECT_FALSE(unpackedStream(fileOf(packed), "p", 0).value()) << "an archive is no single log";
     const auto logs = unpack(packed);
     ASSERT_EQ(logs.size(), 3u);
     EXPECT_EQ(logs[0].name, "p/logs/a.log");
@@ -135,7 +135,7 @@ TEST(Unpack, DamageEndsTheLogAndIsTold) {
     SCOPED_TRACE(packing.name);
     const std::string packed = pack(packing, {{"log", log}});
     const std::string cut = packed.substr(0, packed.size() - packed.size() / 20);
-    const auto stream = unpackedStream(fileOf(cut), "p");
+    const auto stream = unpackedStream(fileOf(cut), "p", 0);
     ASSERT_TRUE(stream.isOk() && stream.value());
     const std::string got = wholeOf(*stream.value());
     EXPECT_TRUE(log.starts_with(got) && got.size() < log.size());
@@ -144,7 +144,7 @@ TEST(Unpack, DamageEndsTheLogAndIsTold) {
     EXPECT_NE(stream.value()->note().find(std::to_string(got.size()) + " unpacked bytes"), std::string::npos);
   }
   for (const std::string& head : {std::string("\x1F\x8B"), std::string("PK\x03\x04"), std::string("BZhx")}) {
-    const auto stream = unpackedStream(fileOf(head), "p");
+    const auto stream = unpackedStream(fileOf(head), "p", 0);
     ASSERT_FALSE(stream.isOk());
     EXPECT_NE(stream.error().sentence().find("p: The packed file is damaged"), std::string::npos)
         << stream.error().sentence();

@@ -105,7 +105,7 @@ TEST(Unpack, EachPackingIsKnownByItsContentAndGivesTheLogBack) {
     EXPECT_EQ(stream.value()->note(), "");
     const auto logs = unpack(packed);
     ASSERT_EQ(logs.size(), 1u);
-    EXPECT_EQ(logs[0].name, "p", 0);
+    EXPECT_EQ(logs[0].name, "p");
     EXPECT_EQ(wholeOf(*logs[0].file), log);
   }
   EXPECT_FALSE(isPacked(log));

@@ -117,6 +117,10 @@ std::string readableCount(std::int64_t count) {
   return text;
 }
 
+std::string countOf(std::uint64_t count, std::string_view thing) {
+  return readableCount(static_cast<std::int64_t>(count)).append(" ").append(thing).append(count == 1 ? "" : "s");
+}
+
 std::string readableSeconds(std::int64_t seconds) {
   constexpr std::int64_t kDay = 86400;
   std::string text = seconds >= kDay ? std::to_string(seconds / kDay) + " d " : "";

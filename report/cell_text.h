@@ -23,6 +23,8 @@ void appendPlain(std::string& text, const Cell& cell);
 [[nodiscard]] std::string readableBytes(std::int64_t bytes);
 /// `12,345`.
 [[nodiscard]] std::string readableCount(std::int64_t count);
+/// `1 line`, `12,345 lines`.
+[[nodiscard]] std::string countOf(std::uint64_t count, std::string_view thing);
 /// `0:00:41`, `2 d 03:04:05`.
 [[nodiscard]] std::string readableSeconds(std::int64_t seconds);
 

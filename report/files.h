@@ -14,7 +14,7 @@ namespace quorvel {
 [[nodiscard]] std::vector<RowNumber> fileActions(const Activity& activity, const Scope& scope);
 
 /// Actions summed by the folder that their path lies in, most actions first. Columns: folder, actions, downloads,
-/// download_bytes, uploads, upload_bytes, failed, deletes, renames, users, last.
+/// download_bytes, uploads, upload_bytes, failed, deletes, renames, last.
 [[nodiscard]] std::unique_ptr<Table> foldersTable(const Activity& activity, const std::vector<RowNumber>& actions);
 
 }  // namespace quorvel

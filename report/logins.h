@@ -35,7 +35,7 @@ struct LoginRow {
   std::uint8_t rank = 0;
 };
 
-/// In the order of rank, then of failures in ten minutes, then of failures.
+/// In the order of rank, then of failures.
 [[nodiscard]] std::vector<LoginRow> logins(const Activity& activity, const std::vector<RowNumber>& logons, LoginsBy by,
                                            const Thresholds& thresholds);
 /// Columns: address (or user), stands_out, failures, names, names_tried (addresses), most_in_10m, most_in_2m,

@@ -35,9 +35,9 @@ struct Overview {
   OverviewNumbers numbers;
   std::vector<Finding> findings;
   std::unique_ptr<Table> summary;       ///< the numbers, one row
-  std::unique_ptr<Table> topUsers;      ///< ten: user, bytes, files, by bytes
-  std::unique_ptr<Table> topAddresses;  ///< ten: address, failures, attempts, by failures
-  std::unique_ptr<Table> topFolders;    ///< ten: folder, actions, bytes, by actions
+  std::unique_ptr<Table> topUsers;      ///< ten of trafficTable by user
+  std::unique_ptr<Table> topAddresses;  ///< ten of loginsTable, of those refused, by refusals
+  std::unique_ptr<Table> topFolders;    ///< ten of foldersTable
   std::unique_ptr<Table> days;          ///< trafficTable by day
   std::unique_ptr<Table> week;          ///< weekByHour as seven rows of 24 columns
   WeekByHour weekBytes{};

@@ -16,6 +16,8 @@ namespace quorvel {
 [[nodiscard]] std::string_view parentOf(std::string_view fullPath);
 /// What stands behind the last separator.
 [[nodiscard]] std::string_view fileNameOf(std::string_view path);
+/// The folder that an action's path lies in, as the log gives it; empty where it is not known.
+[[nodiscard]] std::string folderOf(const Activity& activity, const ActionRow& action);
 /// Whether two full paths are one file as far as they tell: one is the end of the other, whole names compared. A server
 /// names a file from its disk on, a client from its own root.
 [[nodiscard]] bool isSamePath(std::string_view a, std::string_view b);

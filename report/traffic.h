@@ -26,12 +26,14 @@ inline constexpr std::array<std::string_view, 7> kTrafficKeyNames = {"user",    
                                                                      "weekday", "month",   "folder"};
 [[nodiscard]] std::optional<TrafficKey> trafficKey(std::string_view name);
 
-/// Sums of the transfers that went over, by one key or two. Times come in their order, others with the most bytes
-/// first; the last row holds the sums of all. Columns: the keys, files, bytes, downloads, download_bytes, uploads,
-/// upload_bytes. A size that no line tells counts as nothing.
+/// Sums of the transfers that went over, by one key or two different ones. Times come in their order, others with the
+/// most bytes first; the last row holds the sums of all. Columns: the keys, files, bytes, downloads, download_bytes,
+/// uploads, upload_bytes. A size that no line tells counts as nothing.
 [[nodiscard]] std::unique_ptr<Table> trafficTable(const Activity& activity, const std::vector<RowNumber>& actions,
                                                   std::span<const TrafficKey> by);
 
+/// "Mon" for 0 to "Sun" for 6.
+[[nodiscard]] std::string_view weekdayName(std::size_t weekday);
 /// Bytes by weekday (Monday first) and hour.
 using WeekByHour = std::array<std::array<std::int64_t, 24>, 7>;
 [[nodiscard]] WeekByHour weekByHour(const Activity& activity, const std::vector<RowNumber>& actions);

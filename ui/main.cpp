@@ -31,6 +31,7 @@ struct Start {
   std::filesystem::path programFolder;
   Settings& settings;
   std::string_view commandLine;  ///< the arguments with blanks between them; empty when none are to be taken
+  std::filesystem::path log;     ///< that the window opens at first, of "--open FILE"; empty: none
 };
 
 std::string joinedArguments(int argc, char** argv) {
@@ -58,6 +59,7 @@ int runUnattended(const Start& start) {
 int runWithWindow(const Start& start) {
   bool failed = false;
   const auto runArguments = [&start, &failed](frmMain& window) {
+    if (!start.log.empty()) return window.openLogFile(start.log);
     const BatchOutcome outcome = runBatch(window, start.commandLine);
     failed = outcome.failed;
     if (outcome.endsProgram) window.context().view.closeWindow();
@@ -70,6 +72,10 @@ int runWithWindow(const Start& start) {
 /// There is no window that could stay open: arguments run unattended whatever AutoExit says.
 int runWithWindow(const Start& start) {
   if (!start.commandLine.empty()) return runUnattended(start);
+  if (!start.log.empty()) {
+    std::cerr << "quorvel: This program has no window to open a log in." << std::endl;
+    return kFailure;
+  }
   std::cout << commandLineReference() << std::flush;
   return kSuccess;
 }
@@ -81,13 +87,23 @@ int run(int argc, char** argv) {
     std::cout << (commandLine == "--help" ? commandLineReference() : "quorvel " + std::string(kVersion) + "\n");
     return std::cout.flush() ? kSuccess : kFailure;
   }
+  const bool opensLog = argc > 1 && argv[1] == std::string_view("--open");
+  if (opensLog && argc > 3) {
+    std::cerr << "quorvel: --open takes one log." << std::endl;
+    return kFailure;
+  }
   const auto programFolder = findProgramFolder();
   Settings settings(systemFiles(), programFolder);
   settings.prepareFile();
   settings.resetOtherVersion();
   constexpr std::string_view kSection = "COMMAND-LINE-ARGUMENTS";
-  const bool takesArguments = settings.readNumber(kSection, "MaxArguments") > 0;
-  const Start start{argc, argv, programFolder, settings, takesArguments ? trimBlanks(commandLine) : ""};
+  const bool takesArguments = !opensLog && settings.readNumber(kSection, "MaxArguments") > 0;
+  const Start start{argc,
+                    argv,
+                    programFolder,
+                    settings,
+                    takesArguments ? trimBlanks(commandLine) : "",
+                    opensLog && argc > 2 ? argv[2] : ""};
   const bool endsByItself = settings.readNumber(kSection, "AutoExit") == 1;
   return !start.commandLine.empty() && endsByItself ? runUnattended(start) : runWithWindow(start);
 }

@@ -10,6 +10,7 @@ namespace {
 constexpr std::string_view kUsage = R"(Quorvel analyzer - command line reference
 
   quorvel                                 open the window
+  quorvel --open LOG                      open the window with a log
   quorvel LOG CODE [VALUE] ... OUTPUT     run unattended
   quorvel --help                          print this text
   quorvel --version                       print the version

@@ -36,7 +36,10 @@ std::string nameOf(const testing::TestParamInfo<Script>& script) {
   return script.param.name();
 }
 INSTANTIATE_TEST_SUITE_P(Scripts, EndToEnd, testing::ValuesIn(loadScripts(QUORVEL_CLI_SCRIPTS)), nameOf);
-#ifndef QUORVEL_HAS_WINDOW
+#ifdef QUORVEL_HAS_WINDOW
+INSTANTIATE_TEST_SUITE_P(WithWindow, EndToEnd, testing::ValuesIn(loadScripts(QUORVEL_CLI_SCRIPTS "_with_window")),
+                         nameOf);
+#else
 INSTANTIATE_TEST_SUITE_P(WithoutWindow, EndToEnd, testing::ValuesIn(loadScripts(QUORVEL_CLI_SCRIPTS "_without_window")),
                          nameOf);
 #endif

@@ -18,13 +18,15 @@ struct CommandContext {
   Pacer& pacer;
 };
 
-/// Keeps commands from nesting: a command that runs the interface would otherwise let the user start a second one.
+/// Keeps commands from nesting: a command that runs the interface would otherwise let the user start a second one. Each
+/// begins with the Stop flag down: a Stop that came when nothing was left to stop is not its own.
 /// Usage: CommandGuard guard(context); if (!guard) return;
 class CommandGuard {
  public:
   explicit CommandGuard(CommandContext& context) : m_context(context), m_entered(!context.state.commandRunning) {
     if (!m_entered) return;
     m_context.state.commandRunning = true;
+    m_context.state.stopFlag = false;
     m_context.view.setCommandRunning(true);
   }
   ~CommandGuard() {

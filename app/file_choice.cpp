@@ -27,7 +27,7 @@ std::optional<std::filesystem::path> chooseSavePathInLastFolder(CommandContext& 
   request.filter = filter;
   request.folder = context.settings.ReadSetting("Main", "LastSavePath");
   if (request.folder.empty()) request.folder = context.state.programFolder;
-  request.asksBeforeOverwriting = true;
+  request.existing = ExistingFile::AskedToReplace;
   auto path = chooseSavePath(context, request);
   if (path) context.settings.WriteSetting("Main", "LastSavePath", path->parent_path().string());
   return path;

@@ -39,7 +39,8 @@ std::filesystem::path chooseResultsFile(CommandContext& context, const FileFilte
   request.title = command.dialogTitle;
   request.filter = command.dialogFilter;
   request.folder = state.resultsFile.empty() ? state.programFolder : state.resultsFile.parent_path();
-  request.asksBeforeOverwriting = true;
+  request.existing = context.settings.readNumber("OPTION-SAVE", "AppendWhenFilter") == 0 ? ExistingFile::AskedToReplace
+                                                                                         : ExistingFile::AskedToAppend;
   return chooseSavePath(context, request).value_or(std::filesystem::path());
 }
 

@@ -64,6 +64,8 @@ class ScanRecorder final : public FindObserver {
     return !m_context.state.stopFlag;
   }
 
+  [[nodiscard]] bool foundAny() const { return m_logons > 0; }
+
   /// To be called at the end of the scan, whatever ended it.
   void finish() {
     flush();
@@ -109,8 +111,7 @@ class FindUsers {
     enter(CodePoint::HideProgress);
     hideProgress();
     enter(CodePoint::EnableMenus);
-    EnDis::enableFilterMenus(m_context.view);
-    EnDis::enableCountMenus(m_context.view);
+    EnDis::enableSessionMenus(m_context.view);
     tellOfLoggedErrors();
   }
 
@@ -148,7 +149,7 @@ class FindUsers {
   }
 
   Status scan(const LogFile& log) {
-    clearTree();
+    clearSessionTree(m_context);
     m_context.state.stopFlag = false;
     createUsersFile();
     m_context.view.setProgressRange(0, log.length() + 1);
@@ -158,19 +159,13 @@ class FindUsers {
     recorder.finish();
     if (!end.isOk()) return end.error();
     finishScan(end.value());
+    if (end.value() == FindEnd::Finished && !recorder.foundAny()) tellOfNoSessions(log.length() == 0);
     return {};
   }
 
   /// A log without sessions has an empty users file, not a lost one. The first record reports what keeps it from being
   /// written.
   void createUsersFile() { std::ignore = m_context.files.open(m_context.state.usersFilePath(), OpenMode::ReadWrite); }
-
-  void clearTree() {
-    m_context.view.treeIsAboutToChange();
-    m_context.state.tree.clear();
-    m_context.state.selectedNode = 0;
-    m_context.view.treeHasChanged();
-  }
 
   void finishScan(FindEnd end) {
     if (end == FindEnd::Stopped) {
@@ -182,6 +177,17 @@ class FindUsers {
       m_errorLog.errorInScan(m_context.state.logPath, {ErrorCode::Overflow, m_context.state.logPath});
     }
     buildSessionTree(m_context);
+  }
+
+  /// Where a session would be shown: what stands there belongs to none of this log.
+  void tellOfNoSessions(bool isEmpty) {
+    m_context.state.currentSession = {};
+    m_context.view.setFilterText({});
+    const std::string reason = isEmpty ? " is empty."
+                                       : " is not a log that this program reads, or nobody has connected yet: no line "
+                                         "of it tells of a connection.";
+    m_context.view.setUserInfo("No sessions found" + std::string(kLineEnd) + std::string(kLineEnd) +
+                               m_context.state.logTitle + reason);
   }
 
   void tellOfLoggedErrors() {

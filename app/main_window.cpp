@@ -46,8 +46,7 @@ void frmMain::load() {
   writeFilterOptionsHeader(m_context);
   view.showProgress(false);
   view.showPositionLabels(false);
-  EnDis::disableFilterMenus(view);
-  EnDis::disableCountMenus(view);
+  EnDis::disableSessionMenus(view);
   writeLayoutHeader(m_context);
   view.setStatusPanel(StatusPanel::Text, "Version: " + std::string(kVersion));
   m_state.showsCheckBoxes = m_context.settings.readFlag("OPTION-TREEVIEW", "CheckBoxInTreeView");

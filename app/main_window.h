@@ -51,7 +51,7 @@ class frmMain {
   /// Opens a log without the dialog (a file dropped on the window). The log type is the one last chosen.
   void openLogFile(const std::filesystem::path& path);
   /// Makes a log the open one and changes no setting: state, status panels 1 and 2, the filter and count menus. title
-  /// is the name to show, in Windows-1252. Part of every way to open a log.
+  /// is the name to show, in Windows-1252. Nothing is left of the log before. Part of every way to open a log.
   void useLog(const std::filesystem::path& path, std::string_view title, LogType type);
   void mnuSaveShortInfo_Click();
   void mnuSaveFilterWindow_Click();

@@ -6,6 +6,7 @@
 #include "app/command_report.h"
 #include "app/file_choice.h"
 #include "app/menu_groups.h"
+#include "app/tree_commands.h"
 #include "log/text.h"
 
 namespace quorvel {
@@ -50,6 +51,17 @@ void openLog(CommandContext& context, const std::filesystem::path& chosen, LogTy
   context.view.enableMenuItem(MenuItem::mnuCountAllTransfers, true);  // needs no sessions
 }
 
+/// The sessions of the log before, wherever they are kept or shown.
+void forgetSessions(CommandContext& context) {
+  (void)context.files.remove(context.state.usersFilePath());
+  clearSessionTree(context);
+  context.state.currentSession = {};
+  context.view.setUserInfo({});
+  context.view.setFilterText({});
+  context.view.setStatusPanel(StatusPanel::Logons, {});
+  EnDis::disableSessionMenus(context.view);
+}
+
 FileRequest logRequest(const CommandContext& context) {
   FileRequest request;
   request.filter = kFilter;
@@ -84,8 +96,8 @@ void useLog(CommandContext& context, const std::filesystem::path& path, std::str
   state.logTypeName = logTypeName(type);
   context.view.setStatusPanel(StatusPanel::LogType, state.logTypeName);
   context.view.setStatusPanel(StatusPanel::Text, "Using " + state.logTitle);
-  EnDis::disableFilterMenus(context.view);
-  EnDis::disableCountMenus(context.view);
+  context.view.showLogName(state.logTitle);
+  forgetSessions(context);
 }
 
 void openLogFile(CommandContext& context, const std::filesystem::path& path) {

@@ -110,6 +110,12 @@ void buildSessionTree(CommandContext& context) {
   context.view.enableTree(true);
 }
 
+void clearSessionTree(CommandContext& context) {
+  const TreeChange change(context.view);
+  context.state.tree.clear();
+  context.state.selectedNode = 0;
+}
+
 void writeLayoutHeader(CommandContext& context) {
   const int layout = context.settings.readNumber(kSection, kLayoutKey);
   if (isTreeLayout(layout)) context.view.setTreeHeader(treeHeader(layout));

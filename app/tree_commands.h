@@ -14,6 +14,9 @@ namespace quorvel {
 /// it stays as it was. Part of other commands: the caller keeps them from nesting.
 void buildSessionTree(CommandContext& context);
 
+/// Leaves no node, and none clicked.
+void clearSessionTree(CommandContext& context);
+
 /// Names the layout of the settings above the tree; an unknown one leaves the lines as they are.
 void writeLayoutHeader(CommandContext& context);
 

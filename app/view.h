@@ -23,6 +23,8 @@ class StatusView {
   virtual ~StatusView() = default;
   virtual void setStatusPanel(StatusPanel panel, std::string_view text) = 0;
   virtual void showBusyPointer(bool busy) = 0;
+  /// The name of the log that was opened, e.g. for the title bar.
+  virtual void showLogName(std::string_view name) = 0;
 };
 
 /// Progress bar and the two position labels below it ("Current position:" and a number).
@@ -131,6 +133,13 @@ struct Message {
   std::string title{};
 };
 
+/// What a save dialog does about a file that is there already.
+enum class ExistingFile {
+  Taken,           ///< without a question
+  AskedToReplace,  ///< asks, and says that it is replaced
+  AskedToAppend,   ///< asks, and says that what is in it stays
+};
+
 /// What a file dialog offers. filter is one entry "description|pattern", the description in the program's own words.
 struct FileRequest {
   std::string title;  ///< empty: the dialog's own
@@ -138,7 +147,7 @@ struct FileRequest {
   int filterIndex = 1;
   std::filesystem::path folder;
   bool fileMustExist = false;
-  bool asksBeforeOverwriting = false;
+  ExistingFile existing = ExistingFile::Taken;
 };
 
 /// What came out of a file dialog. path is absolute; filterIndex is the request's unless the user chose another.

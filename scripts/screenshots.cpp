@@ -23,7 +23,7 @@
 #include "tests/support/program_window.h"
 #include "ui/qt/about_dialog.h"
 #include "ui/qt/computer_ip_dialog.h"
-#include "ui/qt/main_panes.h"
+#include "ui/qt/session_tree_page.h"
 #include "ui/qt/print_pages.h"
 #include "ui/qt/readable_colours.h"
 #include "ui/qt/session_tree_box.h"
@@ -218,7 +218,7 @@ class Photographer : private ProgramWindow {
     (void)QtFileDialogs().askSaveFile(&window, {.title = "Save filter results (all sessions)",
                                                 .filter = "Filtered logfile (all sessions)             (*.txt)|*.txt",
                                                 .folder = folder.path(),
-                                                .asksBeforeOverwriting = true});
+                                                .existing = ExistingFile::AskedToAppend});
   }
 
   void takePrinting() {
@@ -266,7 +266,7 @@ class Photographer : private ProgramWindow {
 
   /// Opens the first name of the tree and shows its first session.
   void openFirst() {
-    SessionTreeBox& tree = window.panes().tree();
+    SessionTreeBox& tree = window.sessionTreePage().tree();
     const QModelIndex top = tree.model()->index(0, 0);
     tree.expandAll();
     tree.setCurrentIndex(tree.model()->index(0, 0, top));
@@ -275,7 +275,7 @@ class Photographer : private ProgramWindow {
   }
 
   void openPopUp() {
-    QWidget* const viewport = window.panes().tree().viewport();
+    QWidget* const viewport = window.sessionTreePage().tree().viewport();
     const QPoint place(60, 40);
     QContextMenuEvent press(QContextMenuEvent::Mouse, place, viewport->mapToGlobal(place));
     QCoreApplication::sendEvent(viewport, &press);

@@ -71,7 +71,7 @@ TEST_F(HostileText, NamesAndAddressesAreShownAsTheyStand) {
     commands.TreeView1_NodeClick(2);
     EXPECT_EQ(commands.state().currentSession.Name, text);
     EXPECT_TRUE(window.userInfo().starts_with("Username:   " + text + "\r\nFrom IP:    " + text + "\r\n"));
-    EXPECT_TRUE(window.panes().filter().toPlainText().contains(toQString("USER " + text)));
+    EXPECT_TRUE(window.sessionTreePage().filter().toPlainText().contains(toQString("USER " + text)));
     expectNothingInterpreted();
     for (const MenuItem item : {MenuItem::mnuCountUsersTransfers, MenuItem::mnuCountIPTransfers, MenuItem::mnuOptions,
                                 MenuItem::mnuGotoPosition, MenuItem::mnuGetComputersIP, MenuItem::mnuAbout})
@@ -115,7 +115,7 @@ TEST_F(HostileText, FileDialogsShowFileNamesAsTheyStand) {
       });
     });
   };
-  const FileRequest request{"<b>Save[*]", "Text (*.txt)|*.txt", 1, folder.path(), true, true};
+  const FileRequest request{"<b>Save[*]", "Text (*.txt)|*.txt", 1, folder.path(), true, ExistingFile::AskedToReplace};
   type();
   EXPECT_EQ(real.askOpenFile(&window, request).outcome, FileChoice::Outcome::Cancelled);
   folder.write(name.filename().string(), "");

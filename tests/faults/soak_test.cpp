@@ -166,11 +166,11 @@ class Desk final : ProgramWindow {
   /// What is done apart from choosing menu items.
   const std::vector<std::function<void()>> m_others = {
       [this] { poke(window); },
-      [this] { poke(window.panes().tree()); },
-      [this] { window.panes().tree().keyboardSearch(QStringLiteral("b")); },
+      [this] { poke(window.sessionTreePage().tree()); },
+      [this] { window.sessionTreePage().tree().keyboardSearch(QStringLiteral("b")); },
       [this] {
         QContextMenuEvent press(QContextMenuEvent::Mouse, QPoint(5, 5), window.mapToGlobal(QPoint(5, 5)));
-        QCoreApplication::sendEvent(window.panes().tree().viewport(), &press);
+        QCoreApplication::sendEvent(window.sessionTreePage().tree().viewport(), &press);
       },
       [this] { window.resize(300 + pick(900), 200 + pick(700)); },
       [this] { changeLog(); },

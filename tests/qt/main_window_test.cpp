@@ -3,6 +3,7 @@
 #include <QPrinterInfo>
 
 #include "tests/qt/window_fixture.h"
+#include "ui/qt/text.h"
 
 namespace quorvel::test {
 namespace {
@@ -35,11 +36,57 @@ TEST_F(MainWindowTest, ALogIsOpenedItsUsersFoundAndASessionShownAndCopied) {
   ASSERT_TRUE(QTest::qWaitForWindowActive(&window)) << "shortcuts work there only";
   QTest::keyClick(&window, Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(QApplication::clipboard()->text().toStdString(), time) << "of the tree, which has the keyboard";
-  PlainTextBox& filter = window.panes().filter();
+  PlainTextBox& filter = window.sessionTreePage().filter();
   filter.setFocus();
   QTest::keyClick(&filter, Qt::Key_A, Qt::ControlModifier);
   QTest::keyClick(&filter, Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(QApplication::clipboard()->text(), filter.toPlainText());
+}
+
+TEST_F(MainWindowTest, AnotherLogTakesThePlaceOfEverythingThatWasShown) {
+  EXPECT_EQ(window.windowTitle(), QStringLiteral("Quorvel analyzer"));
+  findThree();
+  click(row(1, 0));
+  EXPECT_EQ(window.windowTitle(), QStringLiteral("ftp.log - Quorvel analyzer"));
+  open(folder.write("[*].log", "no log\r\n"));
+  EXPECT_EQ(window.windowTitle(), QStringLiteral("[*][*].log - Quorvel analyzer")) << "no mark of a modified document";
+  EXPECT_EQ(rowTexts(*tree.model()) + window.userInfo() + window.filterText() + status(StatusPanel::Logons), "");
+  for (const MenuItem item : {MenuItem::mnuReloadTreeView02, MenuItem::mnuPopupCountSessionsTransfers})
+    EXPECT_FALSE(canChoose(item));
+}
+
+TEST_F(MainWindowTest, AHighlightThatTheKeysMovedIsShownOnceTheyRest) {
+  findThree();
+  click(row(0, 0));
+  const QSignalSpy clicks(&tree, &SessionTreeBox::nodeClicked);
+  for (int i = 0; i < 3; ++i)
+    QTest::keyClick(&tree, Qt::Key_Down);
+  EXPECT_EQ(tree.currentIndex(), row(1, 0));
+  EXPECT_TRUE(window.userInfo().starts_with("Username:   alice")) << "the keys do not rest yet";
+  EXPECT_TRUE(QTest::qWaitFor([this] { return window.userInfo().starts_with("Username:   bob"); }));
+  EXPECT_EQ(clicks.size(), 1);
+  EXPECT_EQ(commands.state().currentSession.Name, "bob") << "which is what is counted";
+  QTest::keyClick(&tree, Qt::Key_Up);
+  QTest::keyClick(&tree, Qt::Key_Return);
+  QTest::qWait(2 * static_cast<int>(SessionTreeBox::kRest.count()));
+  EXPECT_EQ(clicks.size(), 2) << "Enter does not wait, and nothing follows it";
+}
+
+TEST_F(MainWindowTest, TheRightButtonClicksTheNodeUnderItAndATickNone) {
+  findThree();
+  choose(MenuItem::mnuShowCheckboxesInTreeView);
+  click(row(0, 0));
+  const QPoint place = tree.visualRect(row(1, 0)).center();
+  QContextMenuEvent press(QContextMenuEvent::Mouse, place, tree.viewport()->mapToGlobal(place));
+  QCoreApplication::sendEvent(tree.viewport(), &press);
+  EXPECT_TRUE(window.menus().treePopup().isVisible());
+  window.menus().treePopup().hide();
+  EXPECT_EQ(tree.currentIndex(), row(1, 0));
+  EXPECT_EQ(commands.state().currentSession.Name, "bob");
+  const QRect other = tree.visualRect(row(0, 1));
+  QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, QPoint(other.left() + 8, other.center().y()));
+  EXPECT_TRUE(commands.state().tree.isChecked(SessionTreeModel::nodeOf(row(0, 1))));
+  EXPECT_EQ(tree.currentIndex(), row(1, 0)) << "the session shown stays the highlighted one";
 }
 
 TEST_F(MainWindowTest, ThePopUpMenuSwitchesTheLayoutAfterAQuestion) {
@@ -80,7 +127,7 @@ TEST_F(MainWindowTest, ACountIsShownAndPastedAsOftenAsAsked) {
     QTest::keyClick(&result, Qt::Key_Escape);
   });
   const QString heading = QStringLiteral("\n\n--- COUNTER RESULT - ALL USERS ---\n");
-  EXPECT_EQ(window.panes().filter().toPlainText().count(heading), 2);
+  EXPECT_EQ(window.sessionTreePage().filter().toPlainText().count(heading), 2);
   EXPECT_EQ(status(), "Using Serv-U log file");
 }
 
@@ -135,6 +182,21 @@ TEST_F(WhileScanning, OnlyStopAndExitCanBeChosenAndAnotherCommandIsRefused) {
   }));
   EXPECT_TRUE(canChoose(MenuItem::mnuOpenLogFile) && canChoose(MenuItem::mnuFilterAll));
   EXPECT_FALSE(canChoose(MenuItem::mnuPrint)) << "as the command wanted it";
+  EXPECT_FALSE(canChoose(MenuItem::mnuStop)) << "nothing is left to stop";
+}
+
+TEST_F(WhileScanning, AHighlightMovedMeanwhileIsShownAfterwards) {
+  EXPECT_TRUE(findsUsers([] {}));
+  tree.expandAll();
+  QTimer::singleShot(0, &window, [this] {
+    EXPECT_TRUE(commands.state().commandRunning);
+    QTest::keyClick(&tree, Qt::Key_Down);
+    QTest::qWait(2 * static_cast<int>(SessionTreeBox::kRest.count()));
+    EXPECT_EQ(window.userInfo(), "");
+  });
+  dialogs.answer = folder / "out.txt";
+  choose(MenuItem::mnuFilterAll);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return !window.userInfo().empty(); }));
 }
 
 TEST_F(WhileScanning, EscapeAndTheButtonStop) {
@@ -157,6 +219,45 @@ TEST_F(WhileScanning, ClosingStopsTheScanFirstAndThenCloses) {
   }));
   EXPECT_TRUE(QTest::qWaitFor([&closed] { return !closed.isEmpty(); }));
   EXPECT_FALSE(window.isVisible() || folder.has("users.qva"));
+}
+
+TEST_F(MainWindowTest, TheSaveQuestionTellsWhatBecomesOfTheFile) {
+  const auto existing = folder.write("out.txt", "");
+  const std::pair<ExistingFile, const char*> cases[] = {{ExistingFile::AskedToReplace, "will be replaced"},
+                                                        {ExistingFile::AskedToAppend, "what is in it stays"}};
+  for (const auto& [kind, words] : cases) {
+    QString asked;
+    onDialog<QFileDialog>([&](QFileDialog& dialog) {
+      onDialog<QMessageBox>([&asked](QMessageBox& question) {
+        asked = question.text();
+        question.button(QMessageBox::Yes)->click();
+      });
+      dialog.findChild<QLineEdit*>()->setText(toFileName(existing));
+      QMetaObject::invokeMethod(&dialog, "accept", Qt::QueuedConnection);
+    });
+    const FileRequest request{.title = {}, .filter = "Text (*.txt)|*.txt", .folder = folder.path(), .existing = kind};
+    EXPECT_EQ(QtFileDialogs().askSaveFile(&window, request).path, existing);
+    EXPECT_TRUE(asked.contains(QString::fromLatin1(words))) << asked.toStdString();
+  }
+}
+
+TEST_F(MainWindowTest, TheSplittersPlaceIsKept) {
+  auto& splitter = *window.findChild<QSplitter*>();
+  splitter.setSizes({300, splitter.width() - 300});
+  emit splitter.splitterMoved(300, 1);
+  choose(MenuItem::mnuExit);
+  EXPECT_TRUE(folder.has("pages.ini"));
+  const std::pair<const char*, bool> kept[] = {
+      {nullptr, true}, {"x", false}, {"-1", false}, {"nan", false}, {"1e9", false}};
+  for (const auto& [text, isUsed] : kept) {
+    if (text != nullptr) folder.write("pages.ini", "[SessionTree]\nTreeShare=" + std::string(text) + "\n");
+    MainWindow next(dialogs);
+    next.connectCommands(commands);
+    next.resize(window.size());
+    next.show();
+    EXPECT_EQ(std::abs(next.findChild<QSplitter*>()->sizes().front() - 300) <= 2, isUsed) << text;
+    next.disconnectCommands();
+  }
 }
 
 TEST_F(MainWindowTest, ClosingSavesTheBounds) {
@@ -182,8 +283,15 @@ TEST_F(MainWindowTest, ADroppedLogTakesThePlaceOfTheFirstAndAnythingElseIsRefuse
   findThree();
   const QString here = QString::fromStdString("file://" + folder.path().string());
   const QString other = QString::fromStdString("file://" + folder.write("other.log", "").string());
-  for (const QStringList& refused : {QStringList{other, other}, {here}, {QStringLiteral("https://example.org/a.log")}})
-    EXPECT_FALSE(drop(refused) || commands.state().logTitle != "ftp.log");
+  const std::pair<QStringList, const char*> refused[] = {
+      {{other, other}, "Only one log file at a time can be dropped here"},
+      {{here}, "This is a folder; please drop the log file that lies in it"},
+      {{QStringLiteral("https://example.org/a.log")}, "Only a file of this computer can be dropped here"},
+      {{QStringLiteral("file:///dev/null")}, "This is not a file"}};
+  for (const auto& [addresses, reason] : refused) {
+    EXPECT_FALSE(drop(addresses) || commands.state().logTitle != "ftp.log");
+    EXPECT_EQ(status(), reason);
+  }
   EXPECT_TRUE(drop({other}));
   EXPECT_EQ(status(), "Using other.log");
 }

@@ -84,13 +84,16 @@ TEST(WindowPlacement, AWindowIsBroughtBackWhenItCannotBeGrasped) {
       {"inside", {10, 20, 500, 400}, {10, 20, 500, 400}},
       {"second screen", {1100, 20, 500, 400}, {1100, 20, 500, 400}},
       {"partly outside", {800, 700, 500, 400}, {800, 700, 500, 400}},
-      {"screen that is gone", {2500, 20, 500, 400}, {500, 20, 500, 400}},
+      {"screen that is gone", {2500, 20, 500, 400}, {490, 20, 500, 400}},
       {"title above the screen", {10, -30, 500, 400}, {10, 0, 500, 400}},
-      {"too large", {10, 20, 5000, 4000}, {10, 20, 1000, 800}},
-      {"too large and outside", {5000, 5000, 5000, 4000}, {0, 0, 1000, 800}},
+      {"too large", {10, 20, 5000, 4000}, {0, 0, 990, 770}},
+      {"too high, on the second screen", {1100, 20, 500, 800}, {1100, 0, 500, 770}},
+      {"as large as the screen without its frame", {0, 0, 1000, 800}, {0, 0, 990, 770}},
+      {"too large and outside", {5000, 5000, 5000, 4000}, {0, 0, 990, 770}},
   };
+  const QSize frame(10, 30);
   for (const auto& [name, window, shown] : cases)
-    EXPECT_EQ(broughtOnScreen(window, screens), shown) << name;
+    EXPECT_EQ(broughtOnScreen(window, frame, screens), shown) << name;
 }
 
 TEST(FileDialogs, FiltersAreShownWithTheirPatternAndGiveASuffix) {

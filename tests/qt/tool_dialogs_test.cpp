@@ -44,6 +44,23 @@ TEST_F(ToolDialogs, EveryItemOpensItsDialogAndEscapeClosesIt) {
   }
 }
 
+TEST_F(ToolDialogs, EveryDialogFitsASmallScreenWithLargeLetters) {
+  const QFont usual = QApplication::font();
+  QFont large = usual;
+  large.setPointSize(22);
+  QApplication::setFont(large);
+  const QSize screen = window.screen()->availableSize();
+  ASSERT_LE(screen.width(), 800) << "the tests' own screen";
+  for (const MenuItem item : {MenuItem::mnuGotoPosition, MenuItem::mnuGetComputersIP, MenuItem::mnuOptions,
+                              MenuItem::mnuHelpCommandLineReference, MenuItem::mnuAbout}) {
+    use(item, [screen](QDialog& dialog) {
+      EXPECT_LT(dialog.height(), screen.height()) << dialog.objectName().toStdString();
+      EXPECT_LE(dialog.width(), screen.width()) << dialog.objectName().toStdString();
+    });
+  }
+  QApplication::setFont(usual);
+}
+
 TEST_F(ToolDialogs, OptionsFollowTheKeyboard) {
   use(MenuItem::mnuOptions, [](QDialog& dialog) {
     const auto& deletes = part<QCheckBox>(dialog, "chkOption3");
@@ -109,6 +126,8 @@ class ComputerIp : public ToolDialogs {
 };
 
 TEST_F(ComputerIp, ResolvesAndPingsFourTimes) {
+  auto& field = part<QLineEdit>(dialog, "txtHost");
+  EXPECT_GE(field.width(), field.fontMetrics().horizontalAdvance(QString(39, u'8'))) << "the longest address";
   type("127.0.0.1");
   press(Qt::Key_Return);
   EXPECT_TRUE(stop.isEnabled());

@@ -9,7 +9,7 @@
 
 #include "tests/support/program_window.h"
 #include "tests/support/sample_log.h"
-#include "ui/qt/main_panes.h"
+#include "ui/qt/session_tree_page.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/session_tree_box.h"
 #include "ui/qt/session_tree_model.h"
@@ -71,7 +71,7 @@ class WindowTest : public testing::Test, protected ProgramWindow {
     return window.statusText(panel).toStdString();
   }
 
-  SessionTreeBox& tree = window.panes().tree();
+  SessionTreeBox& tree = window.sessionTreePage().tree();
 };
 
 }  // namespace quorvel::test

@@ -74,6 +74,7 @@ class RecordingView : public MainWindowView {
     note("status", static_cast<std::int64_t>(panel), m_status.at(static_cast<std::size_t>(panel)) = text);
   }
   void showBusyPointer(bool busy) override { note("busy", busy); }
+  void showLogName(std::string_view name) override { note("log", name); }
   void showProgress(bool visible) override { note("progress", visible); }
   void setProgressRange(std::int64_t minimum, std::int64_t maximum) override {
     note("progress range", minimum, maximum);
@@ -130,7 +131,8 @@ class RecordingView : public MainWindowView {
   }
   FileChoice ask(std::string call, const FileRequest& request) {
     if (request.fileMustExist) call += " existing";
-    if (request.asksBeforeOverwriting) call += " before overwriting";
+    if (request.existing == ExistingFile::AskedToReplace) call += " before replacing";
+    if (request.existing == ExistingFile::AskedToAppend) call += " before appending";
     note(call, request.title, request.filter, std::int64_t{request.filterIndex}, request.folder.string());
     return std::exchange(fileAnswer, {});
   }

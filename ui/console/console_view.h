@@ -29,6 +29,7 @@ class ConsoleView final : public MainWindowView {
   // StatusView
   void setStatusPanel(StatusPanel panel, std::string_view text) override;
   void showBusyPointer(bool) override {}
+  void showLogName(std::string_view) override {}
 
   // ProgressView
   void showProgress(bool visible) override;

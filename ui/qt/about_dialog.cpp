@@ -9,6 +9,7 @@
 #include "ui/qt/dialog_parts.h"
 #include "ui/qt/text.h"
 #include "ui/qt/window_icon.h"
+#include "ui/qt/window_placement.h"
 
 namespace quorvel {
 namespace {
@@ -33,8 +34,6 @@ void addRow(QFormLayout& form, const QString& caption, const QString& value) {
   field->setPalette(palette);
   field->setAccessibleName(caption);
   field->setCursorPosition(0);
-  constexpr int kColumns = 48;
-  field->setMinimumWidth(widthOfColumns(*field, kColumns));
   form.addRow(caption + u':', field);
 }
 
@@ -62,6 +61,8 @@ frmAbout::frmAbout(const std::filesystem::path& programFolder, QWidget* parent) 
   auto* const close = makeDialogButton(QStringLiteral("cmdClose"), QStringLiteral("Close"), true, this);
   connect(close, &QPushButton::clicked, this, &QDialog::accept);
   rows->addWidget(close, 0, Qt::AlignRight);
+  constexpr int kColumns = 66;
+  resize(sizeOnScreen(*this, {widthOfColumns(*this, kColumns), sizeHint().height()}));
   close->setFocus();
 }
 

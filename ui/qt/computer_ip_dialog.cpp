@@ -12,6 +12,7 @@
 #include "ui/qt/dialog_parts.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/text.h"
+#include "ui/qt/window_placement.h"
 
 namespace quorvel {
 namespace {
@@ -60,23 +61,28 @@ frmComputerIP::frmComputerIP(Settings& settings, std::string_view host, Ping::Op
 void frmComputerIP::arrange(QPushButton& find, QPushButton& close) {
   auto* const label = new QLabel(QStringLiteral("Computer &name or IP address:"), this);
   label->setBuddy(m_input);
-  auto* const question = new QHBoxLayout;
-  question->addWidget(label);
-  question->addWidget(m_input, 1);
-  question->addWidget(&find);
-  question->addWidget(m_stop);
+  constexpr int kFrameColumns = 2;
+  m_input->setMinimumWidth(
+      m_input->fontMetrics().horizontalAdvance(QStringLiteral("2001:0db8:85a3:0000:0000:8a2e:0370:7334")) +
+      widthOfColumns(*m_input, kFrameColumns));
+  auto* const buttons = new QHBoxLayout;
+  buttons->addWidget(&find);
+  buttons->addWidget(m_stop);
+  buttons->addStretch();
   auto* const foot = new QHBoxLayout;
   foot->addWidget(m_autoClear);
   foot->addStretch();
   foot->addWidget(&close);
   auto* const rows = new QVBoxLayout(this);
-  rows->addLayout(question);
+  rows->addWidget(label);
+  rows->addWidget(m_input);
+  rows->addLayout(buttons);
   rows->addWidget(m_results, 1);
   rows->addLayout(foot);
   quorvel::setTabOrder({m_input, &find, m_stop, m_results, m_autoClear, &close});
   constexpr int kColumns = 72;
   constexpr int kLines = 16;
-  resize(widthOfColumns(*m_results, kColumns), m_results->heightForLines(kLines));
+  resize(sizeOnScreen(*this, {widthOfColumns(*m_results, kColumns), m_results->heightForLines(kLines)}));
   setSizeGripEnabled(true);
   m_input->setFocus();
 }

@@ -7,6 +7,7 @@
 #include "ui/qt/dialog_parts.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/text.h"
+#include "ui/qt/window_placement.h"
 
 namespace quorvel {
 
@@ -35,7 +36,8 @@ frmCounterResult::frmCounterResult(std::string_view caption, std::string_view te
   rows->addLayout(buttons);
   constexpr int kColumns = 64;
   constexpr int kLines = 11;
-  resize(widthOfColumns(*m_result, kColumns), m_result->heightForLines(kLines) + m_closeButton->sizeHint().height());
+  const int height = m_result->heightForLines(kLines) + m_closeButton->sizeHint().height();
+  resize(sizeOnScreen(*this, {widthOfColumns(*m_result, kColumns), height}));
   setSizeGripEnabled(true);
   m_closeButton->setFocus();
 }

@@ -33,11 +33,15 @@ FileChoice run(QFileDialog& dialog, const FileRequest& request) {
   return choice;
 }
 
-bool mayWriteTo(QWidget* parent, const std::filesystem::path& path) {
+bool mayWriteTo(QWidget* parent, const std::filesystem::path& path, ExistingFile existing) {
   const QString name = toFileName(path);
-  if (!QFileInfo::exists(name)) return true;
-  return showPlainMessage(parent, name + QStringLiteral(" already exists.\nDo you want to use this file?"),
-                          Buttons::YesNo);
+  if (existing == ExistingFile::Taken || !QFileInfo::exists(name)) return true;
+  const QString question = existing == ExistingFile::AskedToReplace
+                               ? QStringLiteral(" already exists and will be replaced.\nDo you want to replace it?")
+                               : QStringLiteral(
+                                     " already exists. The results are added at its end, what is in it "
+                                     "stays.\nDo you want to add to it?");
+  return showPlainMessage(parent, name + question, Buttons::YesNo);
 }
 
 }  // namespace
@@ -59,7 +63,7 @@ FileChoice QtFileDialogs::askSaveFile(QWidget* parent, const FileRequest& reques
     FileChoice choice = run(dialog, request);
     if (choice.outcome != FileChoice::Outcome::Chosen) return choice;
     choice.path = toPath(withSuffix(toFileName(choice.path), request.filter));
-    if (!request.asksBeforeOverwriting || mayWriteTo(parent, choice.path)) return choice;
+    if (mayWriteTo(parent, choice.path, request.existing)) return choice;
   }
 }
 

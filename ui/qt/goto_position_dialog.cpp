@@ -9,6 +9,7 @@
 #include "ui/qt/dialog_parts.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/text.h"
+#include "ui/qt/window_placement.h"
 
 namespace quorvel {
 
@@ -30,6 +31,7 @@ frmGotoPosInLog::frmGotoPosInLog(FileSystem& files, std::filesystem::path log, Q
   label->setBuddy(m_position);
   auto* const info = new QLabel(QStringLiteral("500 bytes before the position, then the text from there on."), this);
   info->setObjectName(QStringLiteral("lblInfo"));
+  info->setWordWrap(true);
   auto* const find = makeDialogButton(QStringLiteral("cmdFind"), QStringLiteral("&Find"), true, this);
   auto* const close = makeDialogButton(QStringLiteral("cmdClose"), QStringLiteral("Close"), false, this);
   connect(find, &QPushButton::clicked, this, &frmGotoPosInLog::cmdFind_Click);
@@ -48,7 +50,7 @@ frmGotoPosInLog::frmGotoPosInLog(FileSystem& files, std::filesystem::path log, Q
   quorvel::setTabOrder({m_position, find, close, m_result});
   constexpr int kColumns = 90;
   constexpr int kLines = 24;
-  resize(widthOfColumns(*m_result, kColumns), m_result->heightForLines(kLines));
+  resize(sizeOnScreen(*this, {widthOfColumns(*m_result, kColumns), m_result->heightForLines(kLines)}));
   setSizeGripEnabled(true);
   m_position->setFocus();
 }

@@ -3,17 +3,18 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QMenuBar>
+#include <QSettings>
 #include <QShortcut>
 #include <QStatusBar>
 
 #include "app/menu_commands.h"
 #include "app/program.h"
-#include "ui/qt/main_panes.h"
 #include "ui/qt/menus.h"
 #include "ui/qt/one_line_label.h"
 #include "ui/qt/progress_row.h"
 #include "ui/qt/session_tree_box.h"
 #include "ui/qt/session_tree_model.h"
+#include "ui/qt/session_tree_page.h"
 #include "ui/qt/text.h"
 #include "ui/qt/tool_dialogs.h"
 #include "ui/qt/window_icon.h"
@@ -29,18 +30,18 @@ constexpr int kStatusBarMargin = 2;  // pixels that a status bar leaves free at 
 MainWindow::MainWindow(FileDialogs& dialogs)
     : m_dialogs(dialogs),
       m_menus(new Menus(*menuBar())),
-      m_panes(new MainPanes),
+      m_sessionTreePage(new SessionTreePage),
       m_stopShortcut(new QShortcut(Qt::Key_Escape, this)) {
   setObjectName(QStringLiteral("frmMain"));
   setWindowTitle(toTitle(kProgramName));
   setWindowIcon(windowIcon());
   setAcceptDrops(true);
-  setCentralWidget(m_panes);
-  m_panes->tree().setFocus();
+  setCentralWidget(m_sessionTreePage);
+  m_sessionTreePage->tree().setFocus();
   addStatusPanels();
   m_stopShortcut->setEnabled(false);
   connect(m_stopShortcut, &QShortcut::activated, this, [this] { onChosen(MenuItem::mnuStop); });
-  connect(&m_panes->progress(), &ProgressRow::stopRequested, this, [this] { onChosen(MenuItem::mnuStop); });
+  connect(&m_sessionTreePage->progress(), &ProgressRow::stopRequested, this, [this] { onChosen(MenuItem::mnuStop); });
   connect(m_menus, &Menus::chosen, this, &MainWindow::onChosen);
   connectTree();
 }
@@ -51,7 +52,7 @@ MainWindow::~MainWindow() {
 
 void MainWindow::addStatusPanels() {
   constexpr std::array kWidths = {5, 2, 2, 3};
-  statusBar()->setContentsMargins(MainPanes::kGap - kStatusBarMargin, 0, 0, kStatusBarMargin);
+  statusBar()->setContentsMargins(SessionTreePage::kGap - kStatusBarMargin, 0, 0, kStatusBarMargin);
   for (std::size_t i = 0; i < m_panels.size(); ++i) {
     m_panels[i] = new OneLineLabel;
     m_panels[i]->setObjectName(QStringLiteral("StatusBar1_%1").arg(i + 1));
@@ -60,10 +61,10 @@ void MainWindow::addStatusPanels() {
 }
 
 void MainWindow::connectTree() {
-  connect(&m_panes->tree(), &SessionTreeBox::nodeClicked, this, [this](std::int32_t node) {
+  connect(&m_sessionTreePage->tree(), &SessionTreeBox::nodeClicked, this, [this](std::int32_t node) {
     if (m_commands != nullptr && !commandRuns()) m_commands->TreeView1_NodeClick(node);
   });
-  connect(&m_panes->tree(), &SessionTreeBox::menuRequested, this, &MainWindow::onTreeMenuRequested);
+  connect(&m_sessionTreePage->tree(), &SessionTreeBox::menuRequested, this, &MainWindow::onTreeMenuRequested);
 }
 
 void MainWindow::connectCommands(frmMain& commands) {
@@ -71,11 +72,14 @@ void MainWindow::connectCommands(frmMain& commands) {
   m_treeModel = std::make_unique<SessionTreeModel>(commands.state().tree);
   connect(m_treeModel.get(), &SessionTreeModel::checkRequested, this,
           [this](std::int32_t node, bool checked) { m_commands->setNodeChecked(node, checked); });
-  m_panes->tree().showModel(m_treeModel.get());
+  m_sessionTreePage->tree().showModel(m_treeModel.get());
+  const auto settingsFile = commands.state().programFolder / "pages.ini";
+  m_pageSettings = std::make_unique<QSettings>(toFileName(settingsFile), QSettings::IniFormat);
+  m_sessionTreePage->restore(*m_pageSettings);
 }
 
 void MainWindow::disconnectCommands() {
-  m_panes->tree().showModel(nullptr);
+  m_sessionTreePage->tree().showModel(nullptr);
   m_treeModel.reset();
   m_commands = nullptr;
 }
@@ -111,8 +115,8 @@ void MainWindow::stopCommand() {
 
 bool MainWindow::event(QEvent* event) {
   // A command that asks something cannot be stopped but by the answer.
-  if (event->type() == QEvent::WindowBlocked) m_panes->progress().showStop(false);
-  if (event->type() == QEvent::WindowUnblocked) m_panes->progress().showStop(commandRuns());
+  if (event->type() == QEvent::WindowBlocked) m_sessionTreePage->progress().showStop(false);
+  if (event->type() == QEvent::WindowUnblocked) m_sessionTreePage->progress().showStop(commandRuns());
   return QMainWindow::event(event);
 }
 
@@ -125,7 +129,11 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   for (QWidget* const other : QApplication::topLevelWidgets()) {
     if (other != this && other->isVisible()) other->close();
   }
-  if (m_commands != nullptr) m_commands->unload(normalBounds(*this), isMaximized());
+  if (m_commands != nullptr) {
+    m_commands->unload(normalBounds(*this), isMaximized());
+    m_sessionTreePage->save(*m_pageSettings);
+    m_pageSettings->sync();
+  }
   disconnectCommands();
   event->accept();
   emit closed();

@@ -8,12 +8,13 @@
 #include "app/main_window.h"
 #include "app/view.h"
 
+class QSettings;
 class QShortcut;
 
 namespace quorvel {
 
 class FileDialogs;
-class MainPanes;
+class SessionTreePage;
 class Menus;
 class OneLineLabel;
 class SessionTreeModel;
@@ -33,7 +34,7 @@ class MainWindow final : public QMainWindow, public MainWindowView {
   /// Before the window is shown.
   void applyStoredPlacement();
 
-  [[nodiscard]] MainPanes& panes() { return *m_panes; }
+  [[nodiscard]] SessionTreePage& sessionTreePage() { return *m_sessionTreePage; }
   [[nodiscard]] Menus& menus() { return *m_menus; }
   [[nodiscard]] QString statusText(StatusPanel panel) const;
   /// A close was asked for while a command runs; the window closes when the command has stopped.
@@ -42,6 +43,7 @@ class MainWindow final : public QMainWindow, public MainWindowView {
   // StatusView
   void setStatusPanel(StatusPanel panel, std::string_view text) override;
   void showBusyPointer(bool busy) override;
+  void showLogName(std::string_view name) override;
   // ProgressView
   void showProgress(bool visible) override;
   void setProgressRange(std::int64_t minimum, std::int64_t maximum) override;
@@ -97,10 +99,11 @@ class MainWindow final : public QMainWindow, public MainWindowView {
   FileDialogs& m_dialogs;
   frmMain* m_commands = nullptr;
   Menus* m_menus;
-  MainPanes* m_panes;
+  SessionTreePage* m_sessionTreePage;
   std::array<OneLineLabel*, 4> m_panels{};
   QShortcut* m_stopShortcut;  // Esc, only while a command runs
   std::unique_ptr<SessionTreeModel> m_treeModel;
+  std::unique_ptr<QSettings> m_pageSettings;  // pages.ini: what the pages keep from one start to the next
   QPoint m_treeMenuPosition;
   bool m_treeHadFocus = false;  // when it was disabled
   bool m_isClosing = false;

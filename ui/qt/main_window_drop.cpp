@@ -11,12 +11,14 @@
 namespace quorvel {
 namespace {
 
-/// The one plain file that was dropped; empty for anything else.
-QString droppedFile(const QMimeData& data) {
+/// Why what was dropped cannot be opened; empty when it is one plain file.
+std::string_view whyNotOneLog(const QMimeData& data) {
   const QList<QUrl> urls = data.urls();
-  if (urls.size() != 1 || !urls.constFirst().isLocalFile()) return {};
-  const QString fileName = urls.constFirst().toLocalFile();
-  return QFileInfo(fileName).isFile() ? fileName : QString();
+  if (urls.size() != 1) return "Only one log file at a time can be dropped here";
+  if (!urls.constFirst().isLocalFile()) return "Only a file of this computer can be dropped here";
+  const QFileInfo file(urls.constFirst().toLocalFile());
+  if (file.isDir()) return "This is a folder; please drop the log file that lies in it";
+  return file.isFile() ? "" : "This is not a file";
 }
 
 }  // namespace
@@ -27,13 +29,12 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 
 void MainWindow::dropEvent(QDropEvent* event) {
   if (m_commands == nullptr || commandRuns()) return event->ignore();
-  const QString fileName = droppedFile(*event->mimeData());
-  if (fileName.isEmpty()) {
-    setStatusPanel(StatusPanel::Text, "Only one log file at a time can be dropped here");
+  if (const std::string_view reason = whyNotOneLog(*event->mimeData()); !reason.empty()) {
+    setStatusPanel(StatusPanel::Text, reason);
     return event->ignore();
   }
   event->acceptProposedAction();
-  m_commands->openLogFile(toPath(fileName));
+  m_commands->openLogFile(toPath(event->mimeData()->urls().constFirst().toLocalFile()));
 }
 
 }  // namespace quorvel

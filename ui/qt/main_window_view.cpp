@@ -4,10 +4,10 @@
 #include <QShortcut>
 #include <QUrl>
 
+#include "app/program.h"
 #include "ui/qt/busy_pointer.h"
 #include "ui/qt/counter_result_window.h"
 #include "ui/qt/file_dialogs.h"
-#include "ui/qt/main_panes.h"
 #include "ui/qt/main_window.h"
 #include "ui/qt/menus.h"
 #include "ui/qt/one_line_label.h"
@@ -16,6 +16,7 @@
 #include "ui/qt/progress_row.h"
 #include "ui/qt/session_tree_box.h"
 #include "ui/qt/session_tree_model.h"
+#include "ui/qt/session_tree_page.h"
 #include "ui/qt/text.h"
 
 namespace quorvel {
@@ -28,44 +29,48 @@ void MainWindow::showBusyPointer(bool busy) {
   quorvel::showBusyPointer(busy);
 }
 
+void MainWindow::showLogName(std::string_view name) {
+  setWindowTitle(toTitle(name) + QStringLiteral(" - ") + toTitle(kProgramName));
+}
+
 void MainWindow::showProgress(bool visible) {
-  m_panes->progress().showBar(visible);
+  m_sessionTreePage->progress().showBar(visible);
 }
 
 void MainWindow::setProgressRange(std::int64_t minimum, std::int64_t maximum) {
-  m_panes->progress().setRange(minimum, maximum);
+  m_sessionTreePage->progress().setRange(minimum, maximum);
 }
 
 void MainWindow::setProgress(std::int64_t value) {
-  m_panes->progress().setValue(value);
+  m_sessionTreePage->progress().setValue(value);
 }
 
 void MainWindow::showPositionLabels(bool visible) {
-  m_panes->progress().showLabels(visible);
+  m_sessionTreePage->progress().showLabels(visible);
 }
 
 void MainWindow::setPositionLabels(std::string_view caption, std::string_view position) {
-  m_panes->progress().setLabels(caption, position);
+  m_sessionTreePage->progress().setLabels(caption, position);
 }
 
 void MainWindow::setUserInfo(std::string_view text) {
-  m_panes->userInfo().setBytes(text);
+  m_sessionTreePage->userInfo().setBytes(text);
 }
 
 std::string MainWindow::userInfo() const {
-  return m_panes->userInfo().bytes();
+  return m_sessionTreePage->userInfo().bytes();
 }
 
 void MainWindow::setFilterText(std::string_view text) {
-  m_panes->filter().setBytes(text);
+  m_sessionTreePage->filter().setBytes(text);
 }
 
 void MainWindow::appendFilterText(std::string_view text) {
-  m_panes->filter().appendBytes(text);
+  m_sessionTreePage->filter().appendBytes(text);
 }
 
 std::string MainWindow::filterText() const {
-  return m_panes->filter().bytes();
+  return m_sessionTreePage->filter().bytes();
 }
 
 void MainWindow::treeIsAboutToChange() {
@@ -77,26 +82,26 @@ void MainWindow::treeHasChanged() {
 }
 
 void MainWindow::treeChecksHaveChanged() {
-  m_panes->tree().noteChecksChanged();
+  m_sessionTreePage->tree().noteChecksChanged();
 }
 
 void MainWindow::enableTree(bool enabled) {
-  SessionTreeBox& tree = m_panes->tree();
+  SessionTreeBox& tree = m_sessionTreePage->tree();
   if (!enabled) m_treeHadFocus = focusWidget() == &tree;
   tree.setEnabled(enabled);  // disabled, it loses the keyboard to the next box
   if (enabled && m_treeHadFocus) tree.setFocus();
 }
 
 void MainWindow::showTree(bool visible) {
-  m_panes->showTree(visible);
+  m_sessionTreePage->showTree(visible);
 }
 
 void MainWindow::showTreeCheckBoxes(bool visible) {
-  m_panes->tree().showCheckBoxes(visible);
+  m_sessionTreePage->tree().showCheckBoxes(visible);
 }
 
 void MainWindow::setTreeHeader(std::string_view text) {
-  m_panes->setTreeHeader(text);
+  m_sessionTreePage->setTreeHeader(text);
 }
 
 void MainWindow::enableMenuItem(MenuItem item, bool enabled) {
@@ -114,7 +119,8 @@ void MainWindow::popUpTreeMenu() {
 void MainWindow::setCommandRunning(bool running) {
   m_menus->setCommandRunning(running);
   m_stopShortcut->setEnabled(running);
-  m_panes->progress().showStop(running);
+  m_sessionTreePage->tree().letClicksWait(running);
+  m_sessionTreePage->progress().showStop(running);
   if (!running && m_isClosing) QMetaObject::invokeMethod(this, &MainWindow::closeWindow, Qt::QueuedConnection);
 }
 

@@ -20,6 +20,7 @@ Menus::Menus(QMenuBar& bar) : QObject(&bar), m_treePopup(new QMenu(&bar)) {
     if (bar.actions().size() == 1) addEditMenu(bar);
   }
   fill(*m_treePopup, treePopupPart());
+  setCommandRunning(false);
 }
 
 void Menus::fill(QMenu& menu, const MenuPart& part) {
@@ -69,9 +70,8 @@ void Menus::setCommandRunning(bool running) {
 }
 
 void Menus::applyEnabled(MenuItem item) {
-  const bool worksDuringCommand = item == MenuItem::mnuStop || item == MenuItem::mnuExit;
-  const bool wanted = m_isEnabled[static_cast<std::size_t>(item)];
-  action(item).setEnabled(wanted && (worksDuringCommand || !m_commandRunning));
+  const bool worksNow = item == MenuItem::mnuExit || m_commandRunning == (item == MenuItem::mnuStop);
+  action(item).setEnabled(worksNow && m_isEnabled[static_cast<std::size_t>(item)]);
 }
 
 }  // namespace quorvel

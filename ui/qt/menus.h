@@ -28,7 +28,7 @@ class Menus : public QObject {
   /// Takes effect at once, or when the running command ends.
   void enable(MenuItem item, bool enabled);
   void check(MenuItem item, bool checked);
-  /// While a command runs only Stop and Exit can be chosen.
+  /// While a command runs only Stop and Exit can be chosen, else all but Stop.
   void setCommandRunning(bool running);
 
  signals:

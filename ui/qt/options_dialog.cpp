@@ -6,10 +6,12 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QRadioButton>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "ui/qt/dialog_parts.h"
 #include "ui/qt/text.h"
+#include "ui/qt/window_placement.h"
 
 namespace quorvel {
 namespace {
@@ -62,7 +64,7 @@ void OptionsDialog::addPageList() {
   m_pages->setCurrentRow(0);
   m_pages->setSpacing(kListSpacing);
   const int border = 2 * kListSpacing + 4 * m_pages->frameWidth() + widthOfColumns(*m_pages, 2);
-  m_pages->setFixedWidth(m_pages->sizeHintForColumn(0) + border);
+  m_pages->setMaximumWidth(m_pages->sizeHintForColumn(0) + border);
   connect(m_pages, &QListWidget::currentRowChanged, this, [this](int page) {
     m_form.lstSelectOption_Click(page);
     draw();
@@ -125,13 +127,24 @@ void OptionsDialog::arrange() {
   buttons->addWidget(cancel);
   auto* const panes = new QHBoxLayout;
   panes->addWidget(m_pages);
-  panes->addWidget(m_frame, 1);
+  panes->addWidget(makeScrollArea(), 1);
   auto* const rows = new QVBoxLayout(this);
   rows->addLayout(panes);
   rows->addLayout(buttons);
   constexpr int kFrameColumns = 83;
   constexpr int kFrameLines = 23;
-  resize(m_pages->width() + widthOfColumns(*this, kFrameColumns), fontMetrics().height() * kFrameLines);
+  const QSize whole(m_pages->maximumWidth() + widthOfColumns(*this, kFrameColumns),
+                    fontMetrics().height() * kFrameLines);
+  resize(sizeOnScreen(*this, whole));
+}
+
+QWidget* OptionsDialog::makeScrollArea() {
+  auto* const area = new QScrollArea(this);
+  area->setFrameShape(QFrame::NoFrame);
+  area->setWidgetResizable(true);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidget(m_frame);
+  return area;
 }
 
 void OptionsDialog::draw() {

@@ -32,6 +32,7 @@ class OptionsDialog : public QDialog {
   void addCheckBoxes(QVBoxLayout& rows);
   void addBufferRow(QVBoxLayout& rows);
   void arrange();
+  [[nodiscard]] QWidget* makeScrollArea();
   void draw();
   void drawOptionButtons();
   void drawCheckBoxes();

@@ -35,6 +35,9 @@ SessionTreeBox::SessionTreeBox(QWidget* parent) : QTreeView(parent) {
   setAcceptDrops(false);
   setTextElideMode(Qt::ElideRight);
   setAccessibleName(QStringLiteral("Sessions"));
+  m_rest.setSingleShot(true);
+  m_rest.setInterval(kRest);
+  connect(&m_rest, &QTimer::timeout, this, &SessionTreeBox::clickHighlighted);
   connect(this, &QAbstractItemView::clicked, this, &SessionTreeBox::onClicked);
   connect(this, &QTreeView::expanded, this,
           [this](const QModelIndex& index) { m_openParents.insert(SessionTreeModel::nodeOf(index)); });
@@ -46,6 +49,7 @@ void SessionTreeBox::showModel(SessionTreeModel* model) {
   m_model = model;
   setModel(model);
   m_openParents.clear();
+  m_rest.stop();
   if (model != nullptr) connect(model, &QAbstractItemModel::modelReset, this, [this] { m_openParents.clear(); });
 }
 
@@ -78,15 +82,27 @@ bool SessionTreeBox::edit(const QModelIndex& index, EditTrigger trigger, QEvent*
 }
 
 void SessionTreeBox::mousePressEvent(QMouseEvent* event) {
-  if (event->button() == Qt::RightButton) return;  // opens the menu, the selection stays
+  if (event->button() == Qt::RightButton) return;  // contextMenuEvent() follows
   m_clickChangedCheck = false;
+  m_beforePress = currentIndex();
   QTreeView::mousePressEvent(event);
+}
+
+void SessionTreeBox::mouseReleaseEvent(QMouseEvent* event) {
+  QTreeView::mouseReleaseEvent(event);
+  if (!m_clickChangedCheck || event->button() != Qt::LeftButton) return;
+  // A tick chooses no session: the highlight goes back to the one that is shown.
+  if (m_beforePress.isValid()) return setCurrentIndex(m_beforePress);
+  clearSelection();
+  selectionModel()->clearCurrentIndex();
 }
 
 void SessionTreeBox::keyPressEvent(QKeyEvent* event) {
   const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (!isEnter) return QTreeView::keyPressEvent(event);
-  if (currentIndex().isValid()) emit nodeClicked(SessionTreeModel::nodeOf(currentIndex()));
+  if (isEnter) return clickHighlighted();
+  const QModelIndex before = currentIndex();
+  QTreeView::keyPressEvent(event);
+  if (currentIndex() != before) m_rest.start();
 }
 
 void SessionTreeBox::contextMenuEvent(QContextMenuEvent* event) {
@@ -94,12 +110,25 @@ void SessionTreeBox::contextMenuEvent(QContextMenuEvent* event) {
   if (event->reason() == QContextMenuEvent::Keyboard) {
     const QRect row = visualRect(currentIndex()) & viewport()->rect();
     position = viewport()->mapToGlobal(row.isValid() ? row.bottomLeft() : QPoint());
+  } else if (const QModelIndex index = indexAt(event->pos()); index.isValid() && index != currentIndex()) {
+    setCurrentIndex(index);
+    clickHighlighted();
   }
   emit menuRequested(position);
 }
 
-void SessionTreeBox::onClicked(const QModelIndex& index) {
-  if (!m_clickChangedCheck) emit nodeClicked(SessionTreeModel::nodeOf(index));
+void SessionTreeBox::onClicked(const QModelIndex&) {
+  if (!m_clickChangedCheck) clickHighlighted();
+}
+
+void SessionTreeBox::clickHighlighted() {
+  if (m_clicksWait) return m_rest.start();
+  m_rest.stop();
+  if (currentIndex().isValid()) emit nodeClicked(SessionTreeModel::nodeOf(currentIndex()));
+}
+
+void SessionTreeBox::letClicksWait(bool wait) {
+  m_clicksWait = wait;
 }
 
 }  // namespace quorvel

@@ -5,6 +5,7 @@
 #include "ui/qt/dialog_parts.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/text.h"
+#include "ui/qt/window_placement.h"
 
 namespace quorvel {
 
@@ -22,7 +23,7 @@ TextViewer::TextViewer(std::string_view title, std::string_view text, QWidget* p
   rows->addWidget(close, 0, Qt::AlignRight);
   constexpr int kColumns = 86;
   constexpr int kLines = 30;
-  resize(widthOfColumns(*box, kColumns), box->heightForLines(kLines));
+  resize(sizeOnScreen(*this, {widthOfColumns(*box, kColumns), box->heightForLines(kLines)}));
   setSizeGripEnabled(true);
   box->setFocus();
 }

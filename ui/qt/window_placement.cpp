@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QStyle>
 #include <QWidget>
 #include <algorithm>
 
@@ -26,6 +27,12 @@ QList<QRect> usableScreens() {
   return areas;
 }
 
+/// What the window manager will put around a window, whose title has about the size of the program's own font.
+QSize expectedFrame(const QWidget& window) {
+  constexpr int kBorder = 8;  // pixels, that of both sides
+  return {kBorder, window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window) + 2 * kBorder};
+}
+
 bool canBeGrasped(const QRect& window, const QRect& screen) {
   const QRect edge(window.topLeft(), QSize(window.width(), kHandle.height()));
   const QRect seen = edge & screen;
@@ -34,32 +41,43 @@ bool canBeGrasped(const QRect& window, const QRect& screen) {
 
 }  // namespace
 
-QRect broughtOnScreen(QRect window, const QList<QRect>& screens) {
+QRect broughtOnScreen(QRect window, QSize frame, const QList<QRect>& screens) {
   if (screens.isEmpty()) return window;
   const auto home = std::find_if(screens.begin(), screens.end(),
                                  [&window](const QRect& screen) { return canBeGrasped(window, screen); });
   const QRect& screen = home == screens.end() ? screens.front() : *home;
-  window.setSize(window.size().boundedTo(screen.size()));
-  if (home != screens.end()) return window;
-  const int left = std::clamp(window.left(), screen.left(), screen.right() + 1 - window.width());
-  const int top = std::clamp(window.top(), screen.top(), screen.bottom() + 1 - window.height());
+  const QSize wanted = window.size();
+  const QSize room = screen.size() - frame;
+  window.setSize(wanted.boundedTo(room));
+  if (home != screens.end() && window.size() == wanted) return window;
+  const int left = std::clamp(window.left(), screen.left(), screen.left() + room.width() - window.width());
+  const int top = std::clamp(window.top(), screen.top(), screen.top() + room.height() - window.height());
   window.moveTo(left, top);
   return window;
+}
+
+QSize sizeOnScreen(const QWidget& window, QSize size) {
+  const QScreen* const screen = window.screen();
+  return screen == nullptr ? size : size.boundedTo(screen->availableSize() - expectedFrame(window));
 }
 
 void applyPlacement(QWidget& window, const WindowPlacement& placement) {
   const QList<QRect> screens = usableScreens();
   if (placement.isCentred) {
     const QRect screen = screens.isEmpty() ? QRect() : screens.front();
-    window.resize(kDefaultSize.boundedTo(screen.size()));
-    window.move(screen.center() - window.rect().center());
+    const QSize frame = expectedFrame(window);
+    const QSize size = kDefaultSize.boundedTo(screen.size() - frame);
+    window.resize(size);
+    window.move(
+        screen.topLeft() +
+        QPoint(screen.width() - size.width() - frame.width(), screen.height() - size.height() - frame.height()) / 2);
     return;
   }
   constexpr int kFarthest = 1'000'000;  // the settings may hold anything; sums must stay in range
   const WindowBounds& bounds = placement.bounds;
   const QRect stored(std::min(bounds.left, kFarthest), std::min(bounds.top, kFarthest),
                      std::min(bounds.width, kFarthest), std::min(bounds.height, kFarthest));
-  const QRect place = broughtOnScreen(stored, screens);
+  const QRect place = broughtOnScreen(stored, expectedFrame(window), screens);
   window.move(place.topLeft());
   window.resize(place.size());
   if (placement.isMaximized) window.setWindowState(window.windowState() | Qt::WindowMaximized);

@@ -11,8 +11,12 @@ class QWidget;
 namespace quorvel {
 
 /// The nearest place where a window of that size can be seen and grasped, the usable areas of all screens being given,
-/// the main screen's first. A window that lies partly outside stays where it is; one larger than the screen shrinks.
-[[nodiscard]] QRect broughtOnScreen(QRect window, const QList<QRect>& screens);
+/// the main screen's first. A window that lies partly outside stays where it is; one that does not fit with its frame,
+/// which takes the given width and height, shrinks and lies on the screen as a whole.
+[[nodiscard]] QRect broughtOnScreen(QRect window, QSize frame, const QList<QRect>& screens);
+
+/// The part of a size that fits the window's screen, together with the window's frame.
+[[nodiscard]] QSize sizeOnScreen(const QWidget& window, QSize size);
 
 /// Moves and sizes the window, which is not shown yet; shown, it is maximized when the placement says so.
 void applyPlacement(QWidget& window, const WindowPlacement& placement);

@@ -1,6 +1,7 @@
-#include "ui/qt/main_panes.h"
+#include "ui/qt/session_tree_page.h"
 
 #include <QLabel>
+#include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -16,8 +17,9 @@ namespace quorvel {
 namespace {
 
 constexpr double kTreeShare = 0.5175;
+const QString kTreeShareKey = QStringLiteral("SessionTree/TreeShare");
 constexpr int kNarrowWindow = 512;  // pixels
-constexpr int kGap = MainPanes::kGap;
+constexpr int kGap = SessionTreePage::kGap;
 constexpr int kHeaderLines = 2;
 constexpr int kUserInfoLines = 7;
 
@@ -43,7 +45,7 @@ int treeWidth(int windowWidth) {
   return static_cast<int>(std::lround(std::max(windowWidth, kNarrowWindow) * kTreeShare));
 }
 
-MainPanes::MainPanes(QWidget* parent)
+SessionTreePage::SessionTreePage(QWidget* parent)
     : QWidget(parent),
       m_treeStack(new QStackedWidget),
       m_hidingLabel(new QLabel(QStringLiteral("Hiding TreeView for faster operation. Please wait..."))),
@@ -57,7 +59,8 @@ MainPanes::MainPanes(QWidget* parent)
   m_splitter->addWidget(makeTextSide());
   m_splitter->setChildrenCollapsible(false);
   m_splitter->setHandleWidth(kGap);
-  connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_userMovedSplitter = true; });
+  connect(m_splitter, &QSplitter::splitterMoved, this,
+          [this](int position) { m_treeShare = static_cast<double>(position) / std::max(1, m_splitter->width()); });
 
   auto* const rows = new QVBoxLayout(this);
   rows->setContentsMargins(kGap, kGap / 2, kGap, kGap / 2);
@@ -66,7 +69,7 @@ MainPanes::MainPanes(QWidget* parent)
   rows->addWidget(m_progress);
 }
 
-QWidget* MainPanes::makeTreeSide() {
+QWidget* SessionTreePage::makeTreeSide() {
   m_treeHeader->setObjectName(QStringLiteral("lblTreeHeader"));
   m_tree->setObjectName(QStringLiteral("TreeView1"));
   m_hidingLabel->setObjectName(QStringLiteral("lblHidingTreeView"));
@@ -82,7 +85,7 @@ QWidget* MainPanes::makeTreeSide() {
   return side;
 }
 
-QWidget* MainPanes::makeTextSide() {
+QWidget* SessionTreePage::makeTextSide() {
   m_userInfo->setObjectName(QStringLiteral("rtbUserInfo"));
   m_userInfo->setAccessibleName(QStringLiteral("User info"));
   m_userInfo->setFixedHeight(m_userInfo->heightForLines(kUserInfoLines));
@@ -97,19 +100,33 @@ QWidget* MainPanes::makeTextSide() {
   return side;
 }
 
-void MainPanes::setTreeHeader(std::string_view text) {
+void SessionTreePage::setTreeHeader(std::string_view text) {
   m_treeHeader->setText(toQString(text).remove(u'\r'));
 }
 
-void MainPanes::showTree(bool visible) {
+void SessionTreePage::showTree(bool visible) {
   m_treeStack->setCurrentWidget(visible ? static_cast<QWidget*>(m_tree) : m_hidingLabel);
 }
 
-void MainPanes::resizeEvent(QResizeEvent* event) {
+void SessionTreePage::restore(const QSettings& settings) {
+  const double share = settings.value(kTreeShareKey).toDouble();
+  if (share > 0 && share < 1) m_treeShare = share;
+  divide();
+}
+
+void SessionTreePage::save(QSettings& settings) const {
+  if (m_treeShare) settings.setValue(kTreeShareKey, *m_treeShare);
+}
+
+void SessionTreePage::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
-  if (m_userMovedSplitter) return;
-  const int left = treeWidth(width()) - kGap;  // the edge's gap counts as the tree's
-  m_splitter->setSizes({left, std::max(1, width() - left - 3 * kGap)});
+  divide();
+}
+
+void SessionTreePage::divide() {
+  const int whole = width() - 2 * kGap;  // the edges' gaps; the one at the left counts as the tree's
+  const int left = m_treeShare ? static_cast<int>(std::lround(*m_treeShare * whole)) : treeWidth(width()) - kGap;
+  m_splitter->setSizes({left, std::max(1, whole - left - kGap)});
 }
 
 }  // namespace quorvel

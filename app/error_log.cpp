@@ -41,12 +41,6 @@ void ErrorLog::recordNotSaved(const std::filesystem::path& log, const std::files
   endBlock();
 }
 
-void ErrorLog::errorInScan(const std::filesystem::path& log, const Error& error) {
-  addHead(error);
-  addLine(log.string());
-  endBlock();
-}
-
 void ErrorLog::flush() {
   if (!m_writer.finish().isOk()) throw std::bad_alloc();  // the only failure that write() does not keep to itself
   if (m_batch.empty()) return;

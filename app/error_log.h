@@ -28,8 +28,6 @@ class ErrorLog {
   /// blank before the latter), the four head lines and the record dump.
   void recordNotSaved(const std::filesystem::path& log, const std::filesystem::path& usersFile, const UserAct& record,
                       std::int32_t recordNumber, const Error& error);
-  /// Any other error of a scan: the four head lines, then the file's name and four empty lines.
-  void errorInScan(const std::filesystem::path& log, const Error& error);
   void flush();
 
  private:

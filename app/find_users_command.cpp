@@ -33,18 +33,19 @@ enum class CodePoint {
 /// Puts the sessions of a scan into the users file and shows how far it has come.
 class ScanRecorder final : public FindObserver {
  public:
-  ScanRecorder(CommandContext& context, ErrorLog& errorLog)
+  ScanRecorder(CommandContext& context, ErrorLog& errorLog, std::size_t slotSize)
       : m_context(context),
         m_errorLog(errorLog),
-        m_writer(context.files, context.state.usersFilePath(),
-                 [&context, &errorLog, usersFile = context.state.usersFilePath()](
-                     const UserAct& record, std::int32_t recordNumber, const Error& error) {
-                   context.state.errorsLogged = true;
-                   // A record that does not fit is a matter of the log, any other trouble one of this run.
-                   if (context.state.batchFlag && error.code != ErrorCode::BadRecordLength)
-                     context.state.batchFailed = true;
-                   errorLog.recordNotSaved(context.state.logPath, usersFile, record, recordNumber, error);
-                 }) {}
+        m_writer(
+            context.files, context.state.usersFilePath(),
+            [&context, &errorLog, usersFile = context.state.usersFilePath()](
+                const UserAct& record, std::int32_t recordNumber, const Error& error) {
+              context.state.errorsLogged = true;
+              // A record that does not fit is a matter of the log, any other trouble one of this run.
+              if (context.state.batchFlag && error.code != ErrorCode::BadRecordLength) context.state.batchFailed = true;
+              errorLog.recordNotSaved(context.state.logPath, usersFile, record, recordNumber, error);
+            },
+            slotSize) {}
 
   void onSession(const FoundSession& session) override {
     m_writer.WriteSessionRecord(session.record, session.LogonNo);
@@ -154,7 +155,7 @@ class FindUsers {
     createUsersFile();
     m_context.view.setProgressRange(0, log.length() + 1);
     const FindOptions options{.trunkLongUsernames = m_context.settings.readFlag("MAIN", "TrunkLongUsernames")};
-    ScanRecorder recorder(m_context, m_errorLog);
+    ScanRecorder recorder(m_context, m_errorLog, slotSizeFor(log.length()));
     const auto end = ServuFindUserInfo(log, options, recorder);
     recorder.finish();
     if (!end.isOk()) return end.error();
@@ -171,10 +172,6 @@ class FindUsers {
     if (end == FindEnd::Stopped) {
       m_context.state.stopFlag = false;
       return;
-    }
-    if (end == FindEnd::Overflow) {
-      m_context.state.errorsLogged = true;
-      m_errorLog.errorInScan(m_context.state.logPath, {ErrorCode::Overflow, m_context.state.logPath});
     }
     buildSessionTree(m_context);
   }

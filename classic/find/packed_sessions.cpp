@@ -13,7 +13,7 @@ PackedSessions::PackedSessions(std::size_t expected) {
 
 void PackedSessions::add(const UserAct& session) {
   m_offsets.push_back(m_records.size());
-  m_records.append(encodeRecord(session));
+  m_records.append(encodeRecord(session, kLargestSlotSize));
 }
 
 void PackedSessions::clear() {
@@ -22,7 +22,9 @@ void PackedSessions::clear() {
 }
 
 const UserAct& PackedSessions::at(std::size_t index) {
-  (void)decodeRecord(std::string_view(m_records).substr(m_offsets[index]), m_session);
+  const std::size_t end = index + 1 < m_offsets.size() ? m_offsets[index + 1] : m_records.size();
+  const std::string_view record = std::string_view(m_records).substr(m_offsets[index], end - m_offsets[index]);
+  (void)decodeRecord(record, m_session, kLargestSlotSize);
   return m_session;
 }
 

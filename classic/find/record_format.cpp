@@ -55,35 +55,42 @@ Decoder decoderAtTreeIndex(std::string_view slot) {
 
 }  // namespace
 
-std::string encodeRecord(const UserAct& record) {
-  std::size_t size = kRecordOverhead;
+std::string encodeRecord(const UserAct& record, std::size_t slotSize) {
+  const bool hasHighHalf = slotSize != kRecordSize;
+  std::size_t size = kRecordOverhead + (hasHighHalf ? 4 : 0);
   for (const auto text : kTexts)
     size += (record.*text).size();
   std::string bytes(size, '\0');
 
   RecordEncoder encoder(bytes.data());
-  encoder.number(record.Position);
+  encoder.lowHalf(record.Position);
   for (const auto text : kTexts)
     encoder.text(record.*text);
   encoder.number(record.LogonNo);
   encoder.number(record.TreeIndex);
+  if (hasHighHalf) encoder.highHalf(record.Position);
   return bytes;
 }
 
-bool decodeRecord(std::string_view slot, UserAct& record) {
+bool decodeRecord(std::string_view slot, UserAct& record, std::size_t slotSize) {
   Decoder decoder(slot);
-  record.Position = static_cast<std::int32_t>(decoder.number(4));
+  const std::uint32_t low = decoder.number(4);
   for (const auto text : kTexts)
     record.*text = decoder.text();
   record.LogonNo = static_cast<std::int32_t>(decoder.number(4));
   record.TreeIndex = static_cast<std::int32_t>(decoder.number(4));
+  record.Position = static_cast<std::int32_t>(low);
+  if (slotSize != kRecordSize) {
+    const std::uint32_t high = decoder.bytesLeft() >= 4 ? decoder.number(4) : 0;
+    record.Position = static_cast<std::int64_t>((std::uint64_t{high} << 32) | low);
+  }
   if (decoder.failed()) record = UserAct();
   return !decoder.failed();
 }
 
-std::optional<UserAct> decodeRecord(std::string_view slot) {
+std::optional<UserAct> decodeRecord(std::string_view slot, std::size_t slotSize) {
   std::optional<UserAct> record(std::in_place);
-  if (!decodeRecord(slot, *record)) record.reset();
+  if (!decodeRecord(slot, *record, slotSize)) record.reset();
   return record;
 }
 

@@ -1,9 +1,10 @@
-// Layout of one session record in the users file: little-endian, packed, in fixed slots.
+// Layout of one session record in the users file: little-endian, packed, in slots of one size.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
@@ -13,15 +14,33 @@
 
 namespace quorvel {
 
-/// Bytes between the starts of two records. On disk, do not change.
+/// Bytes between the starts of two records, the same in the whole file. On disk, do not change. In the usual slots a
+/// position has 32 bits. In the others its high four bytes follow the record, and the last four bytes of the first slot
+/// tell the size: see kSlotMark.
 inline constexpr std::size_t kRecordSize = 128;
+inline constexpr std::size_t kLargeSlotSize = 512;     ///< for logs of 2 GiB and more
+inline constexpr std::size_t kLargestSlotSize = 1024;  ///< for names and addresses of up to 255 bytes each
+
+/// Stands at the end of the first slot of all but the usual size. Read as the tree index of a record that fills a usual
+/// slot, it would be a negative one, which no record has.
+inline constexpr std::string_view kSlotMark = "QVA\xFF";
+
+/// The slots for a log of this many bytes, whose every position has room in them.
+[[nodiscard]] constexpr std::size_t slotSizeFor(std::int64_t logLength) {
+  return logLength > std::numeric_limits<std::int32_t>::max() ? kLargeSlotSize : kRecordSize;
+}
+
+/// The bytes of a slot that a record may fill.
+[[nodiscard]] constexpr std::size_t recordRoom(std::size_t slotSize) {
+  return slotSize == kRecordSize ? slotSize : slotSize - kSlotMark.size();
+}
 
 /// The three integers and six length words of a record: what is left of a slot holds the texts.
 inline constexpr std::size_t kRecordOverhead = 3 * 4 + 6 * 2;
 
 /// Offset in a slot of the first byte of record n (from 1) in the users file.
-[[nodiscard]] constexpr std::uint64_t recordOffset(std::int64_t recordNumber) {
-  return static_cast<std::uint64_t>(recordNumber - 1) * kRecordSize;
+[[nodiscard]] constexpr std::uint64_t recordOffset(std::int64_t recordNumber, std::size_t slotSize = kRecordSize) {
+  return static_cast<std::uint64_t>(recordNumber - 1) * slotSize;
 }
 
 /// Writes a record field by field, in the order of UserAct. Checks nothing: the caller provides kRecordOverhead bytes
@@ -31,6 +50,8 @@ class RecordEncoder {
   explicit RecordEncoder(char* to) : m_to(to) {}
 
   void number(std::int32_t value) { put(static_cast<std::uint32_t>(value)); }
+  void lowHalf(std::int64_t position) { put(static_cast<std::uint32_t>(position)); }
+  void highHalf(std::int64_t position) { put(static_cast<std::uint32_t>(position >> 32)); }
   /// The text and what is put behind it.
   void text(std::string_view text, std::string_view behind = {}) {
     put(static_cast<std::uint16_t>(text.size() + behind.size()));
@@ -67,12 +88,14 @@ class RecordEncoder {
   char* m_to;
 };
 
-/// The record in the form it has in a slot; it may be longer than one. Its texts have at most 65,535 bytes each.
-[[nodiscard]] std::string encodeRecord(const UserAct& record);
+/// The record in the form it has in a slot of this size; it may be longer than one. Its texts have at most 65,535 bytes
+/// each.
+[[nodiscard]] std::string encodeRecord(const UserAct& record, std::size_t slotSize = kRecordSize);
 
-/// Reads a record from the start of slot. False, and an empty record, when a length word points behind the slot's end.
-[[nodiscard]] bool decodeRecord(std::string_view slot, UserAct& record);
-[[nodiscard]] std::optional<UserAct> decodeRecord(std::string_view slot);
+/// Reads a record from the start of slot, which may be cut after the record. False, and an empty record, when a length
+/// word points behind the slot's end.
+[[nodiscard]] bool decodeRecord(std::string_view slot, UserAct& record, std::size_t slotSize = kRecordSize);
+[[nodiscard]] std::optional<UserAct> decodeRecord(std::string_view slot, std::size_t slotSize = kRecordSize);
 
 /// The tree index alone, without decoding the texts. Empty, or false and slot untouched, where decodeRecord() fails.
 [[nodiscard]] std::optional<std::int32_t> decodeTreeIndex(std::string_view slot);

@@ -1,7 +1,6 @@
 #include "classic/find/servu_find_user_info.h"
 
 #include <algorithm>
-#include <limits>
 #include <string>
 #include <string_view>
 
@@ -32,7 +31,6 @@ class Finder {
   Result<FindEnd> run() {
     LogPosition position = 1;
     while (position < m_log.length() && m_search.FindForward(position)) {
-      if (m_session.position > std::numeric_limits<std::int32_t>::max()) return FindEnd::Overflow;
       const FoundSession found = makeRecord();
       if (!m_search.status().isOk()) return m_search.status().error();
       if (m_search.wasStopped()) return FindEnd::Stopped;
@@ -59,7 +57,7 @@ class Finder {
     ++m_logonNo;
 
     RecordEncoder record(m_record.data());
-    record.number(static_cast<std::int32_t>(position));
+    record.lowHalf(position);
     record.text(name);
     record.text(text(position - (kSessionNumberLength - 1), kSessionNumberLength));
     record.text(readUpTo(' ', position + kIpForward, kLongestText));
@@ -68,6 +66,7 @@ class Finder {
     record.text(logoffTime());
     record.number(m_logonNo);
     record.number(0);
+    if (m_hasHighHalf) record.highHalf(position);
     return {m_logonNo, position, {m_record.data(), record.end()}};
   }
 
@@ -155,6 +154,7 @@ class Finder {
 
   const LogFile& m_log;
   const FindOptions m_options;
+  const bool m_hasHighHalf = slotSizeFor(m_log.length()) != kRecordSize;
   FindObserver& m_observer;
   LogSearch m_search;
   const ConnectMark& m_session = m_search.session();

@@ -21,7 +21,7 @@ struct FindOptions {
 struct FoundSession {
   std::int32_t LogonNo = 0;  ///< counts from 1
   LogPosition position = 0;  ///< of the ")" behind the session number
-  std::string_view record;   ///< its UserAct, as encodeRecord() makes it; valid until the next session
+  std::string_view record;   ///< its UserAct, as encodeRecord() makes it for slotSizeFor(the log); valid until the next
 };
 
 /// What the finder tells while it scans.
@@ -36,7 +36,6 @@ class FindObserver {
 enum class FindEnd {
   Finished,  ///< the whole log was scanned
   Stopped,   ///< keepGoing() said so
-  Overflow,  ///< a session lies beyond position 2,147,483,647, which no record can hold
 };
 
 /// Finds every session of the log, in log order. An error means the log could not be read; the sessions found before

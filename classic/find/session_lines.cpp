@@ -26,8 +26,8 @@ constexpr std::size_t kSessionsPerPass = 96 * 1024;
 constexpr LogPosition kGap = 4 * 1024 * 1024;
 constexpr int kLinesBetweenQuestions = 1024;
 
-LogPosition startOf(std::int32_t position) {
-  return std::max<LogPosition>(1, LogPosition{position} - kLookBack);
+LogPosition startOf(LogPosition position) {
+  return std::max<LogPosition>(1, position - kLookBack);
 }
 
 /// The session's number; one that is no text of a line, as only a damaged record holds it, is found nowhere.
@@ -105,8 +105,8 @@ class Pass {
   };
   /// Where the lines of a session start.
   struct Start {
-    std::int32_t position;  ///< its Position
-    MarkNumber mark;        ///< where its places begin, once it is activated
+    LogPosition position;  ///< its Position
+    MarkNumber mark;       ///< where its places begin, once it is activated
     SessionId id;
   };
   struct Line {
@@ -287,7 +287,7 @@ class Pass {
 /// without a position fit in anywhere.
 void takeAscending(const SessionSource& source, std::optional<UserAct>& first, PackedSessions& sessions) {
   sessions.clear();
-  std::int32_t position = 0;
+  LogPosition position = 0;
   while (first && sessions.size() < kSessionsPerPass && (first->Position <= 0 || first->Position >= position)) {
     position = std::max(position, first->Position);
     sessions.add(*first);

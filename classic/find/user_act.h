@@ -8,7 +8,7 @@ namespace quorvel {
 
 /// What a scan found out about one session. Members stand in the order of the record on disk.
 struct UserAct {
-  std::int32_t Position = 0;   ///< 1-based byte position in the log of the ")" behind the session number; 0: unknown
+  std::int64_t Position = 0;   ///< 1-based byte position in the log of the ")" behind the session number; 0: unknown
   std::string Name;            ///< user name, or kNoUserFound or kQuit
   std::string NumberInLog;     ///< the 8 characters of the session number, e.g. "(000012)"
   std::string IP;              ///< client address

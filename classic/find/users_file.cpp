@@ -1,6 +1,7 @@
 #include "classic/find/users_file.h"
 
 #include <algorithm>
+#include <array>
 #include <new>
 #include <span>
 #include <utility>
@@ -11,23 +12,29 @@
 namespace quorvel {
 namespace {
 
-constexpr std::size_t kBatchSize = 4096 * kRecordSize;
+constexpr std::size_t kBatchSize = 512 * 1024;
 /// Reserved in the file where records come in whole batches.
 constexpr std::size_t kReserved = 64 * kBatchSize;
 constexpr std::int32_t kSlotsPerBlock = 512;
-/// The Position of a slot without a record, which none has.
-constexpr std::string_view kEmptySlotStart{"\0\0\0\0", 4};
 
-std::int32_t slotsIn(std::string_view batch) {
-  return static_cast<std::int32_t>((batch.size() + kRecordSize - 1) / kRecordSize);
+/// The size of a file's slots, told by the mark at the end of the first one.
+std::size_t slotSizeOf(const File& file) {
+  for (const std::size_t size : {kLargeSlotSize, kLargestSlotSize}) {
+    std::array<char, kSlotMark.size()> end{};
+    const auto count = file.readAt(recordRoom(size), end);
+    if (count.isOk() && std::string_view(end.data(), count.value()) == kSlotMark) return size;
+  }
+  return kRecordSize;
 }
 
 }  // namespace
 
-UsersFileWriter::UsersFileWriter(FileSystem& files, std::filesystem::path path, FailureReporter onFailure)
+UsersFileWriter::UsersFileWriter(FileSystem& files, std::filesystem::path path, FailureReporter onFailure,
+                                 std::size_t slotSize)
     : m_files(files),
       m_path(std::move(path)),
       m_onFailure(std::move(onFailure)),
+      m_slotSize(slotSize),
       m_writer([this](const std::string& batch) { return writeBatch(batch); }) {}
 
 UsersFileWriter::~UsersFileWriter() {
@@ -35,10 +42,13 @@ UsersFileWriter::~UsersFileWriter() {
 }
 
 void UsersFileWriter::WriteSessionRecord(std::string_view record, std::int32_t recordNumber) {
-  if (record.size() > kRecordSize) {
-    return m_onFailure(decodeRecord(record).value_or(UserAct()), recordNumber, {ErrorCode::BadRecordLength, {}});
+  if (record.size() > recordRoom(m_slotSize)) {
+    const Error error{ErrorCode::BadRecordLength, {}};
+    return m_onFailure(decodeRecord(record, m_slotSize).value_or(UserAct()), recordNumber, error);
   }
-  m_batch.resize(static_cast<std::size_t>(recordNumber - m_firstInBatch) * kRecordSize);
+  m_batch.resize(static_cast<std::size_t>(recordNumber - m_firstInBatch) * m_slotSize);
+  if (hasSlotMark() && m_firstInBatch == 1 && recordNumber > 1)
+    m_batch.replace(recordRoom(m_slotSize), kSlotMark.size(), kSlotMark);
   m_batch.append(record);
   if (m_batch.size() < kBatchSize) return;
   m_firstInBatch = recordNumber + 1;
@@ -57,16 +67,11 @@ void UsersFileWriter::flush() {
 }
 
 Status UsersFileWriter::writeBatch(std::string_view batch) {
-  if (!m_file) {
-    auto opened = m_files.open(m_path, OpenMode::ReadWrite);
-    if (opened.isOk()) {
-      m_file = std::move(opened.value());
-    } else {
-      retryOneByOne(batch, opened.error());
-    }
-  }
-  if (m_file) {
-    const std::uint64_t offset = recordOffset(m_firstToWrite);
+  const Status opened = m_file ? Status() : openFile();
+  if (!opened.isOk()) {
+    retryOneByOne(batch, opened.error());
+  } else {
+    const std::uint64_t offset = recordOffset(m_firstToWrite, m_slotSize);
     if (batch.size() > kBatchSize / 2 && offset + kBatchSize > m_reservedTo) {
       m_file->reserve(offset, kReserved);
       m_reservedTo = offset + kReserved;
@@ -78,15 +83,35 @@ Status UsersFileWriter::writeBatch(std::string_view batch) {
   return {};  // later batches are tried all the same
 }
 
+Status UsersFileWriter::openFile() {
+  auto opened = m_files.open(m_path, OpenMode::ReadWrite);
+  if (!opened.isOk()) return opened.error();
+  m_file = std::move(opened.value());
+  Status marked = writeSlotMark();  // first of all, since without it no record could be read
+  if (!marked.isOk()) m_file.reset();
+  return marked;
+}
+
+Status UsersFileWriter::writeSlotMark() {
+  return hasSlotMark() ? m_file->writeAt(recordRoom(m_slotSize), kSlotMark) : Status();
+}
+
+std::int32_t UsersFileWriter::slotsIn(std::string_view batch) const {
+  return static_cast<std::int32_t>((batch.size() + m_slotSize - 1) / m_slotSize);
+}
+
 void UsersFileWriter::retryOneByOne(std::string_view batch, const Error& error) {
-  for (std::size_t at = 0; at < batch.size(); at += kRecordSize) {
-    const std::string_view slot = batch.substr(at, kRecordSize);
-    if (slot.starts_with(kEmptySlotStart)) continue;
-    const std::int32_t recordNumber = m_firstToWrite + static_cast<std::int32_t>(at / kRecordSize);
-    const Status written = m_file ? m_file->writeAt(recordOffset(recordNumber), slot) : Status(error);
+  for (std::size_t at = 0; at < batch.size(); at += m_slotSize) {
+    const std::string_view slot = batch.substr(at, m_slotSize);
+    const std::string_view record = slot.substr(0, recordRoom(m_slotSize));
+    if (record.find_first_not_of('\0') == std::string_view::npos) continue;  // there is none
+    const std::int32_t recordNumber = m_firstToWrite + static_cast<std::int32_t>(at / m_slotSize);
+    const std::uint64_t offset = recordOffset(recordNumber, m_slotSize);
+    const Status written = m_file ? m_file->writeAt(offset, slot) : Status(error);
     if (written.isOk()) continue;
-    if (m_file) cutAt(recordOffset(recordNumber));
-    m_failures.push_back({decodeRecord(slot).value_or(UserAct()), recordNumber, written.error()});
+    if (m_file) cutAt(offset);
+    if (m_file && offset == 0) (void)writeSlotMark();
+    m_failures.push_back({decodeRecord(record, m_slotSize).value_or(UserAct()), recordNumber, written.error()});
   }
 }
 
@@ -95,8 +120,8 @@ void UsersFileWriter::cutAt(std::uint64_t offset) {
   if (size.isOk() && size.value() > offset) (void)m_file->resize(offset);
 }
 
-UsersFile::UsersFile(std::unique_ptr<File> file, std::int32_t recordCount)
-    : m_file(std::move(file)), m_recordCount(recordCount) {}
+UsersFile::UsersFile(std::unique_ptr<File> file, std::size_t slotSize, std::int32_t recordCount)
+    : m_file(std::move(file)), m_slotSize(slotSize), m_recordCount(recordCount) {}
 
 Result<UsersFile> UsersFile::open(FileSystem& files, const std::filesystem::path& path, OpenMode mode) {
   const bool mayCreate = mode != OpenMode::Read;
@@ -106,15 +131,16 @@ Result<UsersFile> UsersFile::open(FileSystem& files, const std::filesystem::path
   const auto size = file.value()->size();
   if (!size.isOk()) return size.error();
   constexpr std::uint64_t kMostRecords = 0x7FFFFFFF;
-  const std::uint64_t count = std::min((size.value() + kRecordSize - 1) / kRecordSize, kMostRecords);
-  return UsersFile(std::move(file.value()), static_cast<std::int32_t>(count));
+  const std::size_t slotSize = slotSizeOf(*file.value());
+  const std::uint64_t count = std::min((size.value() + slotSize - 1) / slotSize, kMostRecords);
+  return UsersFile(std::move(file.value()), slotSize, static_cast<std::int32_t>(count));
 }
 
 const UserAct* UsersFile::read(std::int32_t recordNumber) {
   if (recordNumber < 1 || recordNumber > m_recordCount) return nullptr;
   const std::string_view bytes = slot(recordNumber);
   if (bytes.empty()) return nullptr;
-  (void)decodeRecord(bytes, m_record);
+  (void)decodeRecord(bytes, m_record, m_slotSize);
   return &m_record;
 }
 
@@ -132,24 +158,24 @@ void UsersFile::setTreeIndex(std::int32_t recordNumber, std::int32_t treeIndex) 
 
 Status UsersFile::flush() {
   if (!std::exchange(m_isChanged, false)) return {};
-  return m_file->writeAt(recordOffset(m_firstInBlock), m_block);
+  return m_file->writeAt(recordOffset(m_firstInBlock, m_slotSize), m_block);
 }
 
 std::string_view UsersFile::slot(std::int32_t recordNumber) {
   const std::int32_t first = (recordNumber - 1) / kSlotsPerBlock * kSlotsPerBlock + 1;
   if (first != m_firstInBlock) {
     (void)flush();  // a tree index that cannot be written is ignored, as every failure of a tree build
-    m_block.resize(static_cast<std::size_t>(kSlotsPerBlock) * kRecordSize);
-    const auto count = m_file->readAt(recordOffset(first), m_block);
-    const auto left = static_cast<std::size_t>(m_recordCount - first) * kRecordSize;  // and a part of the last slot
+    m_block.resize(static_cast<std::size_t>(kSlotsPerBlock) * m_slotSize);
+    const auto count = m_file->readAt(recordOffset(first, m_slotSize), m_block);
+    const auto left = static_cast<std::size_t>(m_recordCount - first) * m_slotSize;  // and a part of the last slot
     if (!count.isOk()) m_status = count.error();
     if (count.isOk() && count.value() <= std::min(left, m_block.size() - 1))
       m_status = Error{ErrorCode::InputPastEnd, {}};
     m_block.resize(count.isOk() ? count.value() : 0);
     m_firstInBlock = first;
   }
-  const auto at = static_cast<std::size_t>(recordNumber - first) * kRecordSize;
-  return at < m_block.size() ? std::string_view(m_block).substr(at, kRecordSize) : std::string_view();
+  const auto at = static_cast<std::size_t>(recordNumber - first) * m_slotSize;
+  return at < m_block.size() ? std::string_view(m_block).substr(at, recordRoom(m_slotSize)) : std::string_view();
 }
 
 }  // namespace quorvel

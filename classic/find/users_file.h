@@ -1,4 +1,4 @@
-// The users file: the session records of the last scan in 128-byte slots, record n at byte (n - 1) x 128.
+// The users file: the session records of the last scan in slots of one size, usually 128 bytes, record n in slot n.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "classic/find/record_format.h"
 #include "classic/find/user_act.h"
 #include "log/background_writer.h"
 #include "log/file_system.h"
@@ -23,14 +24,16 @@ class UsersFileWriter {
   /// Called for each record that could not be written, at the latest by flush().
   using FailureReporter = std::function<void(const UserAct& record, std::int32_t recordNumber, const Error& error)>;
 
-  /// files must outlive the writer. The file is opened, and created where missing, by the first write.
-  UsersFileWriter(FileSystem& files, std::filesystem::path path, FailureReporter onFailure);
+  /// files must outlive the writer. The file is opened, and created where missing, by the first write. slotSize is one
+  /// of those in record_format.h.
+  UsersFileWriter(FileSystem& files, std::filesystem::path path, FailureReporter onFailure,
+                  std::size_t slotSize = kRecordSize);
   UsersFileWriter(const UsersFileWriter&) = delete;
   UsersFileWriter& operator=(const UsersFileWriter&) = delete;
   ~UsersFileWriter();
 
-  /// Puts a record, as encodeRecord() makes it, into slot recordNumber (from 1, ascending). A record that needs more
-  /// than 128 bytes is reported as BadRecordLength and not written; its number stays used up.
+  /// Puts a record, as encodeRecord() makes it for the slot size, into slot recordNumber (from 1, ascending). A record
+  /// that finds no room in its slot is reported as BadRecordLength and not written; its number stays used up.
   void WriteSessionRecord(std::string_view record, std::int32_t recordNumber);
   /// Throws std::bad_alloc when memory ran out on the thread that writes: records are lost then.
   void flush();
@@ -44,13 +47,18 @@ class UsersFileWriter {
 
   /// Puts whole batches into the file, in the background while more records come.
   Status writeBatch(std::string_view batch);
+  Status openFile();
   void retryOneByOne(std::string_view batch, const Error& error);
+  Status writeSlotMark();
+  [[nodiscard]] bool hasSlotMark() const { return m_slotSize != kRecordSize; }
+  [[nodiscard]] std::int32_t slotsIn(std::string_view batch) const;
   /// Takes away the part of a record that could not be written whole.
   void cutAt(std::uint64_t offset);
 
   FileSystem& m_files;
   std::filesystem::path m_path;
   FailureReporter m_onFailure;
+  const std::size_t m_slotSize;
   std::string m_batch;  ///< whole slots, the last one cut behind its record
   std::int32_t m_firstInBatch = 1;
 
@@ -63,7 +71,7 @@ class UsersFileWriter {
   BackgroundWriter m_writer;
 };
 
-/// Reads records by number, and sets their tree index.
+/// Reads records by number, and sets their tree index. The file itself tells the size of its slots.
 class UsersFile {
  public:
   /// files must outlive nothing: the open file is all that is kept. Fails where the file is missing.
@@ -86,10 +94,11 @@ class UsersFile {
   [[nodiscard]] const Status& status() const { return m_status; }
 
  private:
-  UsersFile(std::unique_ptr<File> file, std::int32_t recordCount);
+  UsersFile(std::unique_ptr<File> file, std::size_t slotSize, std::int32_t recordCount);
   [[nodiscard]] std::string_view slot(std::int32_t recordNumber);
 
   std::unique_ptr<File> m_file;
+  std::size_t m_slotSize;
   std::int32_t m_recordCount;
   std::string m_block;              ///< consecutive slots as they stand in the file, changes included
   std::int32_t m_firstInBlock = 0;  ///< record number of the first slot in m_block; 0: none read yet

@@ -1,7 +1,6 @@
 #include "classic/tools/go_to_position.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "log/log_file.h"
 #include "log/text.h"
@@ -14,9 +13,8 @@ constexpr LogPosition kBytesBefore = 500;
 constexpr LogPosition kBytesAfter = 4500;
 
 std::optional<LogPosition> parsePosition(std::string_view text) {
-  using Range = std::numeric_limits<std::int32_t>;
   const auto number = parseInteger(text);
-  if (!number || *number < Range::min() || *number > Range::max()) return std::nullopt;
+  if (!number) return std::nullopt;
   return std::max<LogPosition>(*number, kLowestPosition);
 }
 

@@ -1,12 +1,13 @@
-// Logs and settings as no careful server or user leaves them: numbers nobody would write by accident, positions no
-// record can hold, and a log that the server writes on, cuts, replaces or removes at any moment.
+// Logs and settings as no careful server or user leaves them: numbers nobody would write by accident, positions beyond
+// 32 bits, and a log that the server writes on, cuts, replaces or removes at any moment.
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <map>
 #include <regex>
 #include <string>
 
 #include "app/menu_commands.h"
+#include "classic/tools/go_to_position.h"
 #include "cli/batch_run.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/program_world.h"
@@ -34,32 +35,81 @@ TEST(HostileNumbers, AnySettingLetsEverythingRun) {
   }
 }
 
-TEST(HostileNumbers, AScanEndsWhereNoRecordCanPoint) {
-  constexpr std::int32_t kLast = std::numeric_limits<std::int32_t>::max();
-  const TempFolder folder;
-  folder.write("quorvel.ini", busySettings());
-  const auto path = folder.write("a.log", logLines("(000002)"));
-  // The ")" of one connect line lies at the last position that fits, that of the next one just behind it.
-  const std::string lines = logLines("(000001) Connected") + logLines("(000003) Connected");
-  std::error_code tooLarge;
-  std::filesystem::resize_file(path, std::uint64_t{kLast} - lines.find(')') - 1, tooLarge);
-  if (tooLarge) GTEST_SKIP() << "no file of 2 GB can be made here";
-  std::ofstream(path, std::ios::binary | std::ios::app) << lines << std::string(1000, ' ');
-
-  ProgramWorld world(systemFiles(), folder.path());
-  world.scan(path);
-  auto users = UsersFile::open(systemFiles(), folder / "users.qva");
-  ASSERT_TRUE(users.isOk() && users.value().recordCount() == 2);
-  EXPECT_EQ(users.value().read(1)->Name, "bob");
-  EXPECT_EQ(users.value().read(2)->Position, kLast);
-  const std::string errors = folder.read("error.log");
-  EXPECT_NE(errors.find("VB Error No. 6\r\nVB Error Description: Overflow\r\n"), std::string::npos);
-  EXPECT_EQ(errors.find("VB Error No."), errors.rfind("VB Error No.")) << "one block";
-  EXPECT_TRUE(world.allMessages().starts_with("One or more errors where generated")) << world.allMessages();
-  EXPECT_GT(world.state.tree.nodeCount(), 0);
-}
-
 const std::filesystem::path kLog = "/program/a.log";
+
+/// Blanks but for some texts.
+class SparseFile final : public File {
+ public:
+  SparseFile(std::uint64_t length, std::map<std::uint64_t, std::string> texts)
+      : m_length(length), m_texts(std::move(texts)) {}
+
+  [[nodiscard]] Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const override {
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), m_length - offset));
+    std::fill_n(buffer.begin(), count, ' ');
+    for (const auto& [start, text] : m_texts) {
+      const std::uint64_t from = std::max(start, offset);
+      const std::uint64_t end = std::min(start + text.size(), offset + count);
+      if (from < end) text.copy(buffer.data() + (from - offset), end - from, from - start);
+    }
+    return count;
+  }
+  Status writeAt(std::uint64_t, std::string_view) override { return Error{ErrorCode::PermissionDenied, {}}; }
+  Status append(std::string_view, std::string_view) override { return Error{ErrorCode::PermissionDenied, {}}; }
+  Status resize(std::uint64_t) override { return Error{ErrorCode::PermissionDenied, {}}; }
+  [[nodiscard]] Result<std::uint64_t> size() const override { return std::uint64_t{m_length}; }
+  Status sync() override { return {}; }
+
+ private:
+  const std::uint64_t m_length;
+  const std::map<std::uint64_t, std::string> m_texts;
+};
+
+/// Files in memory; the log is larger than all of it.
+struct HugeLogFiles final : MemoryFiles {
+  [[nodiscard]] Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) override {
+    if (path != kLog) return MemoryFiles::open(path, mode);
+    return std::unique_ptr<File>(std::make_unique<SparseFile>(std::uint64_t{1} << 32 | 0xFFFFF, texts));
+  }
+  std::map<std::uint64_t, std::string> texts;
+};
+
+TEST(HugeLog, HasEverySessionInEveryCommand) {
+  using enum MenuItem;
+  // The last position of 31 bits, the first one whose low half is 0, and one beyond both.
+  constexpr std::int64_t kPositions[] = {0x7FFF'FFFF, 0x1'0000'0000, 0x1'0000'1000};
+  constexpr const char* kNumbers[] = {"(000001)", "(000002)", "(000003)"};
+  const std::filesystem::path results = "/program/out.txt";
+  HugeLogFiles disk;
+  disk.put("/program/quorvel.ini", busySettings());
+  for (int i = 0; i < 3; ++i) {
+    const std::string lines = logLines(kNumbers[i]);
+    disk.texts[static_cast<std::uint64_t>(kPositions[i]) - 3 - lines.find(')')] = "\r\n" + lines;
+  }
+
+  ProgramWorld world(disk, "/program");
+  world.scanAndTick(kLog);
+  auto users = UsersFile::open(disk, "/program/users.qva");
+  ASSERT_TRUE(users.isOk() && users.value().recordCount() == 3);
+  for (int i = 0; i < 3; ++i) {
+    const UserAct& session = *users.value().read(i + 1);
+    EXPECT_EQ(session.Position, kPositions[i]);
+    EXPECT_EQ(session.NumberInLog, kNumbers[i]);
+  }
+  EXPECT_EQ(users.value().read(2)->Name, "bob");
+  EXPECT_EQ(world.allMessages(), "");
+
+  world.window.TreeView1_NodeClick(kSecondSession);
+  EXPECT_NE(world.view.filterText().find("STOR b.txt"), std::string::npos);
+  world.view.choose(results);
+  runMenuCommand(mnuFilterAll, world.window);
+  for (const std::string& line : kLogLines)
+    EXPECT_NE(disk.content(results).find(line), std::string::npos) << line;
+  world.view.choose(results);
+  runMenuCommand(mnuSaveShortInfo, world.window);
+  EXPECT_NE(disk.content(results).find(" 4294967296 "), std::string::npos) << disk.content(results);
+  const auto shown = textAroundPosition(disk, kLog, "4294967296");
+  EXPECT_NE(shown.value_or("").find("(000002\r\n\r\n) Connected to 10.0.0.6"), std::string::npos);
+}
 
 /// From opening the log to clicking its sessions. The change happens before call number n that concerns the log; the
 /// result is the number of such calls.

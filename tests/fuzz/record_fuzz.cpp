@@ -34,21 +34,29 @@ void checkFile(MemoryFiles& files, std::int32_t newIndex) {
 }
 
 void checkWriter(FuzzInput& input) {
-  const auto any = [&input] { return static_cast<std::int32_t>(input.number(4)); };
-  const UserAct record{any(), input.text(), input.text(), input.text(), input.text(), input.text(), input.text(), 3, 0};
+  constexpr std::size_t kSlotSizes[] = {kRecordSize, kLargeSlotSize, kLargestSlotSize};
+  const std::size_t slotSize = kSlotSizes[input.byte() % 3];
+  const bool isLarge = slotSize != kRecordSize;
+  const std::int64_t low = static_cast<std::int32_t>(input.number(4));
+  const std::int64_t position = isLarge ? low * 0x100000001 : low;
+  const UserAct record{position, input.text(), input.text(), input.text(), input.text(), input.text(), input.text(), 3,
+                       0};
   const std::size_t texts = record.Name.size() + record.NumberInLog.size() + record.IP.size() +
                             record.ConnectTime.size() + record.LogonTime.size() + record.LogoffTime.size();
   MemoryFiles files;
+  const std::int32_t firstRecord = input.flag() ? 3 : 1;
   std::int32_t failed = 0;
   {
-    UsersFileWriter writer(files, "users.qva", [&](const UserAct&, std::int32_t n, const Error&) { failed = n; });
-    writer.WriteSessionRecord(encodeRecord(record), 3);
-    writer.WriteSessionRecord(encodeRecord(UserAct()), 4);
+    UsersFileWriter writer(
+        files, "users.qva", [&](const UserAct&, std::int32_t n, const Error&) { failed = n; }, slotSize);
+    writer.WriteSessionRecord(encodeRecord(record, slotSize), firstRecord);
+    writer.WriteSessionRecord(encodeRecord(UserAct(), slotSize), 4);
   }
   auto opened = UsersFile::open(files, "users.qva");
   require(opened.isOk() && opened.value().recordCount() == 4, "every number is used up");
-  require(failed == (kRecordOverhead + texts > kRecordSize ? 3 : 0), "a slot holds as much as it has room for");
-  require(*opened.value().read(3) == (failed == 3 ? UserAct() : record), "a record reads as it was written");
+  const bool isTooLong = kRecordOverhead + (isLarge ? 4 : 0) + texts > recordRoom(slotSize);
+  require(failed == (isTooLong ? firstRecord : 0), "a slot holds as much as it has room for");
+  require(*opened.value().read(firstRecord) == (isTooLong ? UserAct() : record), "a record reads as it was written");
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ inline constexpr std::array kFaultNames = {"open",        "size",      "read",  
 
 /// Of itself nothing fails but for a missing file. A file opened stays readable after it was removed or replaced, and
 /// when these files are gone. Safe from several threads at once.
-class MemoryFiles final : public FileSystem {
+class MemoryFiles : public FileSystem {
  public:
   /// Content of a file; empty when it is missing.
   [[nodiscard]] std::string content(const std::filesystem::path& path) const {

@@ -107,7 +107,7 @@ class Scan {
 
   UserAct record() {
     UserAct record;
-    record.Position = static_cast<std::int32_t>(m_position);
+    record.Position = m_position;
     record.ConnectTime = bytesAt(m_position - 30, 20);
     record.IP = textUpTo(' ', m_position + 15);
     record.NumberInLog = m_id = bytesAt(m_position - 7, 8);

@@ -41,7 +41,7 @@ struct FoldedLine {
 /// Lines of the log from 50 bytes before the session's position on; none where that is unknown.
 std::vector<std::string> linesFrom(std::string_view log, const UserAct& session) {
   if (session.Position <= 0) return {};
-  const auto before = static_cast<std::size_t>(std::max(0, session.Position - 51));
+  const auto before = static_cast<std::size_t>(std::max<std::int64_t>(0, session.Position - 51));
   return splitLines(log.substr(std::min(before, log.size())));
 }
 

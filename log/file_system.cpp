@@ -7,13 +7,6 @@
 namespace quorvel {
 namespace {
 
-/// A name beside path that no other process, and no earlier run of this one, uses.
-std::filesystem::path temporaryName(const std::filesystem::path& path) {
-  std::random_device random;
-  auto name = path;
-  return name.concat(".").concat(std::to_string(random())).concat(std::to_string(random())).concat(".tmp");
-}
-
 Status writeNewFile(FileSystem& files, const std::filesystem::path& path, std::string_view content) {
   auto file = files.open(path, OpenMode::Replace);
   if (!file.isOk()) return file.error();
@@ -22,6 +15,12 @@ Status writeNewFile(FileSystem& files, const std::filesystem::path& path, std::s
 }
 
 }  // namespace
+
+std::filesystem::path temporaryName(const std::filesystem::path& path) {
+  std::random_device random;
+  auto name = path;
+  return name.concat(".").concat(std::to_string(random())).concat(std::to_string(random())).concat(".tmp");
+}
 
 Status File::appendLines(std::string_view lines, std::string_view end) {
   const auto before = size();

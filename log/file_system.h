@@ -80,6 +80,9 @@ class FileSystem {
   Status replaceWhole(const std::filesystem::path& path, std::string_view content);
 };
 
+/// A name beside path that no other process, and no earlier run of this one, uses.
+[[nodiscard]] std::filesystem::path temporaryName(const std::filesystem::path& path);
+
 /// The real files of this machine. Lives as long as the program.
 [[nodiscard]] FileSystem& systemFiles();
 

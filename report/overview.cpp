@@ -6,6 +6,7 @@
 #include "report/field_table.h"
 #include "report/files.h"
 #include "report/logins.h"
+#include "report/viewed_table.h"
 
 namespace quorvel {
 namespace {
@@ -139,25 +140,6 @@ std::unique_ptr<Table> weekTable(const Activity& activity, const WeekByHour& byt
                                                   std::move(rows));
 }
 
-/// The first rows of another table.
-class TopTable final : public Table {
- public:
-  TopTable(std::unique_ptr<Table> all, std::string_view name, std::size_t most)
-      : m_all(std::move(all)), m_name(name), m_most(most) {}
-  [[nodiscard]] std::string_view name() const override { return m_name; }
-  [[nodiscard]] std::span<const Column> columns() const override { return m_all->columns(); }
-  [[nodiscard]] std::size_t rowCount() const override {
-    return std::min(m_most, m_all->rowCount() - m_all->totalRows());
-  }
-  [[nodiscard]] Cell cell(std::size_t row, std::size_t column) const override { return m_all->cell(row, column); }
-  [[nodiscard]] RowSource source(std::size_t row) const override { return m_all->source(row); }
-
- private:
-  std::unique_ptr<Table> m_all;
-  std::string_view m_name;
-  std::size_t m_most;
-};
-
 /// In the order of refusals; those who were refused only.
 std::unique_ptr<Table> refusedAddresses(const Activity& activity, const Selection& selection) {
   std::vector<RowNumber> refused = selection.logons;
@@ -176,9 +158,9 @@ Overview overview(const Activity& activity, const Selection& selection, const Th
   answer.findings = lookAtFirst(activity, selection, thresholds);
   answer.summary = std::make_unique<FieldTable<OverviewNumbers>>("overview", activity, kSummaryFields, nullptr,
                                                                  std::vector{answer.numbers});
-  answer.topUsers = std::make_unique<TopTable>(trafficTable(activity, selection.actions, kByUser), "top_users", kTop);
-  answer.topAddresses = std::make_unique<TopTable>(refusedAddresses(activity, selection), "top_addresses", kTop);
-  answer.topFolders = std::make_unique<TopTable>(foldersTable(activity, selection.actions), "top_folders", kTop);
+  answer.topUsers = firstRows(trafficTable(activity, selection.actions, kByUser), kTop);
+  answer.topAddresses = firstRows(refusedAddresses(activity, selection), kTop);
+  answer.topFolders = firstRows(foldersTable(activity, selection.actions), kTop);
   answer.days = trafficTable(activity, selection.actions, kByDay);
   answer.weekBytes = weekByHour(activity, selection.actions);
   answer.week = weekTable(activity, answer.weekBytes);

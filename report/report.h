@@ -1,4 +1,4 @@
-// A whole answer for people: a heading, sentences, tables. What the shell prints and an HTML file shows.
+// A whole answer for people: headings, sentences, tables. What the shell prints and an HTML file shows.
 #pragma once
 
 #include <memory>
@@ -13,13 +13,14 @@ namespace quorvel {
 enum class PartForm {
   Rows,
   Record,      ///< one row, its values below each other
-  Bars,        ///< the first column names a bar, the Bytes columns are its parts
+  Bars,        ///< the first column names a bar, download_bytes and upload_bytes are its parts
   WeekByHour,  ///< seven rows, Monday first; the columns behind the first are the hours
 };
 
 struct ReportPart {
-  std::string title;  ///< empty: the report's
-  std::unique_ptr<Table> table;
+  std::string title;                   ///< empty: none
+  std::vector<std::string> sentences;  ///< those that begin with "! " are urgent
+  std::shared_ptr<const Table> table;  ///< null: only sentences
   PartForm form = PartForm::Rows;
   std::string whenEmpty;  ///< the sentence in place of a table without rows
 };
@@ -27,8 +28,7 @@ struct ReportPart {
 /// Texts are UTF-8.
 struct Report {
   std::string title;
-  std::vector<std::string> sentences;
-  std::vector<ReportPart> parts;  ///< the first one is what CSV and JSON lines hold
+  std::vector<ReportPart> parts;
 };
 
 }  // namespace quorvel

@@ -19,6 +19,9 @@ struct ReadProgress {
 
 struct ReadOptions {
   unsigned threads = 0;  ///< that parse; 0: as many as the machine has cores
+  /// More may be written to the log: a half line at its end waits, and the next read() of the same source goes on
+  /// behind what was read. The source must live until then.
+  bool isGrowing = false;
   /// Called on the reading thread after each block of about a megabyte; false stops, and the tables hold what was read.
   std::function<bool(const ReadProgress&)> keepGoing;
 };

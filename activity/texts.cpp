@@ -1,41 +1,15 @@
 #include "activity/texts.h"
 
-#include <algorithm>
 #include <cstring>
-#include <random>
 #include <string>
 #include <utility>
+
+#include "activity/text_hash.h"
 
 namespace quorvel {
 namespace {
 
 constexpr std::size_t kPiece = 1024 * 1024;
-
-std::uint64_t randomSeed() {
-  std::random_device device;
-  return (std::uint64_t{device()} << 32) | device();
-}
-
-/// Multiply and fold eight bytes at a time. Without the seed nobody can choose texts that meet.
-std::uint64_t hashOf(std::string_view text, std::uint64_t seed) {
-  constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
-  std::uint64_t hash = seed ^ (text.size() * kFactor);
-  const auto mix = [&hash](std::uint64_t word) {
-    hash = (hash ^ word) * kFactor;
-    hash ^= hash >> 29;
-    hash *= 0xBF58476D1CE4E5B9u;
-    hash ^= hash >> 32;
-  };
-  std::uint64_t word = 0;
-  for (; text.size() >= sizeof word; text.remove_prefix(sizeof word)) {
-    std::memcpy(&word, text.data(), sizeof word);
-    mix(word);
-  }
-  word = 0;
-  std::memcpy(&word, text.data(), text.size());
-  mix(word);
-  return hash;
-}
 
 }  // namespace
 
@@ -49,7 +23,7 @@ TextId TextPool::add(std::string_view text) {
   if (text.size() > kLongestText) text = cut.append(text.substr(0, kLongestText - kCutMark.size())).append(kCutMark);
   if (m_texts.size() * 4 > m_slots.size() * 3) grow();
   const std::size_t mask = m_slots.size() - 1;
-  std::size_t slot = hashOf(text, m_seed) & mask;
+  std::size_t slot = textHash(text, m_seed) & mask;
   for (; m_slots[slot] != kNoText; slot = (slot + 1) & mask) {
     if (m_texts[m_slots[slot]] == text) return m_slots[slot];
   }
@@ -80,7 +54,7 @@ void TextPool::grow() {
   std::vector<TextId> slots(m_slots.size() * 2, kNoText);
   const std::size_t mask = slots.size() - 1;
   for (TextId id = 1; id < m_texts.size(); ++id) {
-    std::size_t slot = hashOf(m_texts[id], m_seed) & mask;
+    std::size_t slot = textHash(m_texts[id], m_seed) & mask;
     while (slots[slot] != kNoText)
       slot = (slot + 1) & mask;
     slots[slot] = id;

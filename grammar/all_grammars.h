@@ -5,6 +5,8 @@
 
 namespace quorvel {
 
+[[nodiscard]] const Grammar& servUClassic();
+[[nodiscard]] const Grammar& servU();
 [[nodiscard]] const Grammar& vsftpd();
 [[nodiscard]] const Grammar& xferlog();
 

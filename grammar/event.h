@@ -13,7 +13,8 @@ using LogTime = std::uint32_t;
 inline constexpr LogTime kNoTime = 0;
 
 enum class EventKind : std::uint8_t {
-  Unknown,      ///< the front of the line or its text is not known; with a key it still belongs to that session
+  Unknown,      ///< the front of the line or its text is not known; with a key it still belongs to that session.
+                ///< text: what stands behind the front, where that is known
   Known,        ///< nothing to remember, but the line belongs to its session
   Foreign,      ///< a line of another program in a shared log
   ServerStart,  ///< all sessions still open end here
@@ -129,5 +130,8 @@ struct Event {
 [[nodiscard]] std::string_view logonResultName(LogonResult result);
 /// "226", "SSH_FX_FAILURE"; empty for 0.
 [[nodiscard]] std::string replyName(ReplyCode reply);
+/// The reply that stands for the SFTP status of that name; a plain failure for an SSH_FX_ name that is not known, 0 for
+/// any other text.
+[[nodiscard]] ReplyCode sftpReply(std::string_view statusName);
 
 }  // namespace quorvel

@@ -24,6 +24,7 @@ struct Dialect {
   std::string date;         ///< of stamps without one, as the log wrote it; may be empty
   std::vector<int> fields;  ///< of a field list, numbers of the grammar's own
   int variant = 0;          ///< the grammar's own
+  friend bool operator==(const Dialect&, const Dialect&) = default;
 };
 
 /// The first lines of a log that say anything, without their line ends, and when the file was last changed (seconds

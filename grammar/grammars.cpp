@@ -6,7 +6,7 @@
 namespace quorvel {
 
 std::span<const Grammar* const> grammars() {
-  static const std::array<const Grammar*, 2> kAll = {&vsftpd(), &xferlog()};
+  static const std::array<const Grammar*, 4> kAll = {&servUClassic(), &servU(), &vsftpd(), &xferlog()};
   return kAll;
 }
 

@@ -1,0 +1,188 @@
+#include "activity/read_activity.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <span>
+#include <thread>
+#include <utility>
+
+#include "activity/activity_builder.h"
+#include "activity/block_cutter.h"
+#include "activity/block_parser.h"
+#include "activity/ledger_keeper.h"
+#include "grammar/grammar.h"
+
+namespace quorvel {
+namespace {
+
+/// A log is recognised from its first lines that say anything, as far as they lie in its first bytes.
+constexpr std::size_t kStartBytes = 64 * 1024;
+constexpr std::size_t kStartLines = 200;
+/// Smaller logs are read before a thread has started.
+constexpr std::uint64_t kSmallLog = 2 * BlockCutter::kBlockSize;
+constexpr std::uint64_t kProgressStep = 1024 * 1024;
+
+std::vector<std::string_view> startLines(std::string_view text) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  text = text.substr(0, kStartBytes);
+  if (const std::size_t end = text.rfind('\n'); end != std::string_view::npos) text = text.substr(0, end);
+  std::vector<std::string_view> lines;
+  while (!text.empty() && lines.size() < kStartLines) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    if (line.find_first_not_of(" \t") != std::string_view::npos) lines.push_back(line);
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return lines;
+}
+
+Error notReadable(const std::string& name, std::string_view why) {
+  return {ErrorCode::PathFileAccess, std::filesystem::path(std::u8string(name.begin(), name.end())), std::string(why)};
+}
+
+std::uint8_t numberOf(const Grammar& grammar) {
+  const auto all = grammars();
+  return static_cast<std::uint8_t>(std::find(all.begin(), all.end(), &grammar) - all.begin());
+}
+
+std::string_view withoutLineEnd(std::string_view line) {
+  if (line.ends_with('\n')) line.remove_suffix(1);
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
+}  // namespace
+
+class ActivityReader::Impl {
+ public:
+  Status read(LogSource& source, const ReadOptions& options) {
+    if (!m_open || &m_open->source != &source) {
+      m_open.emplace(source);
+      m_log = nullptr;
+    }
+    if (m_log == nullptr) {
+      const Status begun = beginLog(options.isGrowing);
+      if (!begun.isOk() || m_log == nullptr) {
+        if (!options.isGrowing) m_open.reset();
+        return begun;
+      }
+    }
+    const Status status = readBlocks(options);
+    if (!options.isGrowing || !status.isOk()) {
+      m_open.reset();
+      m_log = nullptr;
+    }
+    return status;
+  }
+
+  Activity snapshot() {
+    Activity activity;
+    m_builder.addTo(activity);
+    for (const auto& log : m_logs) {
+      LogInfo& info = activity.logs.emplace_back(log->info);
+      info.ledger = log->ledger.ledger();
+      if (!log->sourceNote.empty()) info.notes.push_back(log->sourceNote);
+      if (log->forgottenTransfers > 0)
+        info.notes.push_back(
+            "More sessions were open at a time than are remembered: " + std::to_string(log->forgottenTransfers) +
+            " transfers that waited for their reply were forgotten.");
+    }
+    return activity;
+  }
+
+ private:
+  struct OpenLog {
+    explicit OpenLog(LogSource& log) : source(log), cutter(log) {}
+    LogSource& source;
+    BlockCutter cutter;
+  };
+  struct Log {
+    LogInfo info;
+    LedgerKeeper ledger;
+    std::size_t firstSession = 0;
+    std::uint64_t forgottenBefore = 0;
+    std::uint64_t forgottenTransfers = 0;
+    std::string sourceNote;
+  };
+
+  /// Recognises the log. A growing one may hold nothing yet: then no log is begun, and all is well.
+  Status beginLog(bool isGrowing) {
+    const std::string name = m_open->source.name();
+    const auto start = m_open->cutter.peek();
+    if (!start.isOk()) return start.error();
+    const std::vector<std::string_view> lines = startLines(start.value());
+    if (lines.empty() && isGrowing) return {};
+    if (lines.empty()) return notReadable(name, "The log holds no lines");
+    Recognised recognised = recogniseLog({lines, m_open->source.changedTime()});
+    if (recognised.grammar == nullptr)
+      return notReadable(name, "None of the servers this program knows writes such lines");
+    if (m_logs.size() > std::numeric_limits<LogNumber>::max()) return notReadable(name, "There are too many logs");
+
+    m_open->cutter.begin(*recognised.grammar, std::move(recognised.dialect));
+    m_log = m_logs.emplace_back(std::make_unique<Log>()).get();
+    m_log->info.name = name;
+    m_log->info.grammar = recognised.grammar;
+    m_log->firstSession = m_builder.sessionCount();
+    m_log->forgottenBefore = m_builder.forgottenTransfers();
+    m_builder.beginLog(static_cast<LogNumber>(m_logs.size() - 1), recognised.grammar->traits());
+    return {};
+  }
+
+  Status readBlocks(const ReadOptions& options) {
+    const Grammar& grammar = *m_log->info.grammar;
+    const std::uint64_t size = m_open->source.size();
+    unsigned threads = options.threads != 0 ? options.threads : std::max(1u, std::thread::hardware_concurrency());
+    if (threads == 1 || (size != 0 && size < kSmallLog) || options.isGrowing) threads = 0;
+    BlockParser parser(m_open->cutter, grammar, numberOf(grammar), {.threads = threads, .isFinal = !options.isGrowing});
+    std::uint64_t told = 0;
+    for (;;) {
+      const auto parsed = parser.next();
+      if (!parsed.isOk()) return parsed.error();
+      if (parsed.value() == nullptr) break;
+      take(*parsed.value());
+      const std::uint64_t read = m_log->ledger.ledger().bytes();
+      if (options.keepGoing && read >= told + kProgressStep) {
+        told = read;
+        if (!options.keepGoing({read, size})) return {};
+      }
+    }
+    m_log->sourceNote = m_open->source.note();
+    m_log->info.isComplete = !options.isGrowing;
+    return {};
+  }
+
+  void take(const ParsedBlock& parsed) {
+    if (!parsed.isUtf8) m_log->info.encoding = TextEncoding::Windows1252;
+    if (parsed.block.continued > 0) m_log->ledger.takeMore(parsed.block.continued);
+    const std::string_view text = parsed.block.text();
+    for (const Event& event : parsed.events) {
+      Verdict verdict = Verdict::Foreign;
+      if (event.kind != EventKind::Foreign) verdict = m_builder.take(event) ? Verdict::Understood : Verdict::SetAside;
+      const std::string_view line = text.substr(event.position - parsed.block.position, event.length);
+      m_log->ledger.take(verdict, event, withoutLineEnd(line));
+    }
+    m_log->info.sessions = static_cast<std::uint32_t>(m_builder.sessionCount() - m_log->firstSession);
+    m_log->forgottenTransfers = m_builder.forgottenTransfers() - m_log->forgottenBefore;
+  }
+
+  ActivityBuilder m_builder;
+  std::vector<std::unique_ptr<Log>> m_logs;
+  std::optional<OpenLog> m_open;
+  Log* m_log = nullptr;  ///< that is read; null before it is recognised
+};
+
+ActivityReader::ActivityReader() : m_impl(std::make_unique<Impl>()) {}
+ActivityReader::~ActivityReader() = default;
+
+Status ActivityReader::read(LogSource& log, const ReadOptions& options) {
+  return m_impl->read(log, options);
+}
+
+Activity ActivityReader::snapshot() {
+  return m_impl->snapshot();
+}
+
+}  // namespace quorvel

@@ -1,0 +1,169 @@
+#include "activity/session_finder.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+#include "activity/text_hash.h"
+
+namespace quorvel {
+namespace {
+
+/// Numbers up to this many digits are found by index.
+constexpr std::size_t kMostDigits = 6;
+/// As high as processes are numbered.
+constexpr std::uint32_t kMostProcess = 1u << 22;
+/// Between the end of one transfer and the start of the next of one session.
+constexpr std::int64_t kLongestPause = 30 * 60;
+
+std::optional<std::uint32_t> numberOf(std::string_view key) {
+  std::uint32_t number = 0;
+  const auto [end, error] = std::from_chars(key.data(), key.data() + key.size(), number);
+  if (error != std::errc() || end != key.data() + key.size()) return std::nullopt;
+  return number;
+}
+
+/// The place for number in a table that grows to hold it.
+RowNumber& placeIn(std::vector<RowNumber>& table, std::uint32_t number, std::size_t most) {
+  if (number >= table.size()) table.resize(std::min(most, std::max<std::size_t>(2 * table.size(), number + 1)), 0);
+  return table[number];
+}
+
+}  // namespace
+
+SessionFinder::SessionFinder(SessionRule rule, const OpenSessions& sessions, const TextPool& texts)
+    : m_rule(rule),
+      m_sessions(sessions),
+      m_texts(texts),
+      m_first(static_cast<RowNumber>(sessions.size())),
+      m_seed(randomSeed()) {}
+
+RowNumber SessionFinder::find(const Event& event) {
+  switch (m_rule) {
+    case SessionRule::ByKey:
+      return findKey(event);
+    case SessionRule::ByUserAndAddress:
+      return event.kind == EventKind::Connect ? kNoRow : findUserAndAddress(event);
+    case SessionRule::ByProcessNeighbours:
+      break;
+  }
+  const RowNumber session = event.kind == EventKind::Connect ? kNoRow : findNeighbours(event);
+  if (session != kNoRow) belongs(event, session);
+  return session;
+}
+
+void SessionFinder::belongs(const Event& event, RowNumber session) {
+  if (m_rule == SessionRule::ByProcessNeighbours) {
+    const auto process = numberOf(event.key);
+    if (process && *process <= kMostProcess) placeIn(m_numbers[0], *process, kMostProcess + 1) = session + 1;
+    return;
+  }
+  const bool isByKey = m_rule == SessionRule::ByKey;
+  if (RowNumber* const place = isByKey ? shortNumber(event.key) : nullptr) {
+    *place = session + 1;
+    return;
+  }
+  if ((m_used + 1) * 4 > m_slots.size() * 3) grow();
+  Slot& slot = isByKey ? slotOf(event.key, {}) : slotOf(event.user, event.address);
+  if (slot.session == kNoRow) ++m_used;
+  slot.session = session;
+}
+
+void SessionFinder::forget() {
+  m_first = static_cast<RowNumber>(m_sessions.size());
+}
+
+RowNumber SessionFinder::findKey(const Event& event) {
+  if (const RowNumber* const place = shortNumber(event.key)) return *place == 0 ? kNoRow : current(*place - 1);
+  return m_slots.empty() ? kNoRow : current(slotOf(event.key, {}).session);
+}
+
+RowNumber SessionFinder::findUserAndAddress(const Event& event) {
+  if (m_slots.empty()) return kNoRow;
+  const auto goesOn = [this, &event](RowNumber session) {
+    if (current(session) == kNoRow) return false;
+    const LogTime last = m_sessions.row(session).ended;
+    if (last == kNoTime || event.time == kNoTime) return true;
+    return std::int64_t{event.time} - std::max<std::int64_t>(event.seconds, 0) <= last + kLongestPause;
+  };
+  const RowNumber session = slotOf(event.user, event.address).session;
+  if (session != kNoRow && goesOn(session)) return session;
+  // What happened before the log-on belongs to the first who logs on from there.
+  if (event.user.empty()) return kNoRow;
+  const RowNumber nameless = slotOf({}, event.address).session;
+  if (nameless == kNoRow || !goesOn(nameless)) return kNoRow;
+  belongs(event, nameless);
+  return nameless;
+}
+
+RowNumber SessionFinder::findNeighbours(const Event& event) const {
+  const auto process = numberOf(event.key);
+  const auto sessionOf = [this, &process](std::int64_t distance) {
+    const std::int64_t number = std::int64_t{process.value_or(0)} + distance;
+    const auto& table = m_numbers[0];
+    if (!process || number < 0 || number >= static_cast<std::int64_t>(table.size())) return kNoRow;
+    const RowNumber entry = table[static_cast<std::size_t>(number)];
+    return entry == 0 ? kNoRow : current(entry - 1);
+  };
+  const auto fits = [this, &event](RowNumber session) {
+    if (session == kNoRow) return false;
+    const SessionRow& row = m_sessions.row(session);
+    return (event.address.empty() || m_texts[row.address] == event.address) &&
+           (event.user.empty() || row.user == kNoText || m_texts[row.user] == event.user ||
+            row.outcome != LogonResult::LoggedOn);
+  };
+  if (const RowNumber same = sessionOf(0); fits(same)) return same;
+  // The process that logs on stands in front of the one that told of the connection.
+  if (const RowNumber connected = sessionOf(1); fits(connected) && m_sessions.row(connected).lines == 1)
+    return connected;
+  for (const std::int64_t before : {-1, -2})
+    if (const RowNumber session = sessionOf(before);
+        !event.user.empty() && fits(session) && m_texts[m_sessions.row(session).user] == event.user)
+      return session;
+  return kNoRow;
+}
+
+RowNumber* SessionFinder::shortNumber(std::string_view key) {
+  if (key.size() > kMostDigits || key.empty()) return nullptr;
+  std::uint32_t number = 0;
+  for (const char c : key) {
+    if (c < '0' || c > '9') return nullptr;
+    number = number * 10 + static_cast<std::uint32_t>(c - '0');
+  }
+  return &placeIn(m_numbers[key.size()], number, 1000000);
+}
+
+SessionFinder::Slot& SessionFinder::slotOf(std::string_view key, std::string_view second) {
+  const std::uint64_t whole = textHash(key, m_seed ^ (second.empty() ? 0 : textHash(second, m_seed)));
+  const auto hash = static_cast<std::uint32_t>(whole >> 32);
+  const std::size_t mask = m_slots.size() - 1;
+  for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
+    Slot& slot = m_slots[at];
+    if (slot.session == kNoRow) {
+      slot.hash = hash;
+      return slot;
+    }
+    if (slot.hash == hash && isKeyOf(slot.session, key, second)) return slot;
+  }
+}
+
+bool SessionFinder::isKeyOf(RowNumber session, std::string_view key, std::string_view second) const {
+  const SessionRow& row = m_sessions.row(session);
+  if (m_rule == SessionRule::ByKey) return m_texts[row.key] == key;
+  return m_texts[row.user] == key && m_texts[row.address] == second;
+}
+
+void SessionFinder::grow() {
+  std::vector<Slot> old(m_slots.empty() ? 1024 : m_slots.size() * 2);
+  old.swap(m_slots);
+  const std::size_t mask = m_slots.size() - 1;
+  for (const Slot& slot : old) {
+    if (slot.session == kNoRow) continue;
+    std::size_t at = slot.hash & mask;
+    while (m_slots[at].session != kNoRow)
+      at = (at + 1) & mask;
+    m_slots[at] = slot;
+  }
+}
+
+}  // namespace quorvel

@@ -44,7 +44,7 @@ TEST_F(ToolDialogs, EveryItemOpensItsDialogAndEscapeClosesIt) {
   }
 }
 
-TEST_F(ToolDialogs, EveryDialogFitsASmallScreenWithLargeLetters) {
+TEST_F(ToolDialogs, EveryWindowFitsASmallScreenWithLargeLetters) {
   const QFont usual = QApplication::font();
   QFont large = usual;
   large.setPointSize(22);
@@ -58,6 +58,9 @@ TEST_F(ToolDialogs, EveryDialogFitsASmallScreenWithLargeLetters) {
       EXPECT_LE(dialog.width(), screen.width()) << dialog.objectName().toStdString();
     });
   }
+  MainWindow main(dialogs);
+  EXPECT_LT(main.minimumSizeHint().height(), screen.height() - large.pointSize());
+  EXPECT_LT(main.minimumSizeHint().width(), screen.width());
   QApplication::setFont(usual);
 }
 

@@ -9,10 +9,10 @@
 
 #include "tests/support/program_window.h"
 #include "tests/support/sample_log.h"
-#include "ui/qt/session_tree_page.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/session_tree_box.h"
 #include "ui/qt/session_tree_model.h"
+#include "ui/qt/session_tree_page.h"
 
 namespace quorvel::test {
 

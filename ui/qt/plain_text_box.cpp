@@ -66,6 +66,16 @@ int PlainTextBox::heightForLines(int lines) const {
   return static_cast<int>(std::ceil(lines * fontMetrics().lineSpacing() + margins)) + scrollBar;
 }
 
+void PlainTextBox::preferLines(int lines) {
+  m_preferredLines = lines;
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
+}
+
+QSize PlainTextBox::sizeHint() const {
+  const QSize usual = QPlainTextEdit::sizeHint();
+  return m_preferredLines == 0 ? usual : QSize(usual.width(), heightForLines(m_preferredLines));
+}
+
 void PlainTextBox::resizeEvent(QResizeEvent* event) {
   // Without wrapping no line depends on the width; told of a new one, the base class would lay out a million lines.
   const QSize oldSize(event->size().width(), event->oldSize().height());

@@ -25,6 +25,9 @@ class PlainTextBox : public QPlainTextEdit {
 
   /// The box's height in pixels when it has to show so many lines and a scroll bar below them.
   [[nodiscard]] int heightForLines(int lines) const;
+  /// Takes the room of so many lines and no more, less where there is not enough.
+  void preferLines(int lines);
+  [[nodiscard]] QSize sizeHint() const override;
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
@@ -36,6 +39,7 @@ class PlainTextBox : public QPlainTextEdit {
 
   std::string m_bytes;
   ShownLines m_lines;
+  int m_preferredLines = 0;  // 0: as many as there is room for
 };
 
 }  // namespace quorvel

@@ -38,6 +38,7 @@ ProgressRow::ProgressRow(QWidget* parent)
       m_stop(new QPushButton(QStringLiteral("Stop"))) {
   m_caption->setText(QStringLiteral("Current position:"));
   m_position->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("2147483647")));
+  m_caption->setMinimumWidth(1);  // on a narrow screen it gives way first
   m_bar->setObjectName(QStringLiteral("ProgressBar1"));
   m_bar->setAccessibleName(QStringLiteral("Progress"));
   m_bar->setRange(0, kSteps);

@@ -88,7 +88,7 @@ QWidget* SessionTreePage::makeTreeSide() {
 QWidget* SessionTreePage::makeTextSide() {
   m_userInfo->setObjectName(QStringLiteral("rtbUserInfo"));
   m_userInfo->setAccessibleName(QStringLiteral("User info"));
-  m_userInfo->setFixedHeight(m_userInfo->heightForLines(kUserInfoLines));
+  m_userInfo->preferLines(kUserInfoLines);
   m_filter->setObjectName(QStringLiteral("rtbFilter"));
   m_filter->setAccessibleName(QStringLiteral("Filter window"));
 

@@ -37,11 +37,11 @@ std::string folderAfter(std::string_view folder, std::string_view argument) {
   if (argument.size() > kLongestFolder || argument.starts_with('~')) return {};
   std::string result;
   if (hasDrive(argument)) {
-    result = argument.substr(0, 2);
+    result.append(argument.substr(0, 2));
     argument.remove_prefix(2);
   } else if (argument.empty() || !isSeparator(argument.front())) {
     if (folder.empty()) return {};
-    result = folder;
+    result.append(folder);
   }
   const bool hasBackslashes = argument.find('/') == std::string_view::npos && result.find('/') == std::string::npos;
   const char separator = hasBackslashes && argument.find('\\') != std::string_view::npos ? '\\' : '/';
@@ -50,7 +50,7 @@ std::string folderAfter(std::string_view folder, std::string_view argument) {
     goInto(result, argument.substr(0, end), separator);
     argument.remove_prefix(end == std::string_view::npos ? argument.size() : end + 1);
   }
-  if (result.empty()) result = separator;
+  if (result.empty()) result.push_back(separator);
   return result.size() > kLongestFolder ? std::string() : result;
 }
 

@@ -114,7 +114,8 @@ class ActivityReader::Impl {
     const auto start = m_open->cutter.peek();
     if (!start.isOk()) return start.error();
     const std::vector<std::string_view> lines = startLines(start.value());
-    if (lines.empty() && isGrowing) return {};
+    const bool hasWholeLine = start.value().find('\n') != std::string_view::npos;
+    if (isGrowing && (lines.empty() || !hasWholeLine)) return {};
     if (lines.empty()) return notReadable(name, "The log holds no lines");
     Recognised recognised = recogniseLog({lines, m_open->source.changedTime()});
     if (recognised.grammar == nullptr)

@@ -112,10 +112,13 @@ RowNumber SessionFinder::findNeighbours(const Event& event) const {
            (event.user.empty() || row.user == kNoText || m_texts[row.user] == event.user ||
             row.outcome != LogonResult::LoggedOn);
   };
-  if (const RowNumber same = sessionOf(0); fits(same)) return same;
   // The process that logs on stands in front of the one that told of the connection.
-  if (const RowNumber connected = sessionOf(1); fits(connected) && m_sessions.row(connected).lines == 1)
+  const bool isBeforeLogon =
+      event.user.empty() || event.kind == EventKind::LoggedOn || event.kind == EventKind::Refused;
+  if (const RowNumber connected = sessionOf(1);
+      isBeforeLogon && fits(connected) && m_sessions.row(connected).lines == 1)
     return connected;
+  if (const RowNumber same = sessionOf(0); fits(same)) return same;
   for (const std::int64_t before : {-1, -2})
     if (const RowNumber session = sessionOf(before);
         !event.user.empty() && fits(session) && m_texts[m_sessions.row(session).user] == event.user)

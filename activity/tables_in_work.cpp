@@ -53,7 +53,8 @@ RowNumber TablesInWork::tellAction(SessionState& session, const Event& line, con
   row.time = line.time;
   row.seconds = secondsOf(line, told.started);
   row.session = session.number;
-  row.user = line.user.empty() ? session.loggedOnAs : texts.add(line.user);
+  const bool isSentence = line.kind == EventKind::Transfer || line.kind == EventKind::FileChange;
+  row.user = isSentence && !line.user.empty() ? texts.add(line.user) : session.loggedOnAs;
   row.address = session.row.address;
   row.path = texts.add(told.path);
   row.toPath = texts.add(told.toPath);

@@ -9,5 +9,11 @@ namespace quorvel {
 [[nodiscard]] const Grammar& servU();
 [[nodiscard]] const Grammar& vsftpd();
 [[nodiscard]] const Grammar& xferlog();
+[[nodiscard]] const Grammar& syslog();
+[[nodiscard]] const Grammar& proftpd();
+[[nodiscard]] const Grammar& pureFtpd();
+[[nodiscard]] const Grammar& openSsh();
+[[nodiscard]] const Grammar& fileZilla();
+[[nodiscard]] const Grammar& iis();
 
 }  // namespace quorvel

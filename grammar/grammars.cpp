@@ -6,7 +6,8 @@
 namespace quorvel {
 
 std::span<const Grammar* const> grammars() {
-  static const std::array<const Grammar*, 4> kAll = {&servUClassic(), &servU(), &vsftpd(), &xferlog()};
+  static const std::array<const Grammar*, 10> kAll = {&servUClassic(), &servU(),    &vsftpd(),  &xferlog(),   &syslog(),
+                                                      &proftpd(),      &pureFtpd(), &openSsh(), &fileZilla(), &iis()};
   return kAll;
 }
 

@@ -62,17 +62,6 @@ const ActName* actAtEnd(std::string_view text) {
   return nullptr;
 }
 
-/// Whether a second mark stands in the line: a name or a path made to look like the line's own words, and nothing in
-/// the line tells which of the two is the server's.
-bool isAmbiguous(std::string_view rest) {
-  for (std::size_t at = rest.find(kClientMark); at != std::string_view::npos; at = rest.find(kClientMark, at + 1)) {
-    const std::string_view front = rest.substr(0, at);
-    for (const ActName& act : kActs)
-      if (front.ends_with(act.name)) return true;
-  }
-  return false;
-}
-
 /// `, "path", 12345 bytes, 35353.85Kbyte/sec`, read from its end.
 bool readFile(std::string_view rest, Event& event) {
   LineEnd end(rest);
@@ -126,6 +115,25 @@ EventKind kindOf(const ActName& act, std::string_view rest, Event& event) {
   return EventKind::Command;
 }
 
+/// The message as it reads with the server's words in front of the mark at that place.
+void readAt(std::string_view message, std::size_t mark, Event& event) {
+  const std::string_view front = message.substr(0, mark);
+  const ActName* act = actAtEnd(front);
+  LineFront line(message.substr(mark + kClientMark.size()));
+  const auto address = line.takeUntil("\"");
+  if (act == nullptr || !address || !isAddress(*address)) return;
+  event.speaker = Speaker::Server;
+  event.address = *address;
+  event.action = act->action;
+  event.outcome = act->outcome;
+  if (front.size() > act->name.size()) event.user = front.substr(1, front.size() - act->name.size() - 3);
+  event.kind = kindOf(*act, line.rest(), event);
+}
+
+bool needsLogon(EventKind kind) {
+  return kind == EventKind::LoggedOn || kind == EventKind::Transfer || kind == EventKind::FileChange;
+}
+
 class Vsftpd final : public Grammar {
  public:
   std::string_view name() const override { return "vsftpd"; }
@@ -135,7 +143,8 @@ class Vsftpd final : public Grammar {
             .tellsEnds = false,
             .missing =
                 "vsftpd does not write which lines belong to one session, when a session ended or why a log-on "
-                "was refused; sessions are put together from address, user and process number."};
+                "was refused, and writes an upload that the client broke off as done; sessions are put together from "
+                "address, user and process number."};
   }
 
   int recognise(const LogStart& start, Dialect& dialect) const override {
@@ -163,17 +172,26 @@ class Vsftpd final : public Grammar {
 }  // namespace
 
 void readVsftpdMessage(std::string_view message, Event& event) {
-  LineFront line(message);
-  const auto front = line.takeUntil(kClientMark);
-  const ActName* act = front ? actAtEnd(*front) : nullptr;
-  const auto address = line.takeUntil("\"");
-  if (act == nullptr || !address || !isAddress(*address) || isAmbiguous(line.rest())) return;
-  event.speaker = Speaker::Server;
-  event.address = *address;
-  event.action = act->action;
-  event.outcome = act->outcome;
-  if (front->size() > act->name.size()) event.user = front->substr(1, front->size() - act->name.size() - 3);
-  event.kind = kindOf(*act, line.rest(), event);
+  // A name or a path may hold what looks like the server's own words. Each place where they may stand is tried; where
+  // more than one fits the whole line, nothing tells which is the server's.
+  constexpr int kMostMarks = 8;
+  const Event untold = event;
+  int readings = 0;
+  int marks = 0;
+  for (std::size_t at = message.find(kClientMark); at != std::string_view::npos;
+       at = message.find(kClientMark, at + 1)) {
+    if (++marks > kMostMarks) break;
+    Event trial = untold;
+    readAt(message, at, trial);
+    // Nobody logs on with a name that holds the server's words.
+    if (trial.kind == EventKind::Unknown || (marks > 1 && needsLogon(trial.kind))) continue;
+    event = trial;
+    ++readings;
+  }
+  if (readings != 1 || marks > kMostMarks) {
+    event = untold;
+    event.text = message;
+  }
 }
 
 const Grammar& vsftpd() {

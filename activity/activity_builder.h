@@ -25,6 +25,8 @@ class ActivityBuilder {
 
   /// The events that follow are those of another log. Sessions of logs before it do not go on.
   void beginLog(LogNumber log, const GrammarTraits& traits);
+  /// The events that follow are those of the next file of the same log: its sessions go on.
+  void continueLog(LogNumber log) { m_tables.log = log; }
   /// Takes the next line. False: the line's text does not fit what is going on, it belongs to its session and is set
   /// aside.
   [[nodiscard]] bool take(const Event& event);

@@ -57,6 +57,22 @@ Result<bool> BlockCutter::next(Block& block, bool isFinal) {
   return true;
 }
 
+Result<std::uint64_t> BlockCutter::skip(std::uint64_t bytes) {
+  std::uint64_t lines = 0;
+  std::vector<char> buffer(kBlockSize);
+  while (bytes > 0) {
+    const auto filled = fill(buffer);
+    if (!filled.isOk()) return filled.error();
+    const auto passed = static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(bytes, filled.value()));
+    if (passed == 0) break;
+    lines += static_cast<std::uint64_t>(std::count(buffer.begin(), buffer.begin() + passed, '\n'));
+    m_carried.assign(buffer.begin() + passed, buffer.begin() + static_cast<std::ptrdiff_t>(filled.value()));
+    m_position += static_cast<std::uint64_t>(passed);
+    bytes -= static_cast<std::uint64_t>(passed);
+  }
+  return lines;
+}
+
 /// What is left of the block before, and more behind it.
 Result<std::size_t> BlockCutter::fill(std::vector<char>& buffer) {
   std::copy(m_carried.begin(), m_carried.end(), buffer.begin());

@@ -41,6 +41,8 @@ class BlockCutter {
   [[nodiscard]] Result<std::string_view> peek();
   /// What holds from the first line on.
   void begin(const Grammar& grammar, Dialect dialect);
+  /// Passes so many bytes, whole lines; returns how many lines they were. For bytes that were read already elsewhere.
+  [[nodiscard]] Result<std::uint64_t> skip(std::uint64_t bytes);
   /// Fills block with what comes next; false at the end. isFinal: the last line counts though it has no line end; else
   /// it waits for more to be written.
   [[nodiscard]] Result<bool> next(Block& block, bool isFinal);

@@ -31,6 +31,11 @@ class LedgerKeeper {
   /// The next line, and what became of it. The shape of one set aside is made from the event's text, or from all of the
   /// line where there is none.
   void take(Verdict verdict, const Event& event, std::string_view line);
+  /// Lines that were taken already in another file.
+  void takeRepeated(std::uint64_t lines, std::uint64_t bytes) {
+    m_ledger.repeated.lines += lines;
+    m_ledger.repeated.bytes += bytes;
+  }
   /// More bytes of the line that was taken last.
   void takeMore(std::uint64_t bytes);
 

@@ -11,33 +11,15 @@
 #include "activity/block_cutter.h"
 #include "activity/block_parser.h"
 #include "activity/ledger_keeper.h"
+#include "activity/log_start.h"
 #include "grammar/grammar.h"
 
 namespace quorvel {
 namespace {
 
-/// A log is recognised from its first lines that say anything, as far as they lie in its first bytes.
-constexpr std::size_t kStartBytes = 64 * 1024;
-constexpr std::size_t kStartLines = 200;
 /// Smaller logs are read before a thread has started.
 constexpr std::uint64_t kSmallLog = 2 * BlockCutter::kBlockSize;
 constexpr std::uint64_t kProgressStep = 1024 * 1024;
-
-std::vector<std::string_view> startLines(std::string_view text) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
-  text = text.substr(0, kStartBytes);
-  if (const std::size_t end = text.rfind('\n'); end != std::string_view::npos) text = text.substr(0, end);
-  std::vector<std::string_view> lines;
-  while (!text.empty() && lines.size() < kStartLines) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    std::string_view line = text.substr(0, end);
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    if (line.find_first_not_of(" \t") != std::string_view::npos) lines.push_back(line);
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return lines;
-}
 
 Error notReadable(const std::string& name, std::string_view why) {
   return {ErrorCode::PathFileAccess, std::filesystem::path(std::u8string(name.begin(), name.end())), std::string(why)};
@@ -64,7 +46,7 @@ class ActivityReader::Impl {
       m_log = nullptr;
     }
     if (m_log == nullptr) {
-      const Status begun = beginLog(options.isGrowing);
+      const Status begun = beginLog(options);
       if (!begun.isOk() || m_log == nullptr) {
         if (!options.isGrowing) m_open.reset();
         return begun;
@@ -85,6 +67,7 @@ class ActivityReader::Impl {
       LogInfo& info = activity.logs.emplace_back(log->info);
       info.ledger = log->ledger.ledger();
       if (!log->sourceNote.empty()) info.notes.push_back(log->sourceNote);
+      if (log->isContinued) addGap(activity.logs[activity.logs.size() - 2], info);
       if (log->forgottenTransfers > 0)
         info.notes.push_back(
             "More sessions were open at a time than are remembered: " + std::to_string(log->forgottenTransfers) +
@@ -102,33 +85,67 @@ class ActivityReader::Impl {
   struct Log {
     LogInfo info;
     LedgerKeeper ledger;
+    bool isContinued = false;  ///< the next file of the log before
     std::size_t firstSession = 0;
     std::uint64_t forgottenBefore = 0;
     std::uint64_t forgottenTransfers = 0;
     std::string sourceNote;
   };
 
+  /// Tells of a day and more that lies between two files of a set.
+  static void addGap(const LogInfo& before, LogInfo& log) {
+    constexpr LogTime kDay = 24 * 60 * 60;
+    if (before.ledger.last == kNoTime || log.ledger.first == kNoTime) return;
+    if (log.ledger.first < before.ledger.last || log.ledger.first - before.ledger.last < kDay) return;
+    const LogTime days = (log.ledger.first - before.ledger.last) / kDay;
+    log.notes.push_back("Between " + before.name + " and " + log.name + " there is nothing for " +
+                        std::to_string(days) + (days == 1 ? " day." : " days."));
+  }
+
   /// Recognises the log. A growing one may hold nothing yet: then no log is begun, and all is well.
-  Status beginLog(bool isGrowing) {
+  Status beginLog(const ReadOptions& options) {
     const std::string name = m_open->source.name();
     const auto start = m_open->cutter.peek();
     if (!start.isOk()) return start.error();
     const std::vector<std::string_view> lines = startLines(start.value());
     const bool hasWholeLine = start.value().find('\n') != std::string_view::npos;
-    if (isGrowing && (lines.empty() || !hasWholeLine)) return {};
+    if (options.isGrowing && (lines.empty() || !hasWholeLine)) return {};
     if (lines.empty()) return notReadable(name, "The log holds no lines");
-    Recognised recognised = recogniseLog({lines, m_open->source.changedTime()});
+    const Recognised recognised = recognise({lines, m_open->source.changedTime()}, options.continuesSet);
     if (recognised.grammar == nullptr)
       return notReadable(name, "None of the servers this program knows writes such lines");
     if (m_logs.size() > std::numeric_limits<LogNumber>::max()) return notReadable(name, "There are too many logs");
 
-    m_open->cutter.begin(*recognised.grammar, std::move(recognised.dialect));
+    m_open->cutter.begin(*recognised.grammar, recognised.dialect);
     m_log = m_logs.emplace_back(std::make_unique<Log>()).get();
     m_log->info.name = name;
     m_log->info.grammar = recognised.grammar;
     m_log->firstSession = m_builder.sessionCount();
     m_log->forgottenBefore = m_builder.forgottenTransfers();
-    m_builder.beginLog(static_cast<LogNumber>(m_logs.size() - 1), recognised.grammar->traits());
+    const auto number = static_cast<LogNumber>(m_logs.size() - 1);
+    if (options.continuesSet && number > 0 && m_logs[number - 1u]->info.grammar == recognised.grammar) {
+      m_log->isContinued = true;
+      m_builder.continueLog(number);
+    } else {
+      m_builder.beginLog(number, recognised.grammar->traits());
+    }
+    return skipRepeated(options.repeatedBytes);
+  }
+
+  /// The next file of a set is read as the file before it where it can be, however few lines it has.
+  [[nodiscard]] Recognised recognise(const LogStart& start, bool continuesSet) const {
+    if (continuesSet && !m_logs.empty()) {
+      Recognised same{m_logs.back()->info.grammar, {}};
+      if (same.grammar->recognise(start, same.dialect) > 0) return same;
+    }
+    return recogniseLog(start);
+  }
+
+  Status skipRepeated(std::uint64_t bytes) {
+    if (bytes == 0) return {};
+    const auto lines = m_open->cutter.skip(bytes);
+    if (!lines.isOk()) return lines.error();
+    m_log->ledger.takeRepeated(lines.value(), bytes);
     return {};
   }
 

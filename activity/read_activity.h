@@ -22,6 +22,10 @@ struct ReadOptions {
   /// More may be written to the log: a half line at its end waits, and the next read() of the same source goes on
   /// behind what was read. The source must live until then.
   bool isGrowing = false;
+  /// The log is the next file of the one read before: its sessions go on.
+  bool continuesSet = false;
+  /// So many bytes at its beginning, whole lines, were read in another file of the set already.
+  std::uint64_t repeatedBytes = 0;
   /// Called on the reading thread after each block of about a megabyte; false stops, and the tables hold what was read.
   std::function<bool(const ReadProgress&)> keepGoing;
 };

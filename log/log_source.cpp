@@ -20,6 +20,10 @@ class FileSource final : public LogSource {
   [[nodiscard]] std::int64_t changedTime() const override { return m_changed; }
   [[nodiscard]] std::string note() const override { return m_note; }
 
+  [[nodiscard]] bool rewind() override {
+    m_offset = 0;
+    return true;
+  }
   [[nodiscard]] Result<std::size_t> read(std::span<char> buffer) override {
     auto count = m_file->readAt(m_offset, buffer);
     if (count.isOk()) m_offset += count.value();

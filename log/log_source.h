@@ -21,6 +21,8 @@ class LogSource {
   [[nodiscard]] virtual std::string name() const = 0;
   /// Fills buffer; less than asked for only at the end for now. A growing log may give more later.
   [[nodiscard]] virtual Result<std::size_t> read(std::span<char> buffer) = 0;
+  /// Goes back to the first byte; false where that cannot be: standard input.
+  [[nodiscard]] virtual bool rewind() { return false; }
   /// In bytes, as far as known; 0 where it is not.
   [[nodiscard]] virtual std::uint64_t size() const = 0;
   /// When the log was last changed, seconds since 1970 UTC; 0 unknown.

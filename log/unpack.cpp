@@ -21,7 +21,7 @@ constexpr std::size_t kMostLogs = 10'000;
 /// An archive being read from a file, front to back.
 class Archive {
  public:
-  explicit Archive(std::unique_ptr<File> packed) : m_packed(std::move(packed)), m_archive(archive_read_new()) {
+  explicit Archive(std::shared_ptr<File> packed) : m_packed(std::move(packed)), m_archive(archive_read_new()) {
     archive_read_support_filter_gzip(m_archive.get());
     archive_read_support_filter_bzip2(m_archive.get());
     archive_read_support_filter_xz(m_archive.get());
@@ -36,6 +36,8 @@ class Archive {
     archive_read_set_callback_data(m_archive.get(), this);
     m_isGood = archive_read_open1(m_archive.get()) == ARCHIVE_OK;
   }
+
+  [[nodiscard]] const std::shared_ptr<File>& packed() const { return m_packed; }
 
   /// Goes to the next plain file; false at the end and where the archive is damaged.
   [[nodiscard]] bool next() {
@@ -110,7 +112,7 @@ class Archive {
     return count;
   }
 
-  std::unique_ptr<File> m_packed;
+  std::shared_ptr<File> m_packed;
   std::vector<char> m_buffer = std::vector<char>(kBlock);
   std::uint64_t m_offset = 0;
   std::string m_entry;
@@ -132,6 +134,11 @@ class UnpackedStream final : public LogSource {
   [[nodiscard]] std::string name() const override { return m_name; }
   [[nodiscard]] std::uint64_t size() const override { return 0; }
   [[nodiscard]] std::int64_t changedTime() const override { return m_changedTime; }
+  [[nodiscard]] bool rewind() override {
+    m_archive = std::make_unique<Archive>(m_archive->packed());
+    m_bytes = 0;
+    return m_archive->next();
+  }
   [[nodiscard]] Result<std::size_t> read(std::span<char> buffer) override {
     const std::size_t count = m_archive->read(buffer);
     m_bytes += count;

@@ -7,6 +7,10 @@ if(MSVC)
 else()
   target_compile_options(quorvel_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # GCC 12 takes assignments to std::string for copies of overlapping memory.
+    target_compile_options(quorvel_options INTERFACE -Wno-restrict)
+  endif()
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_FLAGS MATCHES "-fsanitize")
     # GCC 12 takes what the sanitizers add to the standard library for uses of uninitialised values.
     target_compile_options(quorvel_options INTERFACE -Wno-maybe-uninitialized)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 #include "app/command_context.h"
@@ -10,12 +11,13 @@ namespace quorvel {
 
 /// One message; in an unattended run it also makes the run a failed one.
 void reportFailure(CommandContext& context, std::string_view text);
+/// The same for results that could not be written. Where their reader has gone, nothing more of the run can be.
+void reportLostResults(CommandContext& context, const Error& error);
 
-/// Puts the window at rest after a command that ran out of memory, and says so.
-void reportOutOfMemory(CommandContext& context);
-
-/// Keeps results from being written over what the program needs: true, after a message, when path is the log, or the
-/// settings file or a working file that the commands read or delete.
+/// Why no results can be written into path: it is the log, a file that the program itself needs, or, in a window that
+/// must not wait for a reader, no plain file. Empty where they can.
+[[nodiscard]] std::string whyNoResultsFile(const CommandContext& context, const std::filesystem::path& path);
+/// Whether they cannot; then after a message.
 [[nodiscard]] bool refusesResultsFile(CommandContext& context, const std::filesystem::path& path);
 
 }  // namespace quorvel

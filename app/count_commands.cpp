@@ -91,7 +91,7 @@ void ShowCounterResult(CommandContext& context, std::string_view caption, const 
 void appendResult(CommandContext& context, const CountCommand& command, const TransferCount& totals) {
   const Status written = AppendCounterResult(context.files, context.state.batchOutputFile, totals, command.description,
                                              resultOptions(context));
-  if (!written.isOk()) reportFailure(context, written.error().sentence());
+  if (!written.isOk()) reportLostResults(context, written.error());
 }
 
 void showUsing(CommandContext& context) {

@@ -1,12 +1,10 @@
 #include "app/error_log.h"
 
-#include <new>
 #include <string>
 #include <utility>
 
 #include "app/program.h"
 #include "log/clock.h"
-#include "log/memory_limit.h"
 #include "log/text.h"
 
 namespace quorvel {
@@ -27,22 +25,21 @@ ErrorLog::ErrorLog(FileSystem& files, const std::filesystem::path& programFolder
       m_writer([this](const std::string& batch) { return write(batch); }) {}
 
 ErrorLog::~ErrorLog() {
-  keepWholeLines(m_batch);  // a line is begun only where memory ran out in the middle of it
-  asMemoryAllows([this] { flush(); });
+  flush();
 }
 
 void ErrorLog::recordNotSaved(const std::filesystem::path& log, const std::filesystem::path& usersFile,
                               const UserAct& record, std::int32_t recordNumber, const Error& error) {
-  m_batch.append(log.string()).append(" - error when saving post No ");
+  m_batch.append(pathText(log)).append(" - error when saving post No ");
   m_batch.append(std::to_string(recordNumber)).append(" into file ");
-  addLine(usersFile.string());
+  addLine(pathText(usersFile));
   addHead(error);
   addDump(record);
   endBlock();
 }
 
 void ErrorLog::flush() {
-  if (!m_writer.finish().isOk()) throw std::bad_alloc();  // the only failure that write() does not keep to itself
+  (void)m_writer.finish();
   if (m_batch.empty()) return;
   (void)write(m_batch);
   m_batch.clear();
@@ -51,7 +48,7 @@ void ErrorLog::flush() {
 
 Status ErrorLog::write(std::string_view batch) {
   if (!m_file) {
-    auto file = m_files.open(m_path, OpenMode::Append);
+    auto file = m_files.openToAppendLines(m_path, Owner::Program);
     if (file.isOk()) m_file = std::move(file.value());
   }
   if (m_file) (void)m_file->appendLines(batch);

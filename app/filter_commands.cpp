@@ -52,7 +52,7 @@ void writeBlocks(CommandContext& context, const LogFile& log, const SessionSourc
   const Status read = filterIntoFile(context, log, sessions, results);
   if (results.hasBlock()) (void)results.copyLastLines(context.state.filterFilePath());
   context.view.showProgress(false);
-  if (!results.isOk()) reportFailure(context, results.status().error().sentence());
+  if (!results.isOk()) reportLostResults(context, results.status().error());
   if (!read.isOk()) reportFailure(context, read.error().sentence());
 }
 

@@ -120,7 +120,7 @@ class FindUsers {
   void enter(CodePoint point) { m_codePoint = point; }
 
   Status prepareAndScan(const LogFile& log) {
-    const auto& folder = m_context.state.programFolder;
+    const auto& folder = m_context.state.workingFolder;
     enter(CodePoint::DeleteUsersFile);
     if (Status deleted = deleteFile(m_context.state.usersFilePath()); !deleted.isOk()) return deleted;
     enter(CodePoint::DeleteWorkingFiles);
@@ -166,7 +166,9 @@ class FindUsers {
 
   /// A log without sessions has an empty users file, not a lost one. The first record reports what keeps it from being
   /// written.
-  void createUsersFile() { std::ignore = m_context.files.open(m_context.state.usersFilePath(), OpenMode::ReadWrite); }
+  void createUsersFile() {
+    std::ignore = m_context.files.open(m_context.state.usersFilePath(), OpenMode::ReadWrite, Owner::Program);
+  }
 
   void finishScan(FindEnd end) {
     if (end == FindEnd::Stopped) {

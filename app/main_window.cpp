@@ -1,10 +1,8 @@
 #include "app/main_window.h"
 
 #include <array>
-#include <new>
 #include <string>
 
-#include "app/command_report.h"
 #include "app/count_commands.h"
 #include "app/filter_commands.h"
 #include "app/find_users_command.h"
@@ -36,9 +34,10 @@ constexpr std::array<BoundsKey, 4> kBoundsKeys{{
 }  // namespace
 
 frmMain::frmMain(FileSystem& files, Settings& settings, MainWindowView& view, Pacer& pacer,
-                 const std::filesystem::path& programFolder)
+                 const std::filesystem::path& programFolder, const std::filesystem::path& workingFolder)
     : m_context{files, settings, m_state, view, pacer} {
   m_state.programFolder = programFolder;
+  m_state.workingFolder = workingFolder.empty() ? programFolder : workingFolder;
 }
 
 void frmMain::load() {
@@ -84,21 +83,12 @@ void frmMain::unload() {
   (void)m_context.files.remove(m_state.usersFilePath());
 }
 
-void frmMain::run(const std::function<void(CommandContext&)>& command) {
-  if (m_state.batchFlag) return command(m_context);  // the whole run ends then
-  try {
-    command(m_context);
-  } catch (const std::bad_alloc&) {
-    reportOutOfMemory(m_context);
-  }
-}
-
 void frmMain::mnuOpenLogFile_Click() {
-  run(chooseLogFile);
+  chooseLogFile(m_context);
 }
 
 void frmMain::openLogFile(const std::filesystem::path& path) {
-  run([&path](CommandContext& context) { quorvel::openLogFile(context, path); });
+  quorvel::openLogFile(m_context, path);
 }
 
 void frmMain::useLog(const std::filesystem::path& path, std::string_view title, LogType type) {
@@ -106,15 +96,15 @@ void frmMain::useLog(const std::filesystem::path& path, std::string_view title, 
 }
 
 void frmMain::mnuSaveShortInfo_Click() {
-  run(SaveShortInfoCommand);
+  SaveShortInfoCommand(m_context);
 }
 
 void frmMain::mnuSaveFilterWindow_Click() {
-  run(saveFilterWindow);
+  saveFilterWindow(m_context);
 }
 
 void frmMain::mnuFindUsers_Click() {
-  run(findUsers);
+  findUsers(m_context);
 }
 
 void frmMain::mnuStop_Click() {
@@ -122,27 +112,27 @@ void frmMain::mnuStop_Click() {
 }
 
 void frmMain::mnuFilterAll_Click() {
-  run(filterAll);
+  filterAll(m_context);
 }
 
 void frmMain::mnuFilterSelected_Click() {
-  run(filterSelected);
+  filterSelected(m_context);
 }
 
 void frmMain::mnuFilterIP_Click() {
-  run(filterIP);
+  filterIP(m_context);
 }
 
 void frmMain::mnuFilterUser_Click() {
-  run(filterUser);
+  filterUser(m_context);
 }
 
 void frmMain::mnuFilterSession_Click() {
-  run(filterSession);
+  filterSession(m_context);
 }
 
 void frmMain::mnuReloadTreeView_Click() {
-  run(reloadTree);
+  reloadTree(m_context);
 }
 
 void frmMain::toggleAutoFilter() {
@@ -154,23 +144,23 @@ void frmMain::toggleAutoFilter() {
 }
 
 void frmMain::mnuCountAllTransfers_Click() {
-  run(countAllTransfers);
+  countAllTransfers(m_context);
 }
 
 void frmMain::mnuCountSelectedSessions_Click() {
-  run(countSelectedSessions);
+  countSelectedSessions(m_context);
 }
 
 void frmMain::mnuCountIPTransfers_Click() {
-  run(countIPTransfers);
+  countIPTransfers(m_context);
 }
 
 void frmMain::mnuCountUsersTransfers_Click() {
-  run(countUsersTransfers);
+  countUsersTransfers(m_context);
 }
 
 void frmMain::mnuCountSessionsTransfers_Click() {
-  run(countSessionsTransfers);
+  countSessionsTransfers(m_context);
 }
 
 void frmMain::cmdPasteResultTortbFilter_Click(std::string_view caption, std::string_view text) {
@@ -178,7 +168,7 @@ void frmMain::cmdPasteResultTortbFilter_Click(std::string_view caption, std::str
 }
 
 void frmMain::TreeView1_NodeClick(std::int32_t node) {
-  run([node](CommandContext& context) { clickNode(context, node); });
+  clickNode(m_context, node);
 }
 
 void frmMain::TreeView1_RightButton() {
@@ -190,19 +180,19 @@ void frmMain::setNodeChecked(std::int32_t node, bool checked) {
 }
 
 void frmMain::mnuShowUsernameLogontime_Click() {
-  run([](CommandContext& context) { chooseLayout(context, 0); });
+  chooseLayout(m_context, 0);
 }
 
 void frmMain::mnuShowUsernameIP_Click() {
-  run([](CommandContext& context) { chooseLayout(context, 1); });
+  chooseLayout(m_context, 1);
 }
 
 void frmMain::mnuShowIPUsername_Click() {
-  run([](CommandContext& context) { chooseLayout(context, 2); });
+  chooseLayout(m_context, 2);
 }
 
 void frmMain::mnuShowIPLogontime_Click() {
-  run([](CommandContext& context) { chooseLayout(context, 3); });
+  chooseLayout(m_context, 3);
 }
 
 void frmMain::mnuShowCheckboxesInTreeView_Click() {

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <string_view>
 
 #include "app/command_context.h"
@@ -28,9 +27,9 @@ struct WindowPlacement {
 
 class frmMain {
  public:
-  /// All arguments must outlive the window.
+  /// All arguments must outlive the window. workingFolder: the one of this process; empty: the program folder.
   frmMain(FileSystem& files, Settings& settings, MainWindowView& view, Pacer& pacer,
-          const std::filesystem::path& programFolder);
+          const std::filesystem::path& programFolder, const std::filesystem::path& workingFolder = {});
   frmMain(const frmMain&) = delete;
   frmMain& operator=(const frmMain&) = delete;
 
@@ -95,9 +94,6 @@ class frmMain {
   void mnuWebReportBug_Click();
 
  private:
-  /// Runs a command; where memory runs out in it, the window says so and is at rest again.
-  void run(const std::function<void(CommandContext&)>& command);
-
   MainWindowState m_state;
   CommandContext m_context;
 };

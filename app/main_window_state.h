@@ -21,6 +21,7 @@ enum class LogType {
 
 struct MainWindowState {
   std::filesystem::path programFolder;
+  std::filesystem::path workingFolder;  ///< of this process alone, see WorkingFolder
 
   std::filesystem::path logPath;  ///< empty: no log chosen yet
   std::string logTitle;           ///< its name without folder
@@ -48,10 +49,11 @@ struct MainWindowState {
   std::string BatchCountUser;
   std::string batchDescription;  ///< what the next count counts, e.g. "IP: 10.0.0.5"
   bool batchFailed = false;      ///< a command of the run could not do its work; decides the exit status
+  bool batchReaderGone = false;  ///< nobody reads the results any more: the run is to end
 
   [[nodiscard]] bool hasLog() const { return !logPath.empty(); }
-  [[nodiscard]] std::filesystem::path usersFilePath() const { return programFolder / "users.qva"; }
-  [[nodiscard]] std::filesystem::path filterFilePath() const { return programFolder / "filter.qva"; }
+  [[nodiscard]] std::filesystem::path usersFilePath() const { return workingFolder / "users.qva"; }
+  [[nodiscard]] std::filesystem::path filterFilePath() const { return workingFolder / "filter.qva"; }
   [[nodiscard]] std::filesystem::path badTransfersPath() const { return programFolder / "bad_trans.txt"; }
 };
 

@@ -1,11 +1,16 @@
 #include "cli/batch_run.h"
 
 #include <algorithm>
+#include <chrono>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <utility>
 
+#include "app/command_report.h"
 #include "classic/tools/command_codes.h"
 #include "log/text.h"
 
@@ -79,7 +84,7 @@ class BatchRun {
   }
 
   /// What keeps the whole run from starting, in one sentence; empty: nothing.
-  [[nodiscard]] std::optional<std::string> findProblem(const Status& parsed, const std::vector<Step>& steps) const {
+  [[nodiscard]] std::optional<std::string> findProblem(const Status& parsed, const std::vector<Step>& steps) {
     if (!parsed.isOk()) {
       const auto& last = m_arguments.rawArguments().back();
       return parsed.error().description() + ": code " + last + " needs a value (" + std::string(findCode(last)->value) +
@@ -98,15 +103,32 @@ class BatchRun {
     if (reader != steps.end() && !findsSessions && !m_context.files.Exist(m_window.state().usersFilePath())) {
       return "Code " + std::to_string(reader->code->code) + " needs the sessions that code 100 finds; add code 100.";
     }
-    if (isSameFile(outputFile(), m_window.state().logPath)) {
-      return pathText(outputFile()) + ": this is the log; results cannot be written into it.";
-    }
+    m_window.state().batchFlag = true;
+    std::string reason = whyNoResultsFile(m_context, outputFile());
+    m_window.state().batchFlag = false;
+    if (!reason.empty()) return reason;
     return std::nullopt;
   }
 
+  /// A named pipe is kept open as long as the run lasts, so that its reader gets all results as one stream. It is
+  /// waited for until somebody reads it.
+  [[nodiscard]] std::unique_ptr<File> openPipe() {
+    std::error_code error;
+    if (std::filesystem::status(outputFile(), error).type() != std::filesystem::file_type::fifo) return nullptr;
+    while (true) {
+      auto pipe = m_context.files.open(outputFile(), OpenMode::Append);
+      if (pipe.isOk()) return std::move(pipe.value());
+      const bool isWaiting = pipe.error().code == ErrorCode::DeviceUnavailable;
+      if (!isWaiting || isInterrupted() || m_window.state().stopFlag) return nullptr;
+      m_context.view.yield();
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+  }
+
   void runSteps(const std::vector<Step>& steps) {
+    const auto pipe = std::any_of(steps.begin(), steps.end(), writesResults) ? openPipe() : nullptr;
     for (const Step& step : steps) {
-      if (isInterrupted()) break;
+      if (isInterrupted() || m_window.state().batchReaderGone) break;
       m_window.state().batchFlag = true;
       runStep(step);
       m_window.state().batchFlag = false;

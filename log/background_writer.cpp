@@ -1,6 +1,5 @@
 #include "log/background_writer.h"
 
-#include <new>
 #include <system_error>
 #include <utility>
 
@@ -53,7 +52,7 @@ void BackgroundWriter::work() {
     std::string& batch = m_batches[m_next];
     if (m_status.isOk()) {
       lock.unlock();
-      Status status = writeBatch(batch);
+      Status status = m_write(batch);  // nobody else touches a batch that waits
       lock.lock();
       m_status = std::move(status);
     }
@@ -61,15 +60,6 @@ void BackgroundWriter::work() {
     m_next = (m_next + 1) % m_batches.size();
     --m_waiting;
     m_changed.notify_all();
-  }
-}
-
-/// Nobody else touches a batch that waits.
-Status BackgroundWriter::writeBatch(std::string& batch) {
-  try {
-    return m_write(batch);
-  } catch (const std::bad_alloc&) {
-    return Error{ErrorCode::OutOfMemory, {}};
   }
 }
 

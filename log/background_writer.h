@@ -35,7 +35,6 @@ class BackgroundWriter {
   /// False when the system has no thread left: batches are then written as they come.
   [[nodiscard]] bool startThread();
   void work();
-  [[nodiscard]] Status writeBatch(std::string& batch);
 
   const Write m_write;
   std::mutex m_mutex;  ///< guards the members below

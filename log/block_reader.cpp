@@ -1,7 +1,6 @@
 #include "log/block_reader.h"
 
 #include <algorithm>
-#include <new>
 #include <system_error>
 #include <utility>
 
@@ -34,11 +33,7 @@ Status readBlock(const LogFile& log, LogPosition first, std::size_t size, LogBlo
 }
 
 BlockReader::BlockReader(const LogFile& log, LogPosition first, std::size_t blockSize, Search search)
-    : m_log(log),
-      m_blockSize(blockSize),
-      m_search(std::move(search)),
-      m_outOfMemory(Error{ErrorCode::OutOfMemory, log.path()}),
-      m_at(first) {
+    : m_log(log), m_blockSize(blockSize), m_search(std::move(search)), m_at(first) {
   constexpr LogPosition kBlocksWorthAThread = 3;
   m_ready.reserve(kMostReady);
   if (log.length() - first <= kBlocksWorthAThread * static_cast<LogPosition>(blockSize)) return;
@@ -83,14 +78,6 @@ void BlockReader::recycle(std::unique_ptr<LogBlock> block) {
 }
 
 BlockReader::Item BlockReader::readNext() {
-  try {
-    return readBlockAtPlace();
-  } catch (const std::bad_alloc&) {
-    return {nullptr, std::move(m_outOfMemory)};
-  }
-}
-
-BlockReader::Item BlockReader::readBlockAtPlace() {
   if (m_at > m_log.length()) return {};
   std::unique_ptr<LogBlock> block;
   {

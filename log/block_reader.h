@@ -66,16 +66,13 @@ class BlockReader {
     Status status;
   };
 
-  /// Does not throw when memory runs out: on a thread of its own nobody would catch it.
   [[nodiscard]] Item readNext();
-  [[nodiscard]] Item readBlockAtPlace();
   void readAhead();
 
   const LogFile& m_log;
   const std::size_t m_blockSize;
   const Search m_search;
-  Status m_outOfMemory;  ///< made while there is memory for it
-  LogPosition m_at;      ///< where the next block starts; belongs to the reading thread
+  LogPosition m_at;  ///< where the next block starts; belongs to the reading thread
   Status m_status;
   bool m_isAtEnd = false;
 

@@ -1,15 +1,33 @@
 #include "log/file_system.h"
 
-#include <new>
 #include <random>
 #include <system_error>
+
+#include "log/text.h"
 
 namespace quorvel {
 namespace {
 
-Status writeNewFile(FileSystem& files, const std::filesystem::path& path, std::string_view content) {
-  auto file = files.open(path, OpenMode::Replace);
+/// The file at the end of the links that path leads through; path itself where it is no link.
+std::filesystem::path linkTarget(std::filesystem::path path) {
+  constexpr int kMostLinks = 40;
+  std::error_code error;
+  for (int left = kMostLinks; left > 0 && std::filesystem::is_symlink(path, error); --left) {
+    const auto next = std::filesystem::read_symlink(path, error);
+    if (error) break;
+    path = path.parent_path() / next;  // next where that is absolute
+  }
+  return path;
+}
+
+/// A new file of the mode that old has, if there is one.
+Status writeNewFile(FileSystem& files, const std::filesystem::path& path, const std::filesystem::path& old,
+                    std::string_view content) {
+  auto file = files.open(path, OpenMode::Replace, Owner::Program);
   if (!file.isOk()) return file.error();
+  std::error_code error;
+  const auto status = std::filesystem::status(old, error);
+  if (std::filesystem::is_regular_file(status)) std::filesystem::permissions(path, status.permissions(), error);
   if (auto written = file.value()->append(content, {}); !written.isOk()) return written;
   return file.value()->sync();
 }
@@ -46,18 +64,29 @@ Result<std::string> FileSystem::readWhole(const std::filesystem::path& path) {
   return content;
 }
 
-Status FileSystem::replaceWhole(const std::filesystem::path& path, std::string_view content) {
-  const auto temporary = temporaryName(path);
-  try {
-    Status done = writeNewFile(*this, temporary, content);
-    if (done.isOk()) done = rename(temporary, path);
-    if (done.isOk()) return {};
-    (void)remove(temporary);
-    return Error{done.error().code, path};
-  } catch (const std::bad_alloc&) {
-    (void)remove(temporary);
-    throw;
+Result<std::unique_ptr<File>> FileSystem::openToAppendLines(const std::filesystem::path& path, Owner owner) {
+  auto file = open(path, OpenMode::Append, owner);
+  if (!file.isOk()) return file.error();
+  const auto size = file.value()->size();
+  if (!size.isOk()) return size.error();
+  if (size.value() == 0) return file;
+  char last = '\n';
+  const auto count = file.value()->readAt(size.value() - 1, {&last, 1});
+  if (!count.isOk()) return count.error();
+  if (last != '\n') {
+    if (const Status ended = file.value()->append(kLineEnd, {}); !ended.isOk()) return ended.error();
   }
+  return file;
+}
+
+Status FileSystem::replaceWhole(const std::filesystem::path& path, std::string_view content) {
+  const auto target = linkTarget(path);
+  const auto temporary = temporaryName(target);
+  Status done = writeNewFile(*this, temporary, target, content);
+  if (done.isOk()) done = rename(temporary, target);
+  if (done.isOk()) return {};
+  (void)remove(temporary);
+  return Error{done.error().code, path};
 }
 
 bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {

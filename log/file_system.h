@@ -16,8 +16,14 @@ namespace quorvel {
 enum class OpenMode {
   Read,       ///< the file must exist; nothing is ever written to it
   ReadWrite,  ///< created when missing, content kept
-  Append,     ///< created when missing; append() writes at the end
+  Append,     ///< created when missing; append() writes at the end. Only this one takes pipes and terminals too
   Replace,    ///< created, or emptied when it exists
+};
+
+/// Whose file it is that a name stands for.
+enum class Owner {
+  User,     ///< links are followed
+  Program,  ///< a working file: links are not followed, nor is anything else opened that is no plain file
 };
 
 /// What tells one state of a file from another.
@@ -40,8 +46,9 @@ class File {
   [[nodiscard]] virtual Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const = 0;
   /// Writes all of data at offset; a gap behind the old end reads as zero bytes.
   virtual Status writeAt(std::uint64_t offset, std::string_view data) = 0;
-  /// Writes all of data, and end behind it, at the end of a file opened with Append or Replace. On failure a part may
-  /// have been written; killed meanwhile, the program leaves all of it behind where the system has a way to do that.
+  /// Writes all of data, and end after it, at the end of a file opened with Append or Replace. On failure, or when the
+  /// program is killed meanwhile, a part may have been written. A pipe whose reader has gone is DeviceUnavailable, and
+  /// so is one whose reader takes nothing once isInterrupted(). A terminal gets terminalText() of it.
   virtual Status append(std::string_view data, std::string_view end) = 0;
   /// The same for whole lines: on failure the file ends with the last of them that was written whole, as far as it can
   /// be cut there. end is for lines that have no copy with their end.
@@ -49,9 +56,6 @@ class File {
   /// Cuts the file, or fills it up with zero bytes, to length bytes.
   virtual Status resize(std::uint64_t length) = 0;
   [[nodiscard]] virtual Result<std::uint64_t> size() const = 0;
-  /// Tells the system that count bytes from offset on will soon be written: writing costs a quarter less then. The
-  /// file's length stays as it is, and what is not written is given back when the file is closed.
-  virtual void reserve(std::uint64_t offset, std::uint64_t count) { (void)offset, (void)count; }
   /// Makes what was written so far survive a power failure.
   virtual Status sync() = 0;
 };
@@ -60,9 +64,11 @@ class FileSystem {
  public:
   virtual ~FileSystem() = default;
 
-  /// Opening a folder, or anything else that is no plain file, for reading fails with PathFileAccess; so does opening a
-  /// terminal for writing, which would obey what a log says.
-  [[nodiscard]] virtual Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) = 0;
+  /// Opening a folder, or anything else that is no plain file, fails with PathFileAccess; but a pipe or a terminal of
+  /// the user's can be appended to. A named pipe
+  /// that nobody reads is DeviceUnavailable.
+  [[nodiscard]] virtual Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode,
+                                                           Owner owner = Owner::User) = 0;
   /// A new file in the folder for this process alone, to read and write at offsets. It has no name and is gone when it
   /// is closed, or the process is; errors name the folder.
   [[nodiscard]] virtual Result<std::unique_ptr<File>> openTemporary(const std::filesystem::path& folder) = 0;
@@ -75,8 +81,12 @@ class FileSystem {
 
   /// The whole content of a file; a file cut meanwhile is an error. For settings and reports, not for logs.
   [[nodiscard]] Result<std::string> readWhole(const std::filesystem::path& path);
-  /// Puts a file with this content in the place of path, which may be missing. The content goes to a new file beside
-  /// it first: on failure, a crash or a power failure included, the old file is there as it was. An error names path.
+  /// Opens with Append a file of lines. A last line that has no end, as a run killed by force leaves it, is ended.
+  [[nodiscard]] Result<std::unique_ptr<File>> openToAppendLines(const std::filesystem::path& path,
+                                                                Owner owner = Owner::User);
+  /// Puts a file with this content in the place of path, which may be missing; of a link, in the place of what it leads
+  /// to. It gets the old one's mode. The content goes to a new file beside it first: on failure, a crash or a power
+  /// failure included, the old file is there as it was. An error names path.
   Status replaceWhole(const std::filesystem::path& path, std::string_view content);
 };
 

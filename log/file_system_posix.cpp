@@ -1,15 +1,18 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <string>
 #include <system_error>
 
 #include "log/file_system.h"
-#include "log/unbroken_append_posix.h"
+#include "log/interrupt.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {
@@ -28,7 +31,12 @@ ErrorCode codeOf(int systemError) {
     case EDQUOT:
     case EFBIG:
       return ErrorCode::DiskFull;
+    case EPIPE:
+    case ENXIO:  // of a named pipe that nobody reads
+    case EINTR:  // of a wait that the user ended
+      return ErrorCode::DeviceUnavailable;
     case EISDIR:
+    case ELOOP:
     case ENAMETOOLONG:
     case EMFILE:
     case ENFILE:
@@ -42,7 +50,7 @@ ErrorCode codeOf(int systemError) {
 int flagsOf(OpenMode mode) {
   switch (mode) {
     case OpenMode::Read:
-      return O_RDONLY | O_NONBLOCK;  // a pipe must not block the program before it is refused
+      return O_RDONLY;
     case OpenMode::ReadWrite:
       return O_RDWR | O_CREAT;
     case OpenMode::Append:
@@ -53,13 +61,39 @@ int flagsOf(OpenMode mode) {
   return O_RDONLY;
 }
 
+/// 0, or the system's error number when a part of data may be missing.
+int writeAll(int descriptor, std::string_view data) {
+  while (!data.empty()) {
+    const ssize_t count = ::write(descriptor, data.data(), data.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return errno;
+    data.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return 0;
+}
+
+/// The same for a pipe or a terminal, which take what their reader leaves room for: as much as there surely is room for
+/// at once, so that no write blocks, and the user can end a wait for a reader that takes nothing.
+int writeToStream(int descriptor, std::string_view data) {
+  constexpr int kPatience = 100;  // milliseconds
+  while (!data.empty()) {
+    pollfd room{descriptor, POLLOUT, 0};
+    const int isReady = ::poll(&room, 1, kPatience);
+    if (isReady == 0 && isInterrupted()) return EINTR;
+    if (isReady < 0 && errno != EINTR) return errno;
+    if (isReady <= 0) continue;
+    const ssize_t count = ::write(descriptor, data.data(), std::min<std::size_t>(data.size(), PIPE_BUF));
+    if (count < 0 && errno != EINTR && errno != EAGAIN) return errno;
+    data.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  }
+  return 0;
+}
+
 class PosixFile final : public File {
  public:
-  PosixFile(int descriptor, std::filesystem::path path) : m_descriptor(descriptor), m_path(std::move(path)) {}
-  ~PosixFile() override {
-    if (m_hasReserved) giveBack();
-    ::close(m_descriptor);
-  }
+  PosixFile(int descriptor, bool isStream, std::filesystem::path path)
+      : m_descriptor(descriptor), m_isStream(isStream), m_path(std::move(path)) {}
+  ~PosixFile() override { ::close(m_descriptor); }
 
   Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const override {
     std::size_t done = 0;
@@ -86,7 +120,13 @@ class PosixFile final : public File {
   }
 
   Status append(std::string_view data, std::string_view end) override {
-    const int error = appendUnbroken(m_descriptor, data, end);
+    const auto write = [this](std::string_view text) {
+      if (!m_isStream) return writeAll(m_descriptor, text);
+      return ::isatty(m_descriptor) != 0 ? writeToStream(m_descriptor, terminalText(text))
+                                         : writeToStream(m_descriptor, text);
+    };
+    int error = write(data);
+    if (error == 0) error = write(end);
     return error == 0 ? Status() : Error{codeOf(error), m_path};
   }
 
@@ -101,48 +141,54 @@ class PosixFile final : public File {
     return static_cast<std::uint64_t>(info.st_size);
   }
 
-  void reserve(std::uint64_t offset, std::uint64_t count) override {
-#ifdef __linux__
-    const int done =
-        ::fallocate(m_descriptor, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset), static_cast<off_t>(count));
-    m_hasReserved = m_hasReserved || done == 0;
-#else
-    (void)offset, (void)count;
-#endif
-  }
-
   Status sync() override {
     if (::fsync(m_descriptor) != 0) return failure();
     return {};
   }
 
  private:
-  void giveBack() {
-    const auto length = size();
-    if (length.isOk()) (void)resize(length.value());
-  }
-  [[nodiscard]] Error failure() const {
-    return {codeOf(errno), m_path};
-  }
+  [[nodiscard]] Error failure() const { return {codeOf(errno), m_path}; }
 
   int m_descriptor;
-  bool m_hasReserved = false;
+  bool m_isStream;  ///< a pipe or a terminal: it has no positions
   std::filesystem::path m_path;
 };
 
+bool isStreamMode(mode_t mode) {
+  return S_ISFIFO(mode) || S_ISCHR(mode) || S_ISSOCK(mode);
+}
+
+int openPlain(const std::filesystem::path& path, OpenMode mode, Owner owner) {
+  constexpr mode_t kReadableByAll = 0644;
+  // O_NONBLOCK: a pipe must not block the program before it is refused.
+  const int flags = flagsOf(mode) | (owner == Owner::Program ? O_NOFOLLOW : 0) | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
+  return ::open(path.c_str(), flags, kReadableByAll);
+}
+
+/// named is what path stands for. Standard output and error are used as they are: a pipe that the caller made cannot be
+/// opened again once its reader has gone.
+int openStream(const std::filesystem::path& path, const struct stat& named) {
+  for (const int standard : {STDOUT_FILENO, STDERR_FILENO}) {
+    struct stat info {};
+    const bool isSame = ::fstat(standard, &info) == 0 && info.st_dev == named.st_dev && info.st_ino == named.st_ino;
+    if (isSame) return ::fcntl(standard, F_DUPFD_CLOEXEC, 0);
+  }
+  return ::open(path.c_str(), O_WRONLY | O_APPEND | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+}
+
 class PosixFileSystem final : public FileSystem {
  public:
-  Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) override {
-    constexpr mode_t kReadableByAll = 0644;
-    const int descriptor = ::open(path.c_str(), flagsOf(mode) | O_CLOEXEC | O_NOCTTY, kReadableByAll);
+  Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode, Owner owner) override {
+    const bool takesStreams = mode == OpenMode::Append && owner == Owner::User;
+    struct stat named {};
+    const bool isStream = takesStreams && ::stat(path.c_str(), &named) == 0 && isStreamMode(named.st_mode);
+    const int descriptor = isStream ? openStream(path, named) : openPlain(path, mode, owner);
     if (descriptor < 0 && errno == ENOENT && mode != OpenMode::Read) return Error{ErrorCode::PathNotFound, path};
     if (descriptor < 0) return Error{codeOf(errno), path};
-    auto file = std::make_unique<PosixFile>(descriptor, path);
-    struct stat info {};
-    if (mode == OpenMode::Read && (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode))) {
-      return Error{ErrorCode::PathFileAccess, path};
-    }
-    if (::isatty(descriptor) != 0) return Error{ErrorCode::PathFileAccess, path};
+    auto file = std::make_unique<PosixFile>(descriptor, isStream, path);
+    struct stat opened {};
+    const bool isPlain = ::fstat(descriptor, &opened) == 0 && S_ISREG(opened.st_mode);
+    if (!isPlain && !isStream) return Error{ErrorCode::PathFileAccess, path};
     return Result<std::unique_ptr<File>>(std::move(file));
   }
 
@@ -152,7 +198,7 @@ class PosixFileSystem final : public FileSystem {
     if (descriptor < 0) return Error{codeOf(errno), folder};
     (void)::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
     (void)::unlink(name.c_str());
-    return Result<std::unique_ptr<File>>(std::make_unique<PosixFile>(descriptor, folder));
+    return Result<std::unique_ptr<File>>(std::make_unique<PosixFile>(descriptor, false, folder));
   }
 
   Status remove(const std::filesystem::path& path) override {

@@ -127,7 +127,11 @@ class WindowsFile final : public File {
 
 class WindowsFileSystem final : public FileSystem {
  public:
-  Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) override {
+  Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode, Owner owner) override {
+    const DWORD attributes = owner == Owner::Program ? ::GetFileAttributesW(path.c_str()) : INVALID_FILE_ATTRIBUTES;
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
+      return Error{ErrorCode::PathFileAccess, path};
+    }
     const DWORD access = mode == OpenMode::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
     // the server goes on writing its log, and may rename or delete it, while it is open here
     const DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;

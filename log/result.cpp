@@ -9,8 +9,6 @@ std::string Error::description() const {
   switch (code) {
     case ErrorCode::Overflow:
       return "Overflow";
-    case ErrorCode::OutOfMemory:
-      return "Out of memory";
     case ErrorCode::SubscriptOutOfRange:
       return "Subscript out of range";
     case ErrorCode::FileNotFound:
@@ -23,6 +21,8 @@ std::string Error::description() const {
       return "Disk full";
     case ErrorCode::InputPastEnd:
       return "Input past end of file";
+    case ErrorCode::DeviceUnavailable:
+      return "Device unavailable";
     case ErrorCode::PermissionDenied:
       return "Permission denied";
     case ErrorCode::PathFileAccess:

@@ -14,13 +14,13 @@ namespace quorvel {
 /// written to disk, do not change.
 enum class ErrorCode {
   Overflow = 6,
-  OutOfMemory = 7,
   SubscriptOutOfRange = 9,
   FileNotFound = 53,
   DeviceIoError = 57,
   BadRecordLength = 59,
   DiskFull = 61,
   InputPastEnd = 62,
+  DeviceUnavailable = 68,
   PermissionDenied = 70,
   PathFileAccess = 75,
   PathNotFound = 76,

@@ -106,10 +106,6 @@ bool containsFolded(std::string_view text, std::string_view needle) {
   return findFolded(text, needle) != std::string_view::npos;
 }
 
-void keepWholeLines(std::string& text) {
-  text.resize(text.rfind('\n') + 1);  // npos + 1 is 0: there is none
-}
-
 std::string_view trimBlanks(std::string_view text) {
   const auto first = text.find_first_not_of(" \t");
   if (first == std::string_view::npos) return {};
@@ -203,6 +199,18 @@ std::string validUtf8(std::string_view text) {
     }
   }
   return valid;
+}
+
+std::string terminalText(std::string_view lines) {
+  std::string text = isUtf8(lines) ? std::string(lines) : toUtf8(lines);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const bool isLineEnd = byte == '\n' || (byte == '\r' && i + 1 < text.size() && text[i + 1] == '\n');
+    if ((byte < ' ' && byte != '\t' && !isLineEnd) || byte == 0x7F) text[i] = '?';
+    const bool isHighControl = byte == 0xC2 && static_cast<unsigned char>(text[i + 1]) < 0xA0;  // U+0080 to U+009F
+    if (isHighControl) text.replace(i, 2, "?");
+  }
+  return text;
 }
 
 std::string pathText(const std::filesystem::path& path) {

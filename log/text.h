@@ -31,9 +31,6 @@ extern const std::array<unsigned char, 256> kFoldTable;
 [[nodiscard]] std::size_t findFolded(std::string_view text, std::string_view needle, std::size_t from = 0);
 [[nodiscard]] bool containsFolded(std::string_view text, std::string_view needle);
 
-/// Cuts text behind its last line end.
-void keepWholeLines(std::string& text);
-
 /// text without the blanks and tabs around it.
 [[nodiscard]] std::string_view trimBlanks(std::string_view text);
 
@@ -58,6 +55,10 @@ void appendAtColumn(std::string& text, std::string_view label, std::size_t colum
 [[nodiscard]] bool isUtf8(std::string_view text);
 /// text with a replacement character for each byte that is no part of UTF-8.
 [[nodiscard]] std::string validUtf8(std::string_view text);
+
+/// Lines of any origin as UTF-8 without anything a terminal would obey: a control character that is neither a tab nor
+/// part of a line end becomes "?".
+[[nodiscard]] std::string terminalText(std::string_view lines);
 
 /// A file name as 8-bit text for messages and reports.
 [[nodiscard]] std::string pathText(const std::filesystem::path& path);

@@ -7,11 +7,12 @@
 #include "app/pacer.h"
 #include "app/program.h"
 #include "app/program_folder.h"
+#include "app/working_folder.h"
 #include "classic/tools/command_line_reference.h"
 #include "cli/batch_run.h"
+#include "log/interrupt.h"
 #include "log/text.h"
 #include "ui/console/console_view.h"
-#include "ui/console/interrupt.h"
 #include "ui/console/plain_line.h"
 #include "ui/console/terminal.h"
 #ifdef QUORVEL_HAS_WINDOW
@@ -29,6 +30,7 @@ struct Start {
   int argc;
   char** argv;
   std::filesystem::path programFolder;
+  std::filesystem::path workingFolder;
   Settings& settings;
   std::string_view commandLine;  ///< the arguments with blanks between them; empty when none are to be taken
   std::filesystem::path log;     ///< that the window opens at first, of "--open FILE"; empty: none
@@ -44,7 +46,7 @@ std::string joinedArguments(int argc, char** argv) {
 int runUnattended(const Start& start) {
   ConsoleView view(std::cerr, isErrorOutputTerminal() ? ConsoleView::Progress::Shown : ConsoleView::Progress::Hidden);
   Pacer pacer;
-  frmMain window(systemFiles(), start.settings, view, pacer, start.programFolder);
+  frmMain window(systemFiles(), start.settings, view, pacer, start.programFolder, start.workingFolder);
   catchInterrupts();
   view.onYield([&window] {
     if (isInterrupted()) window.mnuStop_Click();
@@ -64,8 +66,9 @@ int runWithWindow(const Start& start) {
     failed = outcome.failed;
     if (outcome.endsProgram) window.context().view.closeWindow();
   };
-  const int status =
-      runWindow(start.argc, start.argv, {systemFiles(), start.settings, start.programFolder, runArguments});
+  const int status = runWindow(
+      start.argc, start.argv,
+      {systemFiles(), start.settings, start.programFolder, start.workingFolder, endOutOfMemory, runArguments});
   return failed ? kFailure : status;
 }
 #else
@@ -98,9 +101,11 @@ int run(int argc, char** argv) {
   settings.resetOtherVersion();
   constexpr std::string_view kSection = "COMMAND-LINE-ARGUMENTS";
   const bool takesArguments = !opensLog && settings.readNumber(kSection, "MaxArguments") > 0;
+  const WorkingFolder workingFolder(programFolder);
   const Start start{argc,
                     argv,
                     programFolder,
+                    workingFolder.path(),
                     settings,
                     takesArguments ? trimBlanks(commandLine) : "",
                     opensLog && argc > 2 ? argv[2] : ""};
@@ -113,11 +118,11 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   quorvel::prepareStandardStreams();
+  std::set_new_handler(quorvel::endOutOfMemory);
   try {
     return quorvel::run(argc, argv);
   } catch (const std::bad_alloc&) {
-    std::cerr << "quorvel: Out of memory." << std::endl;
-    return quorvel::kFailure;
+    quorvel::endOutOfMemory();
   } catch (const std::exception& error) {
     std::cerr << "quorvel: " << quorvel::plainLine(error.what()) << std::endl;
     return quorvel::kFailure;

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "log/clock.h"
-#include "log/memory_limit.h"
 #include "log/text.h"
 
 namespace quorvel {
@@ -30,8 +29,7 @@ BadTransferLog::BadTransferLog(FileSystem& files, std::filesystem::path path)
     : m_files(files), m_path(std::move(path)) {}
 
 BadTransferLog::~BadTransferLog() {
-  keepWholeLines(m_batch);  // a line is begun only where memory ran out in the middle of it
-  asMemoryAllows([this] { flush(); });
+  flush();
 }
 
 void BadTransferLog::LogBadTransfer(std::string_view line, const TransferCount& totals) {
@@ -43,7 +41,7 @@ void BadTransferLog::LogBadTransfer(std::string_view line, const TransferCount& 
 void BadTransferLog::flush() {
   if (m_batch.empty()) return;
   if (!m_file) {
-    auto opened = m_files.open(m_path, OpenMode::Append);
+    auto opened = m_files.openToAppendLines(m_path, Owner::Program);
     if (opened.isOk()) m_file = std::move(opened.value());
   }
   if (m_file) (void)m_file->appendLines(m_batch);

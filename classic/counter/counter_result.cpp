@@ -59,7 +59,7 @@ std::string counterResultBlock(const TransferCount& totals, std::string_view des
 
 Status AppendCounterResult(FileSystem& files, const std::filesystem::path& path, const TransferCount& totals,
                            std::string_view description, const CounterResultOptions& options) {
-  auto file = files.open(path, OpenMode::Append);
+  auto file = files.openToAppendLines(path);
   if (!file.isOk()) return file.error();
   return file.value()->appendLines(counterResultBlock(totals, description, options));
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "log/memory_limit.h"
 #include "log/text.h"
 
 namespace quorvel {
@@ -35,8 +34,7 @@ void appendSessionBlockHeader(std::string& text, const UserAct& session) {
 ResultsFile::ResultsFile(FileSystem& files, std::filesystem::path path) : m_files(files), m_path(std::move(path)) {}
 
 ResultsFile::~ResultsFile() {
-  keepWholeLines(m_batch);  // a line is begun only where memory ran out in the middle of it
-  asMemoryAllows([this] { flush(); });
+  flush();
 }
 
 void ResultsFile::beginSession(const UserAct& session) {
@@ -72,7 +70,7 @@ void ResultsFile::flush() {
 }
 
 void ResultsFile::open() {
-  auto file = m_files.open(m_path, OpenMode::Append);
+  auto file = m_files.openToAppendLines(m_path);
   if (!file.isOk()) {
     m_status = file.error();
     return;
@@ -96,7 +94,7 @@ void ResultsFile::write(std::string_view text) {
 Status ResultsFile::copyLastLines(const std::filesystem::path& target) {
   flush();
   if (!m_status.isOk()) return m_status;
-  auto copy = m_files.open(target, OpenMode::Replace);
+  auto copy = m_files.open(target, OpenMode::Replace, Owner::Program);
   if (!copy.isOk()) return copy.error();
   std::string piece;
   for (std::uint64_t at = m_linesBegin; at < m_linesEnd; at += piece.size()) {

@@ -2,19 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <new>
 #include <span>
 #include <utility>
 
 #include "classic/find/record_format.h"
-#include "log/memory_limit.h"
 
 namespace quorvel {
 namespace {
 
 constexpr std::size_t kBatchSize = 512 * 1024;
-/// Reserved in the file where records come in whole batches.
-constexpr std::size_t kReserved = 64 * kBatchSize;
 constexpr std::int32_t kSlotsPerBlock = 512;
 
 /// The size of a file's slots, told by the mark at the end of the first one.
@@ -38,7 +34,7 @@ UsersFileWriter::UsersFileWriter(FileSystem& files, std::filesystem::path path, 
       m_writer([this](const std::string& batch) { return writeBatch(batch); }) {}
 
 UsersFileWriter::~UsersFileWriter() {
-  asMemoryAllows([this] { flush(); });
+  flush();
 }
 
 void UsersFileWriter::WriteSessionRecord(std::string_view record, std::int32_t recordNumber) {
@@ -56,7 +52,7 @@ void UsersFileWriter::WriteSessionRecord(std::string_view record, std::int32_t r
 }
 
 void UsersFileWriter::flush() {
-  if (!m_writer.finish().isOk()) throw std::bad_alloc();  // the only failure that writeBatch() does not keep
+  (void)m_writer.finish();
   if (!m_batch.empty()) {
     m_firstInBatch += slotsIn(m_batch);
     (void)writeBatch(m_batch);
@@ -72,10 +68,6 @@ Status UsersFileWriter::writeBatch(std::string_view batch) {
     retryOneByOne(batch, opened.error());
   } else {
     const std::uint64_t offset = recordOffset(m_firstToWrite, m_slotSize);
-    if (batch.size() > kBatchSize / 2 && offset + kBatchSize > m_reservedTo) {
-      m_file->reserve(offset, kReserved);
-      m_reservedTo = offset + kReserved;
-    }
     const Status written = m_file->writeAt(offset, batch);
     if (!written.isOk()) retryOneByOne(batch, written.error());
   }
@@ -84,7 +76,7 @@ Status UsersFileWriter::writeBatch(std::string_view batch) {
 }
 
 Status UsersFileWriter::openFile() {
-  auto opened = m_files.open(m_path, OpenMode::ReadWrite);
+  auto opened = m_files.open(m_path, OpenMode::ReadWrite, Owner::Program);
   if (!opened.isOk()) return opened.error();
   m_file = std::move(opened.value());
   Status marked = writeSlotMark();  // first of all, since without it no record could be read
@@ -126,7 +118,7 @@ UsersFile::UsersFile(std::unique_ptr<File> file, std::size_t slotSize, std::int3
 Result<UsersFile> UsersFile::open(FileSystem& files, const std::filesystem::path& path, OpenMode mode) {
   const bool mayCreate = mode != OpenMode::Read;
   if (mayCreate && !files.Exist(path)) return Error{ErrorCode::FileNotFound, path};
-  auto file = files.open(path, mode);
+  auto file = files.open(path, mode, Owner::Program);
   if (!file.isOk()) return file.error();
   const auto size = file.value()->size();
   if (!size.isOk()) return size.error();

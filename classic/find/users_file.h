@@ -35,7 +35,6 @@ class UsersFileWriter {
   /// Puts a record, as encodeRecord() makes it for the slot size, into slot recordNumber (from 1, ascending). A record
   /// that finds no room in its slot is reported as BadRecordLength and not written; its number stays used up.
   void WriteSessionRecord(std::string_view record, std::int32_t recordNumber);
-  /// Throws std::bad_alloc when memory ran out on the thread that writes: records are lost then.
   void flush();
 
  private:
@@ -65,7 +64,6 @@ class UsersFileWriter {
   // While a batch is written they belong to m_writer's thread.
   std::unique_ptr<File> m_file;
   std::int32_t m_firstToWrite = 1;  ///< record number of the first slot in the next batch written
-  std::uint64_t m_reservedTo = 0;
   std::vector<Failure> m_failures;
 
   BackgroundWriter m_writer;

@@ -11,7 +11,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <span>
 #include <string>
 #include <string_view>
@@ -36,11 +35,10 @@ enum class Fault {
   Remove,
   NotThere,  ///< Exist() answers no
   Stamp,
-  NoMemory,  ///< thrown by any call
 };
 inline constexpr std::array kFaultNames = {"open",        "size",      "read",   "short read", "write",
                                            "short write", "disk full", "resize", "sync",       "rename",
-                                           "remove",      "not there", "stamp",  "no memory"};
+                                           "remove",      "not there", "stamp"};
 
 /// Of itself nothing fails but for a missing file. A file opened stays readable after it was removed or replaced, and
 /// when these files are gone. Safe from several threads at once.
@@ -74,7 +72,8 @@ class MemoryFiles : public FileSystem {
     m_faults->before = std::move(action);
   }
 
-  [[nodiscard]] Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) override {
+  [[nodiscard]] Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode,
+                                                   Owner = Owner::User) override {
     return m_faults->call(Fault::Open, path, [&]() -> Result<std::unique_ptr<File>> {
       if (mode == OpenMode::Read && !m_files.contains(path)) return Error{ErrorCode::FileNotFound, path};
       auto& bytes = m_files[path];
@@ -119,7 +118,6 @@ class MemoryFiles : public FileSystem {
     auto call(Fault what, const std::filesystem::path& path, Real real) -> decltype(real()) {
       const std::lock_guard lock(mutex);
       if (before) before(path);
-      if (isDue(Fault::NoMemory, path)) throw std::bad_alloc();
       if (!isDue(what, path)) return real();
       const bool isDenied = what == Fault::Open || what == Fault::Rename || what == Fault::Remove;
       if (what == Fault::Write) return Error{ErrorCode::DiskFull, path};

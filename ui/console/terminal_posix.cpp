@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <string_view>
 
 #include "ui/console/terminal.h"
 
@@ -9,6 +10,12 @@ namespace quorvel {
 
 bool isErrorOutputTerminal() {
   return ::isatty(STDERR_FILENO) == 1;
+}
+
+void endOutOfMemory() {
+  constexpr std::string_view kMessage = "quorvel: Out of memory.\n";
+  (void)!::write(STDERR_FILENO, kMessage.data(), kMessage.size());
+  ::_exit(1);
 }
 
 void prepareStandardStreams() {

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QTimer>
+#include <new>
 
 #include "app/pacer.h"
 #include "app/program.h"
@@ -17,6 +18,24 @@ namespace {
 
 constexpr std::chrono::milliseconds kSplashTime(700);
 
+class Application final : public QApplication {
+ public:
+  Application(int& argc, char** argv, void (*endOutOfMemory)())
+      : QApplication(argc, argv), m_endOutOfMemory(endOutOfMemory) {}
+
+  bool notify(QObject* receiver, QEvent* event) override {
+    try {
+      return QApplication::notify(receiver, event);
+    } catch (const std::bad_alloc&) {
+      m_endOutOfMemory();
+      throw;
+    }
+  }
+
+ private:
+  void (*m_endOutOfMemory)();
+};
+
 void nameApplication() {
   QApplication::setApplicationName(QStringLiteral("quorvel"));
   QApplication::setApplicationVersion(toQString(kVersion));
@@ -27,7 +46,7 @@ void nameApplication() {
 }  // namespace
 
 int runWindow(int argc, char** argv, const WindowStart& start) {
-  const QApplication application(argc, argv);
+  const Application application(argc, argv, start.endOutOfMemory);
   nameApplication();
   useReadableColours();
   frmSplash splash;
@@ -37,7 +56,7 @@ int runWindow(int argc, char** argv, const WindowStart& start) {
   QtFileDialogs dialogs;
   Pacer pacer;
   MainWindow window(dialogs);
-  frmMain commands(start.files, start.settings, window, pacer, start.programFolder);
+  frmMain commands(start.files, start.settings, window, pacer, start.programFolder, start.workingFolder);
   window.connectCommands(commands);
   commands.load();
   window.applyStoredPlacement();

@@ -13,6 +13,9 @@ struct WindowStart {
   FileSystem& files;
   Settings& settings;  ///< the settings file is in place and of this version
   std::filesystem::path programFolder;
+  std::filesystem::path workingFolder;  ///< of this process
+  /// Ends the program: memory ran out in what Qt called, and no exception may pass through Qt.
+  void (*endOutOfMemory)();
   /// Last step of start-up, run once when the window is on the screen: the commands of the command line. May be empty.
   /// It may close the window through the view.
   std::function<void(frmMain&)> afterStartUp;

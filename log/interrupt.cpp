@@ -1,4 +1,4 @@
-#include "ui/console/interrupt.h"
+#include "log/interrupt.h"
 
 #include <atomic>
 #include <csignal>

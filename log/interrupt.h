@@ -1,4 +1,4 @@
-// Ctrl+C, and the system's other requests to end, as a question that a run asks between its steps.
+// Ctrl+C, and the system's other requests to end, as a question that whatever may take long asks.
 #pragma once
 
 namespace quorvel {

@@ -27,7 +27,7 @@ struct ReadOptions {
   /// So many bytes at its beginning, whole lines, were read in another file of the set already.
   std::uint64_t repeatedBytes = 0;
   /// Called on the reading thread after each block of about a megabyte; false stops, and the tables hold what was read.
-  std::function<bool(const ReadProgress&)> keepGoing;
+  std::function<bool(const ReadProgress&)> keepGoing{};
 };
 
 /// Reads logs one after the other into the same tables. One thread at a time; snapshot() may be called between reads

@@ -13,7 +13,7 @@ constexpr std::size_t kPiece = 1024 * 1024;
 
 }  // namespace
 
-TextPool::TextPool() : m_slots(1024, kNoText), m_seed(randomSeed()) {
+TextPool::TextPool() : m_slots(1024), m_seed(randomSeed()) {
   m_texts.append({});
 }
 
@@ -22,14 +22,15 @@ TextId TextPool::add(std::string_view text) {
   std::string cut;
   if (text.size() > kLongestText) text = cut.append(text.substr(0, kLongestText - kCutMark.size())).append(kCutMark);
   if (m_texts.size() * 4 > m_slots.size() * 3) grow();
+  const auto hash = static_cast<std::uint32_t>(textHash(text, m_seed) >> 32);
   const std::size_t mask = m_slots.size() - 1;
-  std::size_t slot = textHash(text, m_seed) & mask;
-  for (; m_slots[slot] != kNoText; slot = (slot + 1) & mask) {
-    if (m_texts[m_slots[slot]] == text) return m_slots[slot];
+  std::size_t slot = hash & mask;
+  for (; m_slots[slot].text != kNoText; slot = (slot + 1) & mask) {
+    if (m_slots[slot].hash == hash && m_texts[m_slots[slot].text] == text) return m_slots[slot].text;
   }
   const auto id = static_cast<TextId>(m_texts.size());
   m_texts.append(keep(text));
-  m_slots[slot] = id;
+  m_slots[slot] = {id, hash};
   return id;
 }
 
@@ -51,13 +52,14 @@ std::string_view TextPool::keep(std::string_view text) {
 }
 
 void TextPool::grow() {
-  std::vector<TextId> slots(m_slots.size() * 2, kNoText);
+  std::vector<Slot> slots(m_slots.size() * 2);
   const std::size_t mask = slots.size() - 1;
-  for (TextId id = 1; id < m_texts.size(); ++id) {
-    std::size_t slot = textHash(m_texts[id], m_seed) & mask;
-    while (slots[slot] != kNoText)
+  for (const Slot& taken : m_slots) {
+    if (taken.text == kNoText) continue;
+    std::size_t slot = taken.hash & mask;
+    while (slots[slot].text != kNoText)
       slot = (slot + 1) & mask;
-    slots[slot] = id;
+    slots[slot] = taken;
   }
   m_slots.swap(slots);
 }

@@ -42,7 +42,12 @@ class TextPool : private Texts {
   [[nodiscard]] std::string_view keep(std::string_view text);
   void grow();
 
-  std::vector<TextId> m_slots;  ///< open addressing, a power of two; kNoText: free
+  struct Slot {
+    TextId text = kNoText;   ///< kNoText: free
+    std::uint32_t hash = 0;  ///< spares looking at texts that are others
+  };
+
+  std::vector<Slot> m_slots;  ///< open addressing, a power of two
   std::uint64_t m_seed;
   std::size_t m_room = 0;  ///< left in the last piece of m_bytes
   char* m_next = nullptr;

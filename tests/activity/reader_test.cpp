@@ -80,10 +80,10 @@ TEST(Reader, CountsHowOftenTheClockWentBack) {
 }
 
 TEST(Reader, KeepsAThousandShapesAndOneForAllOthers) {
+  constexpr std::size_t kShapes = 1100;
   std::string lines;
-  for (int i = 0; i < 1100; ++i)
-    lines += "5 1 strange " + std::string(1 + i / 26 % 26, static_cast<char>('a' + i % 26)) +
-             std::string(i / 676, '-') + "\n";
+  for (std::size_t i = 0; i < kShapes; ++i)
+    lines.append("5 1 strange ").append(1, static_cast<char>('a' + i % 26)).append(i / 26, 'x').append("\n");
   std::string log = logOf(lines, LogShape::Classic);
   const Activity activity = readActivity(log);
   const Ledger& ledger = activity.logs.at(0).ledger;
@@ -91,7 +91,10 @@ TEST(Reader, KeepsAThousandShapesAndOneForAllOthers) {
   for (const SetAsideShape& shape : ledger.shapes)
     bytes += shape.bytes;
   EXPECT_EQ(bytes, ledger.setAside.bytes);
-  EXPECT_LE(ledger.shapes.size(), 1001u);
+  EXPECT_EQ(ledger.setAside.lines, kShapes);
+  ASSERT_EQ(ledger.shapes.size(), 1001u);
+  EXPECT_EQ(ledger.shapes.back().shape, "");
+  EXPECT_EQ(ledger.shapes.back().lines, kShapes - 1000);
 }
 
 TEST(Reader, ReadsOnWhereAGrowingLogEnded) {

@@ -27,7 +27,8 @@ constexpr std::string_view kUsage =
     "  long-lived    a thousand sessions at any time, most of which last for half the log\n"
     "  one-number    the same as usual, but all sessions have the same number\n"
     "  connect-only  connect lines and nothing else\n"
-    "  one-line      the same as usual without any line end\n";
+    "  one-line      the same as usual without any line end\n"
+    "  current       the same as usual in the shape of the server's current versions\n";
 
 enum class Shape {
   Usual,
@@ -35,11 +36,12 @@ enum class Shape {
   LongLived,
   OneNumber,
   ConnectOnly,
-  OneLine
+  OneLine,
+  Current
 };
 
-constexpr std::array kShapeNames = {"usual"sv,      "never-close"sv,  "long-lived"sv,
-                                    "one-number"sv, "connect-only"sv, "one-line"sv};
+constexpr std::array kShapeNames = {"usual"sv,        "never-close"sv, "long-lived"sv, "one-number"sv,
+                                    "connect-only"sv, "one-line"sv,    "current"sv};
 
 struct Options {
   std::uint64_t size = 0;
@@ -81,8 +83,8 @@ class LogMaker {
     passTime();
     Session& session = m_sessions[below(m_sessions.size())];
     if (session.step == 0) begin(session);
-    head(text, levelOf(session.step), session.number);
-    event(text, session);
+    head(text, session);
+    if (!isCurrent() || !currentEvent(text, session)) event(text, session);
     text += m_options.shape == Shape::OneLine ? "  "sv : "\r\n"sv;
     advance(session);
   }
@@ -123,14 +125,37 @@ class LogMaker {
     if (m_options.shape == Shape::LongLived && session.step == 12 && below(1000) != 0) session.step = 7;
   }
 
-  static char levelOf(int step) {
+  [[nodiscard]] bool isCurrent() const { return m_options.shape == Shape::Current; }
+
+  [[nodiscard]] std::string_view levelOf(int step) const {
     constexpr std::string_view kLevels = "26262562266625";
-    return kLevels[static_cast<std::size_t>(step)];
+    constexpr std::string_view kCurrentLevels = "0221202120022120202102212002";
+    const auto at = static_cast<std::size_t>(step);
+    return isCurrent() ? kCurrentLevels.substr(2 * at, 2) : kLevels.substr(at, 1);
   }
 
-  void head(std::string& text, char level, const std::array<char, 8>& number) const {
-    text.append("[").append(1, level).append("] ").append(m_stamp).append(" - ");
-    text.append(number.data(), number.size()).append(" ");
+  void head(std::string& text, const Session& session) const {
+    text.append("[").append(levelOf(session.step)).append("] ").append(m_stamp).append(" - ");
+    text.append(session.number.data(), session.number.size()).append(" ");
+  }
+
+  /// What the current versions say in other words; false where they use the same.
+  static bool currentEvent(std::string& text, const Session& session) {
+    if (session.step == 0) {
+      text.append("Connected to ").append(session.address).append(" (local address 192.0.2.1, port 21)");
+    } else if (session.step == 4) {
+      text.append("PASS **********");
+    } else if (session.step == 5 && !session.isRefused) {
+      text.append("User \"").append(session.user).append("\" logged in");
+    } else if (session.step == 10) {
+      file(text, session, session.isUpload ? "Received file \"/" : "Sent file \"/",
+           session.isUpload ? "Error receiving file \"/" : "Error sending file \"/", "\"", "KB/sec");
+    } else if (session.step == 13) {
+      text.append("Closed session");
+    } else {
+      return false;
+    }
+    return true;
   }
 
   void event(std::string& text, const Session& session) const {
@@ -191,7 +216,7 @@ class LogMaker {
         text.append(" (").append(bytes).append(" bytes).");
         break;
       case 10:
-        result(text, session, bytes);
+        result(text, session);
         break;
       case 11:
         text.append(session.isFailing ? "426 Data connection closed, transfer aborted." : "226 Transfer complete.");
@@ -202,12 +227,17 @@ class LogMaker {
     }
   }
 
-  static void result(std::string& text, const Session& session, const std::string& bytes) {
-    const std::string_view good = session.isUpload ? "Received file " : "Sent file ";
-    const std::string_view bad = session.isUpload ? "Error receiving file " : "Error sending file ";
-    text.append(session.isFailing ? bad : good).append("D:\\ftp\\").append(session.path);
+  static void result(std::string& text, const Session& session) {
+    file(text, session, session.isUpload ? "Received file D:\\ftp\\" : "Sent file D:\\ftp\\",
+         session.isUpload ? "Error receiving file D:\\ftp\\" : "Error sending file D:\\ftp\\", "", "Kb/sec");
+  }
+
+  static void file(std::string& text, const Session& session, std::string_view good, std::string_view bad,
+                   std::string_view end, std::string_view unit) {
+    text.append(session.isFailing ? bad : good).append(session.path).append(end);
     text.append(session.isFailing ? ", aborted (" : " successfully (");
-    text.append(std::to_string(session.bytes % 97)).append(".5 Kb/sec - ").append(bytes).append(" bytes)");
+    text.append(std::to_string(session.bytes % 97)).append(".5 ").append(unit).append(" - ");
+    text.append(std::to_string(session.bytes)).append(" bytes)");
   }
 
   /// A second passes every three lines or so.

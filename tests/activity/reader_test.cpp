@@ -116,6 +116,27 @@ TEST(Reader, ReadsOnWhereAGrowingLogEnded) {
   EXPECT_TRUE(activity.logs.at(0).isComplete);
 }
 
+TEST(Reader, SetsNothingOfTheSamplesAside) {
+  struct Sample {
+    std::string_view file;
+    std::string_view server;
+    std::size_t sessions, logons, actions;
+  };
+  for (const Sample& sample :
+       {Sample{"ftp-server.log", "serv-u-classic", 25, 25, 33}, Sample{"serv-u.log", "serv-u", 23, 29, 41}}) {
+    SCOPED_TRACE(sample.file);
+    const auto log = systemFiles().readWhole(std::filesystem::path(QUORVEL_SAMPLES) / sample.file);
+    ASSERT_TRUE(log.isOk());
+    const Activity activity = readActivity(log.value());
+    const LogInfo& info = activity.logs.at(0);
+    EXPECT_EQ(info.grammar->name(), sample.server);
+    EXPECT_EQ(info.ledger.understood.bytes, log.value().size());
+    EXPECT_EQ(activity.sessions.size(), sample.sessions);
+    EXPECT_EQ(activity.logons.size(), sample.logons);
+    EXPECT_EQ(activity.actions.size(), sample.actions);
+  }
+}
+
 TEST(Reader, StopsWhenItIsToldTo) {
   std::string log;
   for (int i = 1; i < 12000; ++i)

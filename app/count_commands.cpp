@@ -168,7 +168,8 @@ void countUsersTransfers(CommandContext& context) {
   const CommandGuard guard(context);
   if (!guard || !context.state.hasLog()) return;
   readCurrentSession(context);
-  const std::string name = context.state.batchFlag ? context.state.BatchCountUser : context.state.currentSession.Name;
+  std::string name = context.state.currentSession.Name;
+  if (context.state.batchFlag) name = nameInRecords(context.settings, context.state.BatchCountUser);
   if (refusesEmptyKey(context, name, "user")) return;
   run(context, {"Counter result - username: " + name, context.state.batchDescription,
                 allFor([name](const UserAct& record) { return record.Name == name; })});

@@ -155,7 +155,8 @@ void filterIP(CommandContext& context) {
 void filterUser(CommandContext& context) {
   const CommandGuard guard(context);
   if (!guard || !context.state.hasLog()) return;
-  const std::string name = context.state.batchFlag ? context.state.BatchFilterUser : context.state.currentSession.Name;
+  std::string name = context.state.currentSession.Name;
+  if (context.state.batchFlag) name = nameInRecords(context.settings, context.state.BatchFilterUser);
   filterToFile(context, {.dialogFilter = "Filtered logfile (selected user)             (*.txt)|*.txt",
                          .dialogTitle = "Save filter results (user)",
                          .sessions = readingAll(context, [name](const UserAct& record) { return record.Name == name; }),

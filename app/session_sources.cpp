@@ -50,6 +50,10 @@ class CheckedSessions {
 
 }  // namespace
 
+std::string nameInRecords(const Settings& settings, const std::string& name) {
+  return settings.readFlag("MAIN", "TrunkLongUsernames") ? std::string(trunkedName(name)) : name;
+}
+
 SessionSource chosenSessions(UsersFile& users, std::function<bool(const UserAct&)> isChosen) {
   return [&users, isChosen = std::move(isChosen), number = std::int32_t{0}]() mutable -> std::optional<UserAct> {
     while (number < users.recordCount()) {

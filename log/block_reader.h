@@ -21,7 +21,7 @@ namespace quorvel {
 
 /// Bytes in front of a block that are there to look at, and behind it.
 inline constexpr std::size_t kBlockHead = 16;
-inline constexpr std::size_t kBlockTail = 256;
+inline constexpr std::size_t kBlockTail = 4096;
 inline constexpr std::size_t kDefaultBlockSize = 256 * 1024;
 
 /// One block of a log with some bytes of its neighbours. Bytes before the log's start and behind its end are blanks.

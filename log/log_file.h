@@ -29,20 +29,16 @@ class LogFile {
   [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
   /// Length in bytes when the log was opened. What is appended later is not part of it.
   [[nodiscard]] LogPosition length() const { return m_length; }
-  /// The byte that ends a user name: CR, or LF in a log whose first line ends with a bare LF.
-  [[nodiscard]] char lineEnd() const { return m_lineEnd; }
 
   /// Reads from position (at least 1) to fill buffer; returns the count, less only at the end of the log.
   [[nodiscard]] Result<std::size_t> readAt(LogPosition position, std::span<char> buffer) const;
 
  private:
   LogFile(std::unique_ptr<File> file, std::filesystem::path path, LogPosition length);
-  [[nodiscard]] Status findLineEnd();
 
   std::unique_ptr<File> m_file;
   std::filesystem::path m_path;
   LogPosition m_length;
-  char m_lineEnd = '\r';
 };
 
 }  // namespace quorvel

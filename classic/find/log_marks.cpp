@@ -1,9 +1,10 @@
 #include "classic/find/log_marks.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
-#include <random>
+#include <span>
 
 #include "log/byte_scan.h"
 #include "log/text.h"
@@ -12,10 +13,12 @@ namespace quorvel {
 namespace {
 
 static_assert(kBlockHead >= kSessionNumberLength + 2);
-static_assert(kBlockTail >= kScanSlack && kBlockTail >= kLongestIndexedName + 32);
+static_assert(kBlockTail >= kScanSlack && kBlockTail >= kLongestSearchedName + 32);
 
 constexpr int kKindBits = 4;
 constexpr std::string_view kLoggedInText = " logged in";
+/// So many " logged in" behind one name are looked at, each of which may end it.
+constexpr std::size_t kMostNameEnds = 16;
 
 struct FailureText {
   std::string_view text;
@@ -49,11 +52,98 @@ bool isServerStart(const char* dash) {
   return standsAt(dash, kServerStartMark);
 }
 
+/// Two polynomials in the bytes of a folded text, modulo a prime: the hash of a part follows from those of two
+/// beginnings.
+struct TextHash {
+  static constexpr std::uint64_t kPrime = 0x7FFFFFFF;
+
+  std::uint64_t first = 0;
+  std::uint64_t second = 0;
+
+  static const TextHash& bases() {
+    static const TextHash bases{1000 + hashSeed() % (kPrime - 2000), 1000 + (hashSeed() >> 32) * 7 % (kPrime - 2000)};
+    return bases;
+  }
+  [[nodiscard]] TextHash times(const TextHash& other) const {
+    return {first * other.first % kPrime, second * other.second % kPrime};
+  }
+  [[nodiscard]] TextHash with(char c) const {
+    const std::uint64_t byte = static_cast<unsigned char>(foldCase(c)) + std::uint64_t{1};
+    return {(first * bases().first + byte) % kPrime, (second * bases().second + byte) % kPrime};
+  }
+  /// Never 0.
+  [[nodiscard]] std::uint64_t value() const { return std::uint64_t{1} << 62 | first << 31 | second; }
+};
+
+const std::array<TextHash, kLongestSearchedName + 1>& powersOfBases() {
+  static const auto powers = [] {
+    std::array<TextHash, kLongestSearchedName + 1> made{};
+    made[0] = {1, 1};
+    for (std::size_t i = 1; i < made.size(); ++i)
+      made[i] = made[i - 1].times(TextHash::bases());
+    return made;
+  }();
+  return powers;
+}
+
+/// The names in a line. A line may hold many that overlap: each byte is looked at once all the same.
+class NamesInLine {
+ public:
+  /// Looks at the name that starts here, up to the line's end or as far as a name is looked for.
+  void lookAt(const char* name) {
+    if (m_begin == nullptr || name > m_scanned || (name == m_scanned && !m_isAtEnd)) startAt(name);
+    const char* const furthest = name + kLongestSearchedName + 1;
+    for (; !m_isAtEnd && m_scanned < furthest; ++m_scanned) {
+      const char c = *m_scanned;
+      m_isAtEnd = c == '\r' || c == '\n';
+      if (m_isAtEnd) break;
+      if (c == ' ' && standsAt(m_scanned, kLoggedInText)) m_ends.push_back(m_scanned);
+      m_hashes.push_back(m_hashes.back().with(c));
+    }
+    m_firstEnd = static_cast<std::size_t>(std::lower_bound(m_ends.begin(), m_ends.end(), name) - m_ends.begin());
+  }
+  /// The places at which the name looked at last may end, because " logged in" stands there.
+  [[nodiscard]] std::span<const char* const> ends(const char* name) const {
+    const std::span<const char* const> ends = std::span(m_ends).subspan(m_firstEnd);
+    std::size_t count = 0;
+    while (count < std::min(ends.size(), kMostNameEnds) &&
+           ends[count] - name <= static_cast<std::ptrdiff_t>(kLongestSearchedName))
+      ++count;
+    return ends.first(count);
+  }
+  /// Where the line ends, null when that lies further than any name reaches.
+  [[nodiscard]] const char* lineEnd(const char* name) const {
+    const bool isNear = m_isAtEnd && m_scanned - name <= static_cast<std::ptrdiff_t>(kLongestSearchedName);
+    return isNear ? m_scanned : nullptr;
+  }
+  [[nodiscard]] std::uint64_t hash(const char* from, const char* to) const {
+    const TextHash& before = m_hashes[static_cast<std::size_t>(from - m_begin)];
+    const TextHash& all = m_hashes[static_cast<std::size_t>(to - m_begin)];
+    const TextHash moved = before.times(powersOfBases()[static_cast<std::size_t>(to - from)]);
+    constexpr std::uint64_t kPrime = TextHash::kPrime;
+    return TextHash{(all.first + kPrime - moved.first) % kPrime, (all.second + kPrime - moved.second) % kPrime}.value();
+  }
+
+ private:
+  void startAt(const char* name) {
+    m_begin = m_scanned = name;
+    m_isAtEnd = false;
+    m_ends.clear();
+    m_hashes.assign(1, {});
+  }
+
+  const char* m_begin = nullptr;
+  const char* m_scanned = nullptr;
+  bool m_isAtEnd = false;
+  std::vector<const char*> m_ends;  ///< every " logged in" from m_begin on
+  std::size_t m_firstEnd = 0;       ///< of the name looked at last
+  std::vector<TextHash> m_hashes;   ///< of what lies between m_begin and each byte up to m_scanned
+};
+
 /// Writes the marks of one block.
 class MarkWriter {
  public:
-  MarkWriter(LogBlock& block, char lineEnd, std::size_t longestName)
-      : m_block(block), m_lineEnd(lineEnd), m_longestName(longestName) {}
+  explicit MarkWriter(LogBlock& block) : m_block(block) {}
 
   void examineEvent(const char* at) {
     if (*at == '-') {
@@ -97,15 +187,17 @@ class MarkWriter {
     constexpr std::string_view kUser = " USER ";
     if (!standsAt(event, kUser)) return;
     const SessionId id = sessionIdAt(at);
-    add(at, MarkKind::User, id);
-    if (!hasDash(at)) return;
     const char* const name = event + kUser.size();
-    for (std::size_t length = 0; length <= m_longestName; ++length) {
-      if (name[length] == ' ' && standsAt(name + length, kLoggedInText)) {
-        add(at, MarkKind::LoggedIn, id);
-        m_block.findings.push_back(hashName({name, length}));
-      }
-      if (name[length] == m_lineEnd) return;
+    m_names.lookAt(name);
+    const auto ends = m_names.ends(name);
+    const char* const lineEnd = m_names.lineEnd(name);
+    add(at, MarkKind::User, id);
+    const bool isIndexed = lineEnd != nullptr && ends.size() < kMostNameEnds;
+    m_block.findings.push_back(isIndexed ? m_names.hash(name, lineEnd) : 0);
+    if (!hasDash(at)) return;
+    for (const char* const end : ends) {
+      add(at, MarkKind::LoggedIn, id);
+      m_block.findings.push_back(m_names.hash(name, end));
     }
   }
 
@@ -119,8 +211,7 @@ class MarkWriter {
   void add(const char* at, MarkKind kind, SessionId id) { addMark(m_block, at, kind, id); }
 
   LogBlock& m_block;
-  const char m_lineEnd;
-  const std::size_t m_longestName;
+  NamesInLine m_names;
 };
 
 /// Writes the session numbers of one block, each with the extent of its line.
@@ -172,11 +263,6 @@ class LineWriter {
   std::vector<Number> m_numbers;      ///< of the line looked at
 };
 
-std::uint64_t randomSeed() {
-  std::random_device device;
-  return (std::uint64_t{device()} << 32) | device();
-}
-
 }  // namespace
 
 SessionId sessionIdAt(const char* bracket) {
@@ -200,19 +286,24 @@ SessionId sessionIdAt(const char* bracket) {
 }
 
 std::uint64_t hashName(std::string_view name) {
-  static const std::uint64_t seed = randomSeed();
-  constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;
-  std::uint64_t hash = seed + name.size();
-  for (const char c : name) {
-    hash = (hash ^ static_cast<unsigned char>(foldCase(c))) * kOdd;
-    hash ^= hash >> 29;
-  }
-  return hash;
+  TextHash hash;
+  for (const char c : name)
+    hash = hash.with(c);
+  return hash.value();
 }
 
-void findMarks(LogBlock& block, char lineEnd, std::size_t longestName) {
+bool isIndexedName(std::string_view name) {
+  std::size_t ends = 0;
+  if (name.size() >= kMostNameEnds * kLoggedInText.size()) {
+    for (std::size_t at = 0; (at = findFolded(name, kLoggedInText, at)) != std::string_view::npos; ++at)
+      ++ends;
+  }
+  return ends < kMostNameEnds;
+}
+
+void findMarks(LogBlock& block) {
   scanBytes(ScanFor::SessionEvents, block.data(), block.count, block.offsets);
-  MarkWriter writer(block, lineEnd, longestName);
+  MarkWriter writer(block);
   for (const std::uint32_t offset : block.offsets)
     writer.examineEvent(block.data() + offset);
 }

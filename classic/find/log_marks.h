@@ -12,6 +12,7 @@
 
 #include "log/block_reader.h"
 #include "log/log_file.h"
+#include "log/seeded_hash.h"
 
 namespace quorvel {
 
@@ -19,7 +20,8 @@ namespace quorvel {
 enum class MarkKind : std::uint8_t {
   Connect,            ///< " Connected to "
   ConnectDash,        ///< the same behind "- " and the number
-  User,               ///< " USER ", in any case, so that a line "User alice logged in" is one as well
+  User,               ///< " USER ", in any case, so that a line "User alice logged in" is one as well; its detail is
+                      ///< the hash of the name behind it, 0 for a name that is not indexed
   Quit,               ///< " QUIT"
   Close,              ///< " Closing connection" without "- "
   CloseDash,          ///< the same with "- "
@@ -37,7 +39,7 @@ enum class MarkKind : std::uint8_t {
 inline constexpr std::size_t kMarkKinds = static_cast<std::size_t>(MarkKind::ServerStart) + 1;
 
 [[nodiscard]] constexpr bool hasDetail(MarkKind kind) {
-  return kind == MarkKind::LoggedIn || kind == MarkKind::Line;
+  return kind == MarkKind::User || kind == MarkKind::LoggedIn || kind == MarkKind::Line;
 }
 
 /// The line that a Line mark stands in. Either number is 0 where the line goes beyond the mark's block.
@@ -58,6 +60,11 @@ inline constexpr SessionId kDigitIds = 1'000'000;
 /// nobody can prepare two names that look the same to it.
 [[nodiscard]] std::uint64_t hashName(std::string_view name);
 
+/// A longer name cannot be found in a block of 4000 bytes with the rest of its line.
+inline constexpr std::size_t kLongestSearchedName = 3973;
+/// Whether the marks tell every line that logs this name on. Other names hold " logged in" many times themselves.
+[[nodiscard]] bool isIndexedName(std::string_view name);
+
 /// One mark. position is that of the ")" behind the session number, or of the "-" of a server start.
 struct LogMark {
   LogPosition position = 0;
@@ -66,10 +73,8 @@ struct LogMark {
   std::uint64_t detail = 0;  ///< where hasDetail(kind)
 };
 
-/// Finds every mark in a block and leaves it in block.findings. Names longer than longestName are passed over;
-/// longestName is at most kLongestIndexedName.
-void findMarks(LogBlock& block, char lineEnd, std::size_t longestName);
-inline constexpr std::size_t kLongestIndexedName = 128;
+/// Finds every mark in a block and leaves it in block.findings.
+void findMarks(LogBlock& block);
 
 /// Session numbers by which to choose marks.
 class SessionIdSet {
@@ -82,7 +87,7 @@ class SessionIdSet {
 
  private:
   std::vector<bool> m_digitIds;
-  std::unordered_set<SessionId> m_oddIds;
+  std::unordered_set<SessionId, SeededHash> m_oddIds;
 };
 
 /// Where each session number in digits stands last, as far as a reading of the log has come.

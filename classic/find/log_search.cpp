@@ -54,11 +54,7 @@ std::size_t lengthOf(const EventText& text) {
 LogSearch::LogSearch(const LogFile& log, Options options)
     : m_log(log),
       m_options(std::move(options)),
-      m_stream(
-          log, m_options.blockSize,
-          [lineEnd = log.lineEnd(), longestName = std::min(m_options.longestName, kLongestIndexedName)](
-              LogBlock& block) { findMarks(block, lineEnd, longestName); },
-          [this](const LogBlock& block) { return takeMarks(block); }) {
+      m_stream(log, m_options.blockSize, findMarks, [this](const LogBlock& block) { return takeMarks(block); }) {
   m_stream.start(1);
 }
 
@@ -82,7 +78,7 @@ bool LogSearch::FindForward(LogPosition start) {
 SessionEnd LogSearch::FindSessionEnd() {
   if (isQuietAhead() && m_serverStarts.empty()) return {};
   while (true) {
-    const MarkNumber mark = firstOf({bit(MarkKind::CloseDash)}, kAnywhere);
+    const MarkNumber mark = firstOf(bit(MarkKind::CloseDash), kAnywhere);
     const LogPosition close = mark != 0 ? m_marks.position(mark) - kBackToDash : 0;
     const LogPosition start = m_serverStarts.empty() ? 0 : m_serverStarts.front();
     if (start != 0 && (close == 0 || start < close)) return {start, true};
@@ -96,7 +92,7 @@ LogPosition LogSearch::findEvent(Event event, LogPosition limit, LogPosition sta
   const LogPosition back = text.hasDash ? kBackToDash : kBackToNumber;
   const LogPosition last = lastAccepted(start, limit, lengthOf(text));
   readTo(last + back);
-  const MarkNumber hit = firstOf({text.kinds}, last + back);
+  const MarkNumber hit = firstOf(text.kinds, last + back);
   return hit != 0 ? m_marks.position(hit) - back : 0;
 }
 
@@ -104,16 +100,17 @@ LogPosition LogSearch::FindLogonLine(std::string_view name, LogPosition limit) {
   constexpr std::string_view kUser = " User ";
   constexpr std::string_view kLoggedIn = " logged in";
   const std::size_t length = 2 + kSessionNumberLength + kUser.size() + name.size() + kLoggedIn.size();
-  if (length >= static_cast<std::size_t>(kSearchBlock)) return 0;  // fits into no block
+  if (name.size() > kLongestSearchedName) return 0;  // fits into no block
   const LogPosition last = lastAccepted(m_session.position, limit, length);
-  if (name.size() > std::min(m_options.longestName, kLongestIndexedName)) {
+  if (!isIndexedName(name)) {
     std::string text = "- ";
     text.append(m_stream.window().text(m_session.position - kBackToNumber, kSessionNumberLength));
     return findText(text.append(kUser).append(name).append(kLoggedIn), m_session.position, last);
   }
   readTo(last + kBackToDash);
-  const MarkNumber hit = firstOf({bit(MarkKind::LoggedIn), hashName(name)}, last + kBackToDash);
-  return hit != 0 ? m_marks.position(hit) - kBackToDash : 0;
+  if (!isAhead(bit(MarkKind::LoggedIn))) return 0;
+  const LogPosition hit = firstLogon(logonKey(sessionId(), hashName(name)), last + kBackToDash);
+  return hit != 0 ? hit - kBackToDash : 0;
 }
 
 bool LogSearch::takeMarks(const LogBlock& block) {
@@ -124,8 +121,12 @@ bool LogSearch::takeMarks(const LogBlock& block) {
       m_serverStarts.push_back(mark.position);
       continue;
     }
-    m_marks.append(mark);
     if (mark.kind != MarkKind::Connect && mark.kind != MarkKind::ConnectDash) m_lastEvent = mark.position;
+    if (mark.kind == MarkKind::LoggedIn) {
+      noteLogon(logonKey(mark.id, mark.detail), mark.position);
+    } else if (m_marks.append(mark) != 0 && mark.kind == MarkKind::User && mark.detail != 0) {
+      expectLogon(logonKey(mark.id, mark.detail), mark.position);
+    }
   }
   m_wasStopped = m_options.keepGoing && !m_options.keepGoing(m_stream.readTo());
   return !m_wasStopped;
@@ -153,34 +154,71 @@ bool LogSearch::isAhead(unsigned kinds) const {
   return false;
 }
 
-MarkNumber LogSearch::firstOf(const Wanted& wanted, LogPosition furthest) {
+/// A session's name stands behind its first User mark, and a line that logs on is a User mark itself: no session asks
+/// for a line before that mark.
+void LogSearch::expectLogon(std::uint64_t key, LogPosition user) {
+  if (m_logons.size() >= m_purgeLogonsAt) {
+    std::erase_if(m_logons, [this](const auto& entry) { return entry.second.lastUser < m_session.position; });
+    m_purgeLogonsAt = std::max<std::size_t>(1024, 2 * m_logons.size());
+  }
+  m_logons[key].lastUser = user;
+}
+
+void LogSearch::noteLogon(std::uint64_t key, LogPosition position) {
+  const auto found = m_logons.find(key);
+  if (found == m_logons.end()) return;
+  LogonLines& lines = found->second;
+  if (lines.positions.empty() || lines.positions.back() < lines.lastUser) lines.positions.push_back(position);
+}
+
+LogPosition LogSearch::firstLogon(std::uint64_t key, LogPosition furthest) {
+  constexpr std::size_t kManyPassed = 1024;
+  const auto found = m_logons.find(key);
+  if (found == m_logons.end()) return 0;
+  auto& [lastUser, passed, positions] = found->second;
+  while (passed < positions.size() && positions[passed] < m_session.position)
+    ++passed;
+  const LogPosition hit = passed < positions.size() && positions[passed] <= furthest ? positions[passed] : 0;
+  if (passed >= kManyPassed && 2 * passed >= positions.size()) {
+    positions.erase(positions.begin(), positions.begin() + static_cast<std::ptrdiff_t>(passed));
+    passed = 0;
+  }
+  return hit;
+}
+
+MarkNumber LogSearch::firstOf(unsigned kinds, LogPosition furthest) {
   constexpr int kFarWalk = 64;
-  if (!isAhead(wanted.kinds)) return 0;
+  if (!isAhead(kinds)) return 0;
   const MarkNumber first = m_marks.nextOfSession(m_session.number);
   if (first == 0 || m_marks.position(first) > furthest) return 0;
   MarkNumber passed = m_session.number;
   if (!m_passed.empty()) {
-    const auto known = m_passed.find({sessionId(), wanted});
+    const auto known = m_passed.find({sessionId(), kinds});
     if (known != m_passed.end()) passed = std::max(passed, known->second);
   }
   int steps = 0;
   MarkNumber next = m_marks.nextOfSession(passed);
   for (; next != 0 && m_marks.position(next) <= furthest; next = m_marks.nextOfSession(next), ++steps) {
-    const MarkKind kind = m_marks.kind(next);
-    if ((bit(kind) & wanted.kinds) != 0 && (kind != MarkKind::LoggedIn || m_marks.detail(next) == wanted.nameHash)) {
-      break;
-    }
+    if ((bit(m_marks.kind(next)) & kinds) != 0) break;
     passed = next;
   }
-  if (steps > kFarWalk) m_passed[{sessionId(), wanted}] = passed;
+  if (steps > kFarWalk) notePassed(kinds, passed);
   return next != 0 && m_marks.position(next) <= furthest ? next : 0;
+}
+
+void LogSearch::notePassed(unsigned kinds, MarkNumber passed) {
+  if (m_passed.size() >= m_purgePassedAt) {
+    std::erase_if(m_passed, [this](const auto& entry) { return entry.second < m_session.number; });
+    m_purgePassedAt = std::max<std::size_t>(4096, 2 * m_passed.size());
+  }
+  m_passed[{sessionId(), kinds}] = passed;
 }
 
 SessionId LogSearch::sessionId() {
   return sessionIdAt(&m_stream.window().text(m_session.position - kBackToNumber, kSessionNumberLength).back());
 }
 
-/// Reads the text itself: for names too long to be kept with the marks.
+/// Reads the text itself: for names that are not indexed.
 LogPosition LogSearch::findText(std::string_view text, LogPosition start, LogPosition last) {
   constexpr LogPosition kPiece = 64 * 1024;
   for (LogPosition at = start; at <= std::min(last, m_log.length()); at += kPiece) {

@@ -13,12 +13,15 @@
 #include <functional>
 #include <map>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "classic/find/log_marks.h"
 #include "classic/find/mark_lists.h"
 #include "log/log_file.h"
 #include "log/log_stream.h"
+#include "log/seeded_hash.h"
 
 namespace quorvel {
 
@@ -56,7 +59,6 @@ class LogSearch {
  public:
   struct Options {
     std::size_t blockSize = kDefaultBlockSize;
-    std::size_t longestName = kLongestIndexedName;  ///< longest name FindLogonLine is asked for in the usual case
     /// Asked whenever a block was read; false ends all searches as if the log ended there.
     std::function<bool(LogPosition readTo)> keepGoing;
   };
@@ -77,7 +79,8 @@ class LogSearch {
   [[nodiscard]] LogPosition FindForwardLimited(Event event, LogPosition limit, LogPosition start) {
     return isQuietAhead() && event != Event::DashConnect ? 0 : findEvent(event, limit, start);
   }
-  /// The same for the line "- ", number, " User ", name, " logged in".
+  /// The same for the line "- ", number, " User ", name, " logged in"; name is that behind the session's first User
+  /// mark.
   [[nodiscard]] LogPosition FindLogonLine(std::string_view name, LogPosition limit);
 
   /// The log's text, see BlockWindow.
@@ -91,18 +94,26 @@ class LogSearch {
   bool takeMarks(const LogBlock& block);
   void readTo(LogPosition position);
   [[nodiscard]] LogPosition lastAccepted(LogPosition start, LogPosition limit, std::size_t textLength) const;
-  /// What a walk along the marks of a session number looks for.
-  struct Wanted {
-    unsigned kinds;              ///< one bit for each MarkKind
-    std::uint64_t nameHash = 0;  ///< of a LoggedIn mark
-    friend auto operator<=>(const Wanted&, const Wanted&) = default;
+  /// The lines that log one name on under one session number, as far as a session may ask for them.
+  struct LogonLines {
+    LogPosition lastUser = 0;            ///< the last User mark that made a session ask
+    std::size_t passed = 0;              ///< so many of them lie before the session
+    std::vector<LogPosition> positions;  ///< of the marks; the first one after each such User mark is enough
   };
+  [[nodiscard]] static std::uint64_t logonKey(SessionId id, std::uint64_t nameHash) {
+    return nameHash ^ (id * 0x9E3779B97F4A7C15);
+  }
+  void expectLogon(std::uint64_t key, LogPosition user);
+  void noteLogon(std::uint64_t key, LogPosition position);
+  [[nodiscard]] LogPosition firstLogon(std::uint64_t key, LogPosition furthest);
   [[nodiscard]] LogPosition findEvent(Event event, LogPosition limit, LogPosition start);
   /// Whether the rest of the log is known to have connect marks and server starts only.
   [[nodiscard]] bool isQuietAhead() const { return m_lastEvent <= m_session.position && m_stream.isAtEnd(); }
   [[nodiscard]] bool isAhead(unsigned kinds) const;
-  /// The first wanted mark of the session at or before position furthest; 0 when there is none yet.
-  [[nodiscard]] MarkNumber firstOf(const Wanted& wanted, LogPosition furthest);
+  /// The first mark of the session that has one of the kinds (a bit for each MarkKind) and lies at or before furthest;
+  /// 0 when there is none yet.
+  [[nodiscard]] MarkNumber firstOf(unsigned kinds, LogPosition furthest);
+  void notePassed(unsigned kinds, MarkNumber passed);
   [[nodiscard]] SessionId sessionId();
   [[nodiscard]] LogPosition findText(std::string_view text, LogPosition start, LogPosition last);
 
@@ -112,7 +123,10 @@ class LogSearch {
   MarkLists m_marks;
   /// How far the marks of a number were walked without a hit, where that was far: sessions that share a number, or
   /// blocks still to be read, must not make the program walk it again.
-  std::map<std::pair<SessionId, Wanted>, MarkNumber> m_passed;
+  std::map<std::pair<SessionId, unsigned>, MarkNumber> m_passed;
+  std::size_t m_purgePassedAt = 4096;
+  std::unordered_map<std::uint64_t, LogonLines, SeededHash> m_logons;
+  std::size_t m_purgeLogonsAt = 1024;
   std::array<LogPosition, kMarkKinds> m_lastOfKind{};  ///< how far each kind of mark was seen
   LogPosition m_lastEvent = 0;                         ///< the same for all kinds but connect marks
   std::deque<LogPosition> m_serverStarts;              ///< from the current session on

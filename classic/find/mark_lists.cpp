@@ -13,7 +13,6 @@ constexpr std::uint16_t bitOf(MarkKind kind) {
 constexpr std::uint16_t coveredBy(MarkKind kind) {
   switch (kind) {
     case MarkKind::Line:
-    case MarkKind::LoggedIn:
       return 0;  // one line says nothing of another
     case MarkKind::Close:
       return bitOf(MarkKind::Close) | bitOf(MarkKind::CloseDash);

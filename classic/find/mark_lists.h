@@ -23,8 +23,8 @@ class MarkLists {
   MarkLists(const MarkLists&) = delete;
   MarkLists& operator=(const MarkLists&) = delete;
 
-  /// Adds the next mark of the log and returns its number, 0 when nobody can ask for it. Server starts do not belong
-  /// here.
+  /// Adds the next mark of the log and returns its number, 0 when nobody can ask for it. Server starts and logged-in
+  /// lines do not belong here. Of the details only a line's extent is kept.
   MarkNumber append(const LogMark& mark);
   /// Forgets the marks before number, of which nobody will ask.
   void dropBefore(MarkNumber number);
@@ -44,7 +44,7 @@ class MarkLists {
     return chunk.base + (chunk.marks[indexOf(number)].offsetAndKind >> kKindBits);
   }
   [[nodiscard]] MarkKind kind(MarkNumber number) const { return kindOf(mark(number)); }
-  /// Of a mark whose kind has one.
+  /// Of a mark of the kind Line.
   [[nodiscard]] std::uint64_t detail(MarkNumber number) const { return std::bit_cast<std::uint64_t>(mark(number + 1)); }
 
  private:
@@ -79,7 +79,7 @@ class MarkLists {
     return static_cast<MarkKind>(mark.offsetAndKind & ((1u << kKindBits) - 1));
   }
   /// The places a mark takes.
-  [[nodiscard]] static std::uint32_t roomOf(MarkKind kind) { return hasDetail(kind) ? 2 : 1; }
+  [[nodiscard]] static std::uint32_t roomOf(MarkKind kind) { return kind == MarkKind::Line ? 2 : 1; }
   [[nodiscard]] static bool isConnect(MarkKind kind) {
     return kind == MarkKind::Connect || kind == MarkKind::ConnectDash;
   }
@@ -103,7 +103,7 @@ class MarkLists {
   std::uint32_t m_firstChunk = 0;  ///< its number
   MarkNumber m_keptFrom = 1;
   std::array<std::unique_ptr<TailPage>, kTailPages> m_pages;
-  std::unordered_map<SessionId, Tail> m_oddTails;
+  std::unordered_map<SessionId, Tail, SeededHash> m_oddTails;
   std::size_t m_purgeAt = 4096;
 };
 

@@ -17,8 +17,7 @@ constexpr LogPosition kIpForward = 15;         ///< from the ")" to the address 
 constexpr LogPosition kNameForward = 14;       ///< from a session number to the name behind it and " USER "
 constexpr LogPosition kCloseReach = 100;       ///< how much further than the others one search reaches
 constexpr LogPosition kNextSession = 60;       ///< from one ")" to where the search for the next connect line starts
-constexpr std::size_t kTrunkedName = 12;
-constexpr LogPosition kLongestText = 32767;  ///< of a name or address; a record holds far less
+constexpr LogPosition kLongestText = 32767;    ///< of a name or address; a record holds far less
 constexpr std::size_t kLongestRecord = kRecordOverhead + 2 * kLongestText + 128;  ///< stamps and words are short
 constexpr LogPosition kUsualText = 32;  ///< nearly all names and addresses are shorter
 
@@ -44,8 +43,7 @@ class Finder {
 
  private:
   static LogSearch::Options searchOptions(const FindOptions& options, FindObserver& observer) {
-    return {options.blockSize, options.trunkLongUsernames ? kTrunkedName : kLongestIndexedName,
-            [&observer](LogPosition readTo) { return observer.keepGoing(readTo); }};
+    return {options.blockSize, [&observer](LogPosition readTo) { return observer.keepGoing(readTo); }};
   }
 
   /// Decides first, then reads: texts cannot be kept while the log is searched.
@@ -60,7 +58,7 @@ class Finder {
     record.lowHalf(position);
     record.text(name);
     record.text(text(position - (kSessionNumberLength - 1), kSessionNumberLength));
-    record.text(readUpTo(' ', position + kIpForward, kLongestText));
+    record.text(readUpTo(" ", position + kIpForward, kLongestText));
     record.text(text(position - kConnectStampBack, kStampLength));
     record.text(logon.position != 0 ? stampOf(logon.position) : std::string_view(), logon.word);
     record.text(logoffTime());
@@ -77,16 +75,16 @@ class Finder {
     return text(stamp, kStampLength);
   }
 
-  /// The name, or the word that stands for it.
+  /// The name as the record has it, or the word that stands for it.
   std::string_view findName() {
     const LogPosition user = find(Event::User);
     const LogPosition quit = find(Event::Quit);
     if (user == 0 && (quit > 0 || m_end.position >= 1)) return kQuit;
     if (quit > 0 && (quit < user || m_end.position < user)) return kQuit;
     if (user == 0 && quit == 0) return kNoUserFound;
-    const LogPosition longest = m_options.trunkLongUsernames ? LogPosition{kTrunkedName} : kLongestText;
-    m_name = readUpTo(m_log.lineEnd(), user + kNameForward, longest);
-    return m_name;
+    const LogPosition longest = m_options.trunkLongUsernames ? LogPosition{kLongestSearchedName + 1} : kLongestText;
+    m_name = readUpTo("\r\n", user + kNameForward, longest);
+    return m_options.trunkLongUsernames ? trunkedName(m_name) : std::string_view(m_name);
   }
 
   struct Logon {
@@ -106,7 +104,7 @@ class Finder {
   LogPosition findLogonLine(std::string_view name) {
     if (name == "anonymous") return find(Event::DashAnonymous);
     if (name == kQuit) return find(Event::DashClose);
-    if (name != kNoUserFound) return m_search.FindLogonLine(name, m_end.position);
+    if (name != kNoUserFound) return m_search.FindLogonLine(m_name, m_end.position);
     return findOwnConnectLine();
   }
 
@@ -142,14 +140,14 @@ class Finder {
   }
   std::string_view stampOf(LogPosition dash) { return text(dash - kStampBack, kStampLength); }
 
-  /// The text at from up to the first byte end, at most longest bytes or to the log's end.
-  std::string_view readUpTo(char end, LogPosition from, LogPosition longest) {
-    BlockWindow& window = m_search.window();
-    const LogPosition furthest = std::max(from, std::min(from + longest, m_log.length() + 1));
-    const std::string_view usual = window.text(from, static_cast<std::size_t>(std::min(furthest - from, kUsualText)));
-    const auto length = usual.find(end);
-    if (length != std::string_view::npos) return usual.substr(0, length);
-    return window.text(from, static_cast<std::size_t>(window.find(end, from, furthest) - from));
+  /// The text at from up to the first of the bytes that end it, at most longest bytes or to the log's end.
+  std::string_view readUpTo(std::string_view ends, LogPosition from, LogPosition longest) {
+    const LogPosition most = std::max<LogPosition>(0, std::min(longest, m_log.length() + 1 - from));
+    for (LogPosition count = kUsualText;; count *= 4) {
+      const std::string_view read = text(from, static_cast<int>(std::min(count, most)));
+      if (const auto end = read.find_first_of(ends); end != std::string_view::npos) return read.substr(0, end);
+      if (count >= most) return read;
+    }
   }
 
   const LogFile& m_log;
@@ -159,7 +157,7 @@ class Finder {
   LogSearch m_search;
   const ConnectMark& m_session = m_search.session();
   SessionEnd m_end;
-  std::string m_name;
+  std::string m_name;  ///< as the log has it
   std::string m_record = std::string(kLongestRecord, ' ');
   std::int32_t m_logonNo = 0;
 };

@@ -11,7 +11,8 @@
 namespace quorvel {
 
 struct FindOptions {
-  /// Cuts user names to 12 characters, so that a record cannot grow over its 128 bytes.
+  /// Cuts user names to 12 characters in the record, so that it cannot grow over its 128 bytes. The line that logs a
+  /// user on is looked for with the whole name.
   bool trunkLongUsernames = true;
   /// Bytes read at once. Has no influence on the result.
   std::size_t blockSize = 256 * 1024;

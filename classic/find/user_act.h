@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace quorvel {
 
@@ -20,6 +21,12 @@ struct UserAct {
 
   friend bool operator==(const UserAct&, const UserAct&) = default;
 };
+
+/// The name as a record holds it where long names are cut.
+[[nodiscard]] inline std::string_view trunkedName(std::string_view name) {
+  constexpr std::size_t kLongest = 12;
+  return name.substr(0, kLongest);
+}
 
 // Status words stored in a record instead of, or behind, a name or stamp. On disk, do not change.
 inline constexpr const char* kNoUserFound = "NO_USER_FOUND";

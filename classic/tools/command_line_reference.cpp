@@ -76,6 +76,11 @@ written with its defaults by the first run.
   [OPTION-FILTER] FilterTransfers, FilterDeletes, FilterSITE, FilterMDTM
       If one of them is 1, codes 210, 250 and 260 write only those lines of a
       session; otherwise they write all its lines.
+  [MAIN] TrunkLongUsernames
+      1 (default): records keep 12 characters of a user's name, and the name
+      behind 260 or 360 is cut to 12 characters as well before it is compared.
+      0: names are kept and compared whole; sessions of names that are too
+      long for a record are left out.
   [COMMAND-LINE-ARGUMENTS] AutoExit
       1 (default): the program ends when all codes have run. It opens no
       window and needs no display. Messages become one line each on standard

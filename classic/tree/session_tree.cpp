@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <functional>
 #include <limits>
 #include <utility>
+
+#include "log/seeded_hash.h"
 
 namespace quorvel {
 namespace {
@@ -16,7 +17,7 @@ bool isUsableAsKey(std::string_view key) {
 }
 
 std::uint32_t hashOf(std::string_view key) {
-  return static_cast<std::uint32_t>(std::hash<std::string_view>()(key));
+  return static_cast<std::uint32_t>(seededHash(key));
 }
 
 }  // namespace

@@ -16,18 +16,12 @@ std::int64_t size64(std::string_view text) {
   return static_cast<std::int64_t>(text.size());
 }
 
-char nameEndOf(std::string_view log) {
-  if (log.starts_with('\n')) log.remove_prefix(1);  // it may have been cut behind a CR
-  const std::size_t lf = log.find('\n');
-  return lf != std::string_view::npos && !log.substr(0, lf).ends_with('\r') ? '\n' : '\r';
-}
-
 /// A log and the session being looked at. Positions are bytes counted from 1; in front of the log and behind it lie
 /// blanks.
 class Scan {
  public:
   Scan(std::string_view log, bool trunkLongUsernames)
-      : m_length(size64(log)), m_nameEnd(nameEndOf(log)), m_longestName(trunkLongUsernames ? 12 : kLongestText) {
+      : m_length(size64(log)), m_longestName(trunkLongUsernames ? 12 : kLongestText) {
     const std::string blanks(kBlockSize, ' ');
     m_log = blanks + std::string(log) + blanks;
     m_folded = lowerCase(m_log);
@@ -96,24 +90,28 @@ class Scan {
     return {0, false};
   }
 
-  /// From position up to, not including, the next end; to the end of the log when there is none.
-  [[nodiscard]] std::string textUpTo(char end, std::int64_t position) const {
-    const std::int64_t found = FindForward(std::string_view(&end, 1), position);
-    const std::int64_t behind = found == 0 ? m_length + 1 : found;
+  /// From position up to, not including, the next of the ends; to the end of the log when there is none.
+  [[nodiscard]] std::string textUpTo(std::string_view ends, std::int64_t position) const {
+    std::int64_t behind = m_length + 1;
+    for (const char end : ends) {
+      const std::int64_t found = FindForward(std::string_view(&end, 1), position);
+      if (found != 0) behind = std::min(behind, found);
+    }
     if (behind <= position) return {};
     const std::string text = bytesAt(position, static_cast<std::size_t>(behind - position));
-    return text.substr(0, std::min(text.find(end), kLongestText));  // no search looks at a log's last byte alone
+    return text.substr(0, std::min(text.find_first_of(ends), kLongestText));  // no search looks at a last byte alone
   }
 
   UserAct record() {
     UserAct record;
     record.Position = m_position;
     record.ConnectTime = bytesAt(m_position - 30, 20);
-    record.IP = textUpTo(' ', m_position + 15);
+    record.IP = textUpTo(" ", m_position + 15);
     record.NumberInLog = m_id = bytesAt(m_position - 7, 8);
     record.LogoffTime = logoffTime();
-    record.Name = userName();
-    const std::int64_t logon = findLogonLine(record.Name);
+    std::string wholeName;
+    record.Name = userName(wholeName);
+    const std::int64_t logon = findLogonLine(record.Name, wholeName);
     record.LogonTime = logon > 0 ? stampBefore(logon) : failedLogonTime();
     return record;
   }
@@ -126,20 +124,23 @@ class Scan {
     return stampBefore(position);
   }
 
-  [[nodiscard]] std::string userName() const {
+  /// As the record has it; wholeName is the one the log has.
+  [[nodiscard]] std::string userName(std::string& wholeName) const {
     const std::int64_t u = find(" USER ");
     const std::int64_t q = find(" QUIT");
     std::string name;
     if (u == 0 && q == 0) name = "NO_USER_FOUND";
     if (q > 0 && (q < u || m_limit < u)) name = "QUIT";
     if (u == 0 && (q > 0 || m_limit >= 1)) name = "QUIT";
-    return name.empty() ? textUpTo(m_nameEnd, u + 14).substr(0, m_longestName) : name;
+    if (!name.empty()) return name;
+    wholeName = textUpTo("\r\n", u + 14);
+    return wholeName.substr(0, m_longestName);
   }
 
-  [[nodiscard]] std::int64_t findLogonLine(const std::string& name) const {
+  [[nodiscard]] std::int64_t findLogonLine(const std::string& name, const std::string& wholeName) const {
     if (name == "anonymous") return findDashed(" anonymous logged in");
     if (name == "QUIT") return findDashed(" Closing connection");
-    if (name != "NO_USER_FOUND") return findDashed(" User " + name + " logged in");
+    if (name != "NO_USER_FOUND") return findDashed(" User " + wholeName + " logged in");
     return FindForwardLimited("- " + m_id + " Connected to ", m_position - 20, m_limit);
   }
 
@@ -165,7 +166,6 @@ class Scan {
   }
 
   const std::int64_t m_length;
-  const char m_nameEnd;
   const std::size_t m_longestName;
   std::string m_log;     ///< with a block of blanks on either side
   std::string m_folded;  ///< the same in lower case

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "tests/support/memory_log.h"
+#include "tests/support/opened_log.h"
 
 namespace quorvel::test {
 

@@ -5,7 +5,7 @@
 
 #include "classic/counter/counter_result.h"
 #include "classic/counter/transfer_counter.h"
-#include "tests/support/memory_log.h"
+#include "tests/support/opened_log.h"
 
 namespace quorvel::test {
 namespace {

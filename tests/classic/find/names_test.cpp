@@ -3,7 +3,7 @@
 
 #include "classic/find/record_format.h"
 #include "classic/find/servu_find_user_info.h"
-#include "tests/support/memory_log.h"
+#include "tests/support/opened_log.h"
 #include "tests/support/records.h"
 
 namespace quorvel::test {

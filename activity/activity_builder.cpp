@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <utility>
 
 #include "activity/file_rules.h"
 #include "activity/logon_rules.h"
@@ -33,8 +34,15 @@ void ActivityBuilder::beginLog(LogNumber log, const GrammarTraits& traits) {
     m_tables.sessions.letGo(m_tables.sessions.state(session));
   m_tables.log = log;
   m_traits = traits;
-  m_finder.emplace(traits.sessions, m_tables.sessions, m_tables.texts);
-  m_firstSinceStart = static_cast<RowNumber>(sessionCount());
+  m_servers.clear();
+}
+
+ActivityBuilder::Server& ActivityBuilder::serverOf(const Event& event) {
+  const std::size_t number = m_traits.isMixed ? event.server : 0;
+  if (number >= m_servers.size()) m_servers.resize(number + 1);
+  if (m_servers[number] == nullptr)
+    m_servers[number] = std::make_unique<Server>(m_traits.isMixed ? grammars()[number]->traits() : m_traits, m_tables);
+  return *m_servers[number];
 }
 
 bool ActivityBuilder::take(const Event& event) {
@@ -44,10 +52,10 @@ bool ActivityBuilder::take(const Event& event) {
   }
   const bool isKnown = event.kind != EventKind::Unknown;
   if (event.kind == EventKind::Foreign) return true;
-  if (m_traits.sessions != SessionRule::ByUserAndAddress && event.key.empty()) return isKnown;
-  if (m_traits.sessions == SessionRule::ByUserAndAddress && event.user.empty() && event.address.empty()) return isKnown;
+  SessionFinder& finder = serverOf(event).finder;
+  if (!finder.hasSession(event)) return isKnown;
 
-  const RowNumber session = m_finder->find(event);
+  const RowNumber session = finder.find(event);
   if (event.kind == EventKind::Connect) return takeConnect(event, session);
   if (session != kNoRow && isStateless(session, event)) {
     countLine(m_tables.sessions.editRow(session), event, m_tables.log);
@@ -65,27 +73,32 @@ void ActivityBuilder::addTo(Activity& activity) {
   activity.texts = m_tables.texts.snapshot();
 }
 
-/// Ends what is open. Each session is looked at once in all: those before the last start are over.
+/// Ends what is open. Each session is looked at once for each server: those before its last start are over.
 void ActivityBuilder::startServer(const Event& event) {
   OpenSessions& sessions = m_tables.sessions;
-  for (RowNumber session = m_firstSinceStart; session < sessions.size(); ++session) {
+  Server& server = serverOf(event);
+  for (RowNumber session = server.firstSinceStart; session < sessions.size(); ++session) {
+    if (m_traits.isMixed && sessions.row(session).server != event.server) continue;
     if (sessions.row(session).end == SessionEnd::Open) {
       if (sessions.hasState(session)) endTransfersOf(sessions.state(session), event, FailureCause::ServerStart);
       sessions.editRow(session).end = SessionEnd::ServerStart;
     }
     if (sessions.hasState(session)) sessions.letGo(sessions.state(session));
   }
-  m_firstSinceStart = static_cast<RowNumber>(sessions.size());
-  m_finder->forget();
+  server.firstSinceStart = static_cast<RowNumber>(sessions.size());
+  server.finder.forget();
 }
 
 /// On a number that is open, a connect line is what a client typed, but where the line itself proves that the server
-/// wrote it.
+/// wrote it: then it is one more line of the same greeting, or another session.
 bool ActivityBuilder::takeConnect(const Event& event, RowNumber session) {
   const bool isOpen = session != kNoRow && m_tables.sessions.row(session).end == SessionEnd::Open;
-  if (isOpen && event.speaker != Speaker::Server) {
-    countLine(m_tables.sessions.editRow(session), event, m_tables.log);
-    return false;
+  const bool isGreeting = isOpen && event.time != kNoTime && m_tables.sessions.row(session).connected == event.time;
+  if (isOpen && (event.speaker != Speaker::Server || isGreeting)) {
+    countLine(
+        m_tables.sessions.hasState(session) ? m_tables.sessions.state(session).row : m_tables.sessions.editRow(session),
+        event, m_tables.log);
+    return event.speaker == Speaker::Server;
   }
   SessionState& state = begin(event);
   state.row.connected = event.time;
@@ -106,11 +119,16 @@ bool ActivityBuilder::takeLine(SessionState& session, const Event& event) {
   if (session.row.isInferred && session.row.user == kNoText && !event.user.empty())
     session.row.user = m_tables.texts.add(event.user);
   bool fits = true;
+  const RowNumber change = std::exchange(session.toldChange, kNoRow);
+  if (session.isOpening && event.kind != EventKind::Answer) forgetOpening(session);
   switch (event.kind) {
     case EventKind::Unknown:
       return false;
     case EventKind::Command:
       takeCommand(m_tables, session, event);
+      if (event.reply == 0) break;
+      takeReply(m_tables, session, event);
+      if (event.verb == Verb::Quit) return close(session, event);
       break;
     case EventKind::Reply:
       // The server did not understand a command that was made to look like the session's end.
@@ -123,6 +141,7 @@ bool ActivityBuilder::takeLine(SessionState& session, const Event& event) {
       break;
     case EventKind::Answer:
       takeAnswer(m_tables, session, event);
+      if (change != kNoRow && event.request == kNextLine) m_tables.takeBack(session, change, event.reply);
       break;
     case EventKind::LoggedOn:
     case EventKind::Refused:
@@ -166,15 +185,16 @@ SessionState& ActivityBuilder::begin(const Event& event) {
   SessionRow row;
   row.position = event.position;
   row.first = event.time;
-  row.isInferred = m_traits.sessions != SessionRule::ByKey;
+  Server& server = serverOf(event);
+  row.isInferred = server.finder.isInferred(event);
   if (!row.isInferred) row.key = m_tables.texts.add(event.key);
   row.address = m_tables.texts.add(event.address);
   row.log = m_tables.log;
   row.server = event.server;
-  row.outcome = m_traits.tellsLogons ? LogonResult::NoLogon : LogonResult::Unknown;
+  row.outcome = server.traits.tellsLogons ? LogonResult::NoLogon : LogonResult::Unknown;
   if (row.isInferred) row.user = m_tables.texts.add(event.user);
   SessionState& state = m_tables.sessions.begin(row);
-  m_finder->belongs(event, state.number);
+  server.finder.belongs(event, state.number);
   return state;
 }
 

@@ -4,8 +4,7 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
+#include <vector>
 
 #include "activity/activity.h"
 #include "activity/session_finder.h"
@@ -38,6 +37,18 @@ class ActivityBuilder {
   void addTo(Activity& activity);
 
  private:
+  /// One of those whose lines a log holds.
+  struct Server {
+    Server(const GrammarTraits& itsTraits, const TablesInWork& tables)
+        : traits(itsTraits),
+          finder(itsTraits.sessions, tables.sessions, tables.texts),
+          firstSinceStart(static_cast<RowNumber>(tables.sessions.size())) {}
+    GrammarTraits traits;
+    SessionFinder finder;
+    RowNumber firstSinceStart;  ///< sessions before it are over
+  };
+
+  [[nodiscard]] Server& serverOf(const Event& event);
   void startServer(const Event& event);
   [[nodiscard]] bool takeConnect(const Event& event, RowNumber session);
   [[nodiscard]] bool takeLine(SessionState& session, const Event& event);
@@ -48,8 +59,7 @@ class ActivityBuilder {
 
   TablesInWork m_tables;
   GrammarTraits m_traits;
-  std::optional<SessionFinder> m_finder;
-  RowNumber m_firstSinceStart = 0;  ///< sessions before it are over
+  std::vector<std::unique_ptr<Server>> m_servers;  ///< by Event::server where the log is mixed, else one
 };
 
 }  // namespace quorvel

@@ -106,6 +106,8 @@ void replyToTransfer(TablesInWork& tables, SessionState& session, const Event& r
   told.outcome = isFinished ? Outcome::Ok : Outcome::Failed;
   if (!isFinished) told.cause = transfer.isAborting ? FailureCause::Aborted : FailureCause::Reply;
   told.reply = reply.reply;
+  told.bytes = reply.bytes;
+  told.path = reply.path;
   transfer.row = tellCommand(tables, session, transfer, reply, told);
 }
 
@@ -118,6 +120,7 @@ void replyToFileCommand(TablesInWork& tables, SessionState& session, const Event
     told.outcome = isDone(reply.reply) ? Outcome::Ok : Outcome::Failed;
     told.cause = isDone(reply.reply) ? FailureCause::None : FailureCause::Reply;
     told.reply = reply.reply;
+    (command.verb == Verb::RenameTo ? told.toPath : told.path) = reply.path;
     command.row = tellCommand(tables, session, command, reply, told);
   }
 }
@@ -228,7 +231,8 @@ bool tellFileSentence(TablesInWork& tables, SessionState& session, const Event& 
   } else if (command != nullptr) {
     command->row = tellCommand(tables, session, *command, sentence, told);
   } else {
-    (void)tables.tellAction(session, sentence, told);
+    const RowNumber row = tables.tellAction(session, sentence, told);
+    if (sentence.kind == EventKind::FileChange && sentence.outcome == Outcome::Ok) session.toldChange = row;
   }
   return true;
 }

@@ -52,6 +52,7 @@ void replyToLogon(TablesInWork& tables, SessionState& session, const Event& repl
     if (row.isOk() == isOk) row.reply = reply.reply;
     return;
   }
+  if (session.givenUser == kNoText) session.givenUser = tables.texts.add(reply.user);
   command.row = tables.tellLogon(session, reply, isOk ? LogonResult::LoggedOn : refusalIn(reply.text),
                                  session.givenUser, reply.reply);
 }
@@ -63,6 +64,11 @@ bool tellLogonSentence(TablesInWork& tables, SessionState& session, const Event&
     const bool isName = equalsFolded(tables.texts[session.givenUser], sentence.user);
     if (!isAttempt || !command.isWaiting || command.row != kNoRow || !isName) return false;
   }
+  // Another part of the server that goes on with who is logged on.
+  const TextId loggedOnAs = session.loggedOnAs;
+  if (!isAttempt && sentence.kind == EventKind::LoggedOn && loggedOnAs != kNoText &&
+      tables.texts[loggedOnAs] == sentence.user)
+    return true;
   const LogonResult result = sentence.kind == EventKind::LoggedOn ? LogonResult::LoggedOn : sentence.refusal;
   const bool isOk = result == LogonResult::LoggedOn;
   const bool isToldByReply = isAttempt && command.row != kNoRow && !command.hasSentence;

@@ -13,6 +13,8 @@ namespace {
 constexpr std::size_t kMostDigits = 6;
 /// As high as processes are numbered.
 constexpr std::uint32_t kMostProcess = 1u << 22;
+/// Between the processes of one session, which others may have begun among.
+constexpr std::int64_t kFarthestNeighbour = 8;
 /// Between the end of one transfer and the start of the next of one session.
 constexpr std::int64_t kLongestPause = 30 * 60;
 
@@ -21,6 +23,11 @@ std::optional<std::uint32_t> numberOf(std::string_view key) {
   const auto [end, error] = std::from_chars(key.data(), key.data() + key.size(), number);
   if (error != std::errc() || end != key.data() + key.size()) return std::nullopt;
   return number;
+}
+
+/// Whose session a line tells of; a name that was refused is nobody's.
+std::string_view nameIn(const Event& event) {
+  return event.kind == EventKind::Refused ? std::string_view{} : event.user;
 }
 
 /// The place for number in a table that grows to hold it.
@@ -38,8 +45,18 @@ SessionFinder::SessionFinder(SessionRule rule, const OpenSessions& sessions, con
       m_first(static_cast<RowNumber>(sessions.size())),
       m_seed(randomSeed()) {}
 
+bool SessionFinder::hasSession(const Event& event) const {
+  if (!event.key.empty()) return true;
+  return m_rule != SessionRule::ByProcessNeighbours && (!event.user.empty() || !event.address.empty());
+}
+
+SessionRule SessionFinder::ruleFor(const Event& event) const {
+  if (m_rule == SessionRule::ByProcessNeighbours) return m_rule;
+  return event.key.empty() ? SessionRule::ByUserAndAddress : SessionRule::ByKey;
+}
+
 RowNumber SessionFinder::find(const Event& event) {
-  switch (m_rule) {
+  switch (ruleFor(event)) {
     case SessionRule::ByKey:
       return findKey(event);
     case SessionRule::ByUserAndAddress:
@@ -53,18 +70,19 @@ RowNumber SessionFinder::find(const Event& event) {
 }
 
 void SessionFinder::belongs(const Event& event, RowNumber session) {
-  if (m_rule == SessionRule::ByProcessNeighbours) {
+  const SessionRule rule = ruleFor(event);
+  if (rule == SessionRule::ByProcessNeighbours) {
     const auto process = numberOf(event.key);
     if (process && *process <= kMostProcess) placeIn(m_numbers[0], *process, kMostProcess + 1) = session + 1;
     return;
   }
-  const bool isByKey = m_rule == SessionRule::ByKey;
+  const bool isByKey = rule == SessionRule::ByKey;
   if (RowNumber* const place = isByKey ? shortNumber(event.key) : nullptr) {
     *place = session + 1;
     return;
   }
   if ((m_used + 1) * 4 > m_slots.size() * 3) grow();
-  Slot& slot = isByKey ? slotOf(event.key, {}) : slotOf(event.user, event.address);
+  Slot& slot = slotOf(isByKey ? hashOf(event.key) : hashOf(nameIn(event), event.address));
   if (slot.session == kNoRow) ++m_used;
   slot.session = session;
 }
@@ -75,23 +93,26 @@ void SessionFinder::forget() {
 
 RowNumber SessionFinder::findKey(const Event& event) {
   if (const RowNumber* const place = shortNumber(event.key)) return *place == 0 ? kNoRow : current(*place - 1);
-  return m_slots.empty() ? kNoRow : current(slotOf(event.key, {}).session);
+  return m_slots.empty() ? kNoRow : current(slotOf(hashOf(event.key)).session);
+}
+
+bool SessionFinder::goesOn(RowNumber session, const Event& event) const {
+  if (session == kNoRow || current(session) == kNoRow) return false;
+  const SessionRow& row = m_sessions.row(session);
+  if (row.end != SessionEnd::Open) return false;
+  if (row.ended == kNoTime || event.time == kNoTime) return true;
+  return std::int64_t{event.time} - std::max<std::int64_t>(event.seconds, 0) <= row.ended + kLongestPause;
 }
 
 RowNumber SessionFinder::findUserAndAddress(const Event& event) {
   if (m_slots.empty()) return kNoRow;
-  const auto goesOn = [this, &event](RowNumber session) {
-    if (current(session) == kNoRow) return false;
-    const LogTime last = m_sessions.row(session).ended;
-    if (last == kNoTime || event.time == kNoTime) return true;
-    return std::int64_t{event.time} - std::max<std::int64_t>(event.seconds, 0) <= last + kLongestPause;
-  };
-  const RowNumber session = slotOf(event.user, event.address).session;
-  if (session != kNoRow && goesOn(session)) return session;
+  const std::string_view name = nameIn(event);
+  const RowNumber session = slotOf(hashOf(name, event.address)).session;
+  if (goesOn(session, event)) return session;
   // What happened before the log-on belongs to the first who logs on from there.
-  if (event.user.empty()) return kNoRow;
-  const RowNumber nameless = slotOf({}, event.address).session;
-  if (nameless == kNoRow || !goesOn(nameless)) return kNoRow;
+  if (name.empty()) return kNoRow;
+  const RowNumber nameless = slotOf(hashOf({}, event.address)).session;
+  if (!goesOn(nameless, event) || m_sessions.row(nameless).outcome == LogonResult::LoggedOn) return kNoRow;
   belongs(event, nameless);
   return nameless;
 }
@@ -108,21 +129,23 @@ RowNumber SessionFinder::findNeighbours(const Event& event) const {
   const auto fits = [this, &event](RowNumber session) {
     if (session == kNoRow) return false;
     const SessionRow& row = m_sessions.row(session);
-    return (event.address.empty() || m_texts[row.address] == event.address) &&
+    return (event.address.empty() || row.address == kNoText || m_texts[row.address] == event.address) &&
            (event.user.empty() || row.user == kNoText || m_texts[row.user] == event.user ||
             row.outcome != LogonResult::LoggedOn);
   };
   // The process that logs on stands in front of the one that told of the connection.
-  const bool isBeforeLogon =
-      event.user.empty() || event.kind == EventKind::LoggedOn || event.kind == EventKind::Refused;
+  const bool isLogon = event.kind == EventKind::LoggedOn || event.kind == EventKind::Refused;
   if (const RowNumber connected = sessionOf(1);
-      isBeforeLogon && fits(connected) && m_sessions.row(connected).lines == 1)
+      (event.user.empty() || isLogon) && fits(connected) && m_sessions.row(connected).lines == 1)
     return connected;
-  if (const RowNumber same = sessionOf(0); fits(same)) return same;
-  for (const std::int64_t before : {-1, -2})
-    if (const RowNumber session = sessionOf(before);
-        !event.user.empty() && fits(session) && m_texts[m_sessions.row(session).user] == event.user)
-      return session;
+  const auto isOver = [this](RowNumber session) { return m_sessions.row(session).end != SessionEnd::Open; };
+  if (const RowNumber same = sessionOf(0); fits(same) && !(isLogon && isOver(same))) return same;
+  if (event.user.empty()) return kNoRow;
+  for (std::int64_t before = 1; before <= kFarthestNeighbour; ++before) {
+    const RowNumber session = sessionOf(-before);
+    if (!fits(session) || m_texts[m_sessions.row(session).user] != event.user) continue;
+    if (event.kind == EventKind::Close || !isOver(session)) return session;
+  }
   return kNoRow;
 }
 
@@ -136,24 +159,22 @@ RowNumber* SessionFinder::shortNumber(std::string_view key) {
   return &placeIn(m_numbers[key.size()], number, 1000000);
 }
 
-SessionFinder::Slot& SessionFinder::slotOf(std::string_view key, std::string_view second) {
-  const std::uint64_t whole = textHash(key, m_seed ^ (second.empty() ? 0 : textHash(second, m_seed)));
-  const auto hash = static_cast<std::uint32_t>(whole >> 32);
+std::uint64_t SessionFinder::hashOf(std::string_view key) const {
+  return textHash(key, m_seed);
+}
+
+std::uint64_t SessionFinder::hashOf(std::string_view user, std::string_view address) const {
+  return textHash(user, ~m_seed ^ textHash(address, m_seed));
+}
+
+SessionFinder::Slot& SessionFinder::slotOf(std::uint64_t hash) {
   const std::size_t mask = m_slots.size() - 1;
   for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
     Slot& slot = m_slots[at];
-    if (slot.session == kNoRow) {
-      slot.hash = hash;
-      return slot;
-    }
-    if (slot.hash == hash && isKeyOf(slot.session, key, second)) return slot;
+    if (slot.session != kNoRow && slot.hash != hash) continue;
+    slot.hash = hash;
+    return slot;
   }
-}
-
-bool SessionFinder::isKeyOf(RowNumber session, std::string_view key, std::string_view second) const {
-  const SessionRow& row = m_sessions.row(session);
-  if (m_rule == SessionRule::ByKey) return m_texts[row.key] == key;
-  return m_texts[row.user] == key && m_texts[row.address] == second;
 }
 
 void SessionFinder::grow() {

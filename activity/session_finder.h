@@ -26,22 +26,30 @@ class SessionFinder {
   void belongs(const Event& event, RowNumber session);
   /// The sessions so far are over: the server started, or another log begins.
   void forget();
+  /// Whether a line belongs to any session, as far as it tells one.
+  [[nodiscard]] bool hasSession(const Event& event) const;
+  /// Whether the session of a line is put together by rule.
+  [[nodiscard]] bool isInferred(const Event& event) const { return ruleFor(event) != SessionRule::ByKey; }
 
  private:
   /// Open addressing with a seeded hash.
   struct Slot {
     RowNumber session = kNoRow;
-    std::uint32_t hash = 0;
+    std::uint64_t hash = 0;  ///< of all its bits: two texts with the same one are not to be found
   };
 
+  /// A format without session numbers may have them all the same, and the reverse: it depends on the server's settings.
+  [[nodiscard]] SessionRule ruleFor(const Event& event) const;
   [[nodiscard]] RowNumber findKey(const Event& event);
   [[nodiscard]] RowNumber findUserAndAddress(const Event& event);
+  [[nodiscard]] bool goesOn(RowNumber session, const Event& event) const;
   [[nodiscard]] RowNumber findNeighbours(const Event& event) const;
   [[nodiscard]] RowNumber current(RowNumber session) const { return session >= m_first ? session : kNoRow; }
 
   [[nodiscard]] RowNumber* shortNumber(std::string_view key);
-  [[nodiscard]] Slot& slotOf(std::string_view key, std::string_view second);
-  [[nodiscard]] bool isKeyOf(RowNumber session, std::string_view key, std::string_view second) const;
+  [[nodiscard]] std::uint64_t hashOf(std::string_view key) const;
+  [[nodiscard]] std::uint64_t hashOf(std::string_view user, std::string_view address) const;
+  [[nodiscard]] Slot& slotOf(std::uint64_t hash);
   void grow();
 
   const SessionRule m_rule;

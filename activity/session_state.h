@@ -42,7 +42,9 @@ struct SessionState {
   std::string renameFrom;   ///< empty: none
   std::string folder;       ///< empty: not known
   std::unique_ptr<SftpState> sftp;
-  std::size_t counted = 0;  ///< bytes of the texts above, as they were counted last
+  RowNumber toldChange = kNoRow;  ///< by the line before: an answer that follows at once takes it back
+  bool isOpening = false;         ///< the line before asked to open a file
+  std::size_t counted = 0;        ///< bytes of the texts above, as they were counted last
 
   [[nodiscard]] bool isEnded() const { return row.end != SessionEnd::Open; }
   [[nodiscard]] std::size_t textBytes() const {

@@ -79,6 +79,7 @@ void answerMove(TablesInWork& tables, SessionState& session, const Event& answer
 void takeRequest(SessionState& session, const Event& request) {
   if (request.verb == Verb::Other) return;
   if (!session.sftp) session.sftp = std::make_unique<SftpState>();
+  session.isOpening = request.request == kNextLine;
   const bool isMove = request.verb == Verb::SftpRead || request.verb == Verb::SftpWrite;
   if (SftpFile* const file = isMove ? session.sftp->file(request.text) : nullptr; file && !file->isMoved) {
     file->isMoved = true;
@@ -91,6 +92,11 @@ void takeRequest(SessionState& session, const Event& request) {
                             .path = kept(request.path),
                             .toPath = kept(request.toPath),
                             .handle = kept(request.text)});
+}
+
+void forgetOpening(SessionState& session) {
+  session.isOpening = false;
+  (void)session.sftp->takeRequest(kNextLine);
 }
 
 void takeAnswer(TablesInWork& tables, SessionState& session, const Event& answer) {

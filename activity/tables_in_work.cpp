@@ -53,8 +53,9 @@ RowNumber TablesInWork::tellAction(SessionState& session, const Event& line, con
   row.time = line.time;
   row.seconds = secondsOf(line, told.started);
   row.session = session.number;
-  const bool isSentence = line.kind == EventKind::Transfer || line.kind == EventKind::FileChange;
-  row.user = isSentence && !line.user.empty() ? texts.add(line.user) : session.loggedOnAs;
+  const bool tellsUser = line.kind == EventKind::Transfer || line.kind == EventKind::FileChange ||
+                         (line.kind == EventKind::Command && line.reply != 0);
+  row.user = tellsUser && !line.user.empty() ? texts.add(line.user) : session.loggedOnAs;
   row.address = session.row.address;
   row.path = texts.add(told.path);
   row.toPath = texts.add(told.toPath);
@@ -75,6 +76,15 @@ void TablesInWork::tellSize(SessionState& session, RowNumber action, std::int64_
   row.bytes = bytes;
   if (row.outcome != Outcome::Ok) return;
   addBytes(row.action == FileAction::Download ? session.row.downloadBytes : session.row.uploadBytes, false, bytes);
+}
+
+void TablesInWork::takeBack(SessionState& session, RowNumber action, ReplyCode reply) {
+  ActionRow& row = actions.edit(action);
+  if (row.action == FileAction::Delete) --session.row.deletes;
+  if (row.action == FileAction::Rename) --session.row.renames;
+  row.outcome = Outcome::Failed;
+  row.cause = FailureCause::Reply;
+  row.reply = reply;
 }
 
 RowNumber TablesInWork::tellLogon(SessionState& session, const Event& line, LogonResult result, TextId user,

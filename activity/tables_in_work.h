@@ -34,6 +34,9 @@ struct TablesInWork {
   /// The size of a file that was told without one before.
   void tellSize(SessionState& session, RowNumber action, std::int64_t bytes);
 
+  /// A change that was told as done, and was not.
+  void takeBack(SessionState& session, RowNumber action, ReplyCode reply);
+
   /// Adds the row; who is logged on, and the session's outcome, follow from it.
   RowNumber tellLogon(SessionState& session, const Event& line, LogonResult result, TextId user, ReplyCode reply);
 };

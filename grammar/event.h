@@ -19,7 +19,7 @@ enum class EventKind : std::uint8_t {
   Foreign,      ///< a line of another program in a shared log
   ServerStart,  ///< all sessions still open end here
   Connect,      ///< address
-  Command,      ///< verb, text: its argument
+  Command,      ///< verb, text: its argument; where the line holds its reply too: reply, path, bytes, seconds
   Reply,        ///< reply, text: what stands after the digits
   Request,      ///< SFTP: verb, request, path, toPath, text: the handle
   Answer,       ///< SFTP: request, reply, text: the handle that was given
@@ -98,6 +98,10 @@ enum class Speaker : std::uint8_t {
   Server,  ///< the server's own words
   Client,  ///< what a client sent; never a sentence of the server
 };
+
+/// Event::request where a log does not number requests: an answer is written only for one that failed, in the next
+/// line.
+inline constexpr std::uint32_t kNextLine = 0xFFFFFFFF;
 
 /// One line. Texts are views into the line and hold only while it is handed over; bytes as they stand in the log.
 struct Event {

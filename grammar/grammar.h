@@ -49,6 +49,7 @@ struct GrammarTraits {
   bool tellsSizes = true;
   bool tellsDeletes = true;
   bool isUtc = false;
+  bool isMixed = false;      ///< lines of several servers: Event::server tells whose traits count for a line
   std::string_view missing;  ///< one sentence on what this log cannot tell; empty: it tells all
 };
 

@@ -167,6 +167,7 @@ EventKind readOpen(std::string_view text, Event& event) {
   if (!flags || path.size() < 2 || !path.starts_with('"') || !path.ends_with('"')) return EventKind::Unknown;
   event.path = path.substr(1, path.size() - 2);
   event.verb = Verb::SftpOpen;
+  event.request = kNextLine;
   event.action = flags->find("WRITE") == std::string_view::npos ? FileAction::Download : FileAction::Upload;
   return EventKind::Request;
 }
@@ -198,6 +199,7 @@ EventKind readStatus(std::string_view text, Event& event) {
   for (std::size_t i = 0; i < kStatusTexts.size(); ++i) {
     if (text != kStatusTexts[i]) continue;
     event.reply = static_cast<ReplyCode>(kSftpStatus + i);
+    event.request = kNextLine;
     return EventKind::Answer;
   }
   return EventKind::Known;

@@ -83,7 +83,8 @@ class Syslog final : public Grammar {
   std::string_view name() const override { return "syslog"; }
   std::string_view title() const override { return "syslog"; }
   GrammarTraits traits() const override {
-    return {.missing =
+    return {.isMixed = true,
+            .missing =
                 "A syslog holds what each server sends to it, and its stamps often have no year, which is taken "
                 "from the file's date."};
   }

@@ -64,7 +64,7 @@ class HtmlWriter {
       return m_output.endRecord();
     }
     if (part.form == PartForm::Record) return writeRecord(*part.table);
-    if (part.form == PartForm::WeekByHour) return writeWeek(*part.table);
+    if (part.form == PartForm::WeekGrid) return writeWeek(*part.table);
     if (part.form == PartForm::Bars) writeBars(*part.table, part.title);
     return writeRows(*part.table);
   }

@@ -12,9 +12,9 @@ namespace quorvel {
 /// How a table is best shown. Every form can be shown as a plain table too.
 enum class PartForm {
   Rows,
-  Record,      ///< one row, its values below each other
-  Bars,        ///< the first column names a bar, download_bytes and upload_bytes are its parts
-  WeekByHour,  ///< seven rows, Monday first; the columns behind the first are the hours
+  Record,    ///< one row, its values below each other
+  Bars,      ///< the first column names a bar, download_bytes and upload_bytes are its parts
+  WeekGrid,  ///< seven rows, Monday first; the columns behind the first are the hours
 };
 
 struct ReportPart {

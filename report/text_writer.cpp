@@ -73,7 +73,7 @@ class TextWriter {
         return writeRecord(*part.table);
       case PartForm::Bars:
         return writeBars(*part.table);
-      case PartForm::WeekByHour:
+      case PartForm::WeekGrid:
         return writeWeek(*part.table);
       case PartForm::Rows:
         return writeRows(*part.table);

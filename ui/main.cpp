@@ -1,8 +1,11 @@
 // The program: wires the settings, a view and the commands together and picks how to run.
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <new>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "app/pacer.h"
 #include "app/program.h"
@@ -10,6 +13,7 @@
 #include "app/working_folder.h"
 #include "classic/tools/command_line_reference.h"
 #include "cli/batch_run.h"
+#include "cli/named_commands.h"
 #include "log/interrupt.h"
 #include "log/text.h"
 #include "ui/console/console_view.h"
@@ -84,7 +88,16 @@ int runWithWindow(const Start& start) {
 }
 #endif
 
+std::optional<int> runCommand(int argc, char** argv) {
+  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (arguments.empty() || !isNamedCommand(arguments.front())) return std::nullopt;
+  catchInterrupts();
+  return runNamedCommand(arguments,
+                         {systemFiles(), std::cerr, outputWidth(), std::getenv("NO_COLOR") == nullptr, isInterrupted});
+}
+
 int run(int argc, char** argv) {
+  if (const auto status = runCommand(argc, argv)) return *status;
   const std::string commandLine = joinedArguments(argc, argv);
   if (commandLine == "--help" || commandLine == "--version") {
     std::cout << (commandLine == "--help" ? commandLineReference() : "quorvel " + std::string(kVersion) + "\n");

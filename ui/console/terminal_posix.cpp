@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -16,6 +17,13 @@ void endOutOfMemory() {
   constexpr std::string_view kMessage = "quorvel: Out of memory.\n";
   (void)!::write(STDERR_FILENO, kMessage.data(), kMessage.size());
   ::_exit(1);
+}
+
+std::size_t outputWidth() {
+  constexpr std::size_t kUsual = 80;
+  if (::isatty(STDOUT_FILENO) != 1) return 0;
+  winsize size{};
+  return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
 }
 
 void prepareStandardStreams() {

@@ -84,7 +84,7 @@ class RequestParser {
     try {
       m_app.parse(reversed);
     } catch (const CLI::CallForHelp&) {
-      return HelpText{m_app.get_subcommands().front()->help()};
+      return HelpText{m_app.get_subcommands().front()->help("quorvel") + "\n"};
     } catch (const CLI::ParseError& error) {
       return WrongArguments{sentence(error.what())};
     }

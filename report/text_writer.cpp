@@ -46,7 +46,7 @@ class TextWriter {
   TextWriter(const TextOptions& options, Output& output) : m_options(options), m_output(output) {}
 
   Status write(const Report& report) {
-    heading(report.title);
+    if (report.parts.size() > 1) heading(report.title);
     for (const ReportPart& part : report.parts) {
       if (Status written = write(part); !written.isOk()) return written;
     }

@@ -11,6 +11,7 @@ struct TextOptions {
   bool isColoured = false;
 };
 
+/// The title stands above several parts only: a table alone is easily cut and sorted by other programs.
 Status writeText(const Report& report, const TextOptions& options, Output& output);
 
 /// How many columns of a terminal a text takes that has no control characters.

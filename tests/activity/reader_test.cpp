@@ -99,7 +99,7 @@ TEST(Reader, KeepsAThousandShapesAndOneForAllOthers) {
 
 TEST(Reader, ReadsOnWhereAGrowingLogEnded) {
   const std::string log = sampleSession(1) + sampleSession(2);
-  MemoryLog source("");
+  MemorySource source("");
   ActivityReader reader;
   std::size_t sessions = 0;
   for (std::size_t at = 0; at < log.size(); at += 7) {
@@ -152,8 +152,8 @@ TEST(Reader, StopsWhenItIsToldTo) {
 
 TEST(Reader, KeepsLogsApart) {
   ActivityReader reader;
-  MemoryLog first(logOf("2 1 Connected to 10.0.0.1 (Local address 10.0.0.1)\n", LogShape::Classic), "a.log");
-  MemoryLog second(logOf("2 1 USER alice\n", LogShape::Classic), "b.log");
+  MemorySource first(logOf("2 1 Connected to 10.0.0.1 (Local address 10.0.0.1)\n", LogShape::Classic), "a.log");
+  MemorySource second(logOf("2 1 USER alice\n", LogShape::Classic), "b.log");
   ASSERT_TRUE(reader.read(first, {}).isOk());
   ASSERT_TRUE(reader.read(second, {}).isOk());
   const Activity activity = reader.snapshot();

@@ -14,7 +14,7 @@
 
 #include "activity/read_activity.h"
 #include "grammar/civil_time.h"
-#include "tests/support/memory_log.h"
+#include "tests/support/memory_source.h"
 
 namespace quorvel::test {
 
@@ -167,7 +167,7 @@ class ActivityText {
 
 /// Reads a log to its end; a log that cannot be read makes empty tables and its sentence the only log's name.
 inline Activity readActivity(const std::string& log, const ReadOptions& options = {}) {
-  MemoryLog source(log);
+  MemorySource source(log);
   ActivityReader reader;
   const Status status = reader.read(source, options);
   Activity activity = reader.snapshot();

@@ -22,26 +22,55 @@ constexpr std::string_view kUsage =
     "\n"
     "Writes a log of SIZE bytes (K, M and G stand for powers of 1024), the last line left whole.\n"
     "The same size, seed (0) and shape make the same log. Shapes:\n"
-    "  usual         overlapping sessions of 13 users, 14 lines each, numbers counting up\n"
-    "  never-close   the same, but no session ever ends\n"
-    "  long-lived    a thousand sessions at any time, most of which last for half the log\n"
-    "  one-number    the same as usual, but all sessions have the same number\n"
-    "  connect-only  connect lines and nothing else\n"
-    "  one-line      the same as usual without any line end\n"
-    "  current       the same as usual in the shape of the server's current versions\n";
+    "  usual            overlapping sessions of 13 users, 14 lines each, numbers counting up\n"
+    "  never-close      the same, but no session ever ends\n"
+    "  long-lived       a thousand sessions at any time, most of which last for half the log\n"
+    "  one-number       the same as usual, but all sessions have the same number\n"
+    "  one-number-open  the same, and no session ever ends\n"
+    "  connect-only     connect lines and nothing else\n"
+    "  one-line         the same as usual without any line end\n"
+    "  cr-only          the same as usual with line ends of CR only\n"
+    "  current          the same as usual in the shape of the server's current versions\n"
+    "  daily-restarts   the same as usual, the server starting anew with number 1 every 500 lines\n"
+    "  open-restarts    the same as never-close, every tenth line a server start\n"
+    "  wide-connects    the same as usual, connect lines with one blank too many, so that no stamp stands where it "
+    "should\n"
+    "  long-names       the same as usual, every user with a name of his own of 300 bytes\n"
+    "  own-names        short sessions of one number that never end, each of which logs a name of its own on\n"
+    "  forged-connects  what one client writes by USER x- (000007) Connected to 6.6.6.6\n"
+    "  forged-logons    the same without log-on lines, each name holding \" logged in\" 20 times\n"
+    "  forged-nests     the same, each line many log-on lines in one\n"
+    "  logons           one session, and log-on lines of its number to the log's end\n"
+    "  sent-tokens      \" Sent file\" over and over in one line\n";
 
 enum class Shape {
   Usual,
   NeverClose,
   LongLived,
   OneNumber,
+  OneNumberOpen,
   ConnectOnly,
   OneLine,
-  Current
+  CrOnly,
+  Current,
+  DailyRestarts,
+  OpenRestarts,
+  WideConnects,
+  LongNames,
+  OwnNames,
+  ForgedConnects,
+  ForgedLogons,
+  ForgedNests,
+  Logons,
+  SentTokens
 };
 
-constexpr std::array kShapeNames = {"usual"sv,        "never-close"sv, "long-lived"sv, "one-number"sv,
-                                    "connect-only"sv, "one-line"sv,    "current"sv};
+/// In the order of Shape.
+constexpr std::array kShapeNames = {"usual"sv,           "never-close"sv,    "long-lived"sv,      "one-number"sv,
+                                    "one-number-open"sv, "connect-only"sv,   "one-line"sv,        "cr-only"sv,
+                                    "current"sv,         "daily-restarts"sv, "open-restarts"sv,   "wide-connects"sv,
+                                    "long-names"sv,      "own-names"sv,      "forged-connects"sv, "forged-logons"sv,
+                                    "forged-nests"sv,    "logons"sv,         "sent-tokens"sv};
 
 struct Options {
   std::uint64_t size = 0;
@@ -61,7 +90,7 @@ constexpr std::array kSuffixes = {".zip"sv, ".tif"sv, ".doc"sv, ".tar.gz"sv};
 /// One session in the middle of its fourteen lines.
 struct Session {
   std::array<char, 8> number{};
-  std::string_view user;
+  std::string user;
   std::string address;
   std::string path;
   std::uint32_t bytes = 0;
@@ -78,14 +107,17 @@ class LogMaker {
     m_stamp = "Sat 01Jan05 00:00:00";
   }
 
-  /// Appends one line to text.
+  /// Appends one line to text, or a few that belong together.
   void addLine(std::string& text) {
     passTime();
+    ++m_lines;
+    if (m_options.shape >= Shape::OwnNames) return addOddLines(text);
+    if (isServerStart()) return addServerStart(text);
     Session& session = m_sessions[below(m_sessions.size())];
     if (session.step == 0) begin(session);
     head(text, session);
     if (!isCurrent() || !currentEvent(text, session)) event(text, session);
-    text += m_options.shape == Shape::OneLine ? "  "sv : "\r\n"sv;
+    text += m_options.shape == Shape::OneLine ? "  "sv : m_options.shape == Shape::CrOnly ? "\r"sv : "\r\n"sv;
     advance(session);
   }
 
@@ -100,13 +132,74 @@ class LogMaker {
   }
   std::size_t below(std::size_t count) { return ((random() >> 32) * count) >> 32; }
 
+  [[nodiscard]] bool isServerStart() const {
+    return (m_options.shape == Shape::DailyRestarts && m_lines % 500 == 0) ||
+           (m_options.shape == Shape::OpenRestarts && m_lines % 10 == 0);
+  }
+
+  void addServerStart(std::string& text) {
+    text.append("[6] ").append(m_stamp).append(" - Starting FTP Server...\r\n");
+    if (m_options.shape == Shape::OpenRestarts) return;
+    m_lastNumber = 0;
+    for (Session& session : m_sessions)
+      session.step = 0;
+  }
+
+  /// Lines of the number 000007, as far as they have any.
+  void addOddLines(std::string& text) {
+    const std::string name = "n" + std::to_string(m_lines);
+    switch (m_options.shape) {
+      case Shape::OwnNames:
+        return addOwnLogon(text, name);
+      case Shape::ForgedConnects:
+        if (m_lines == 1) oddLine(text, "Connected to 198.51.100.9 (Local address 192.0.2.1)");
+        return oddLine(text, "USER x- (000007) Connected to 6.6.6.6");
+      case Shape::ForgedLogons:
+        oddLine(text, "Connected to 198.51.100.9 (Local address 192.0.2.1)");
+        return oddLine(text, "USER " + name + repeated(" logged in", 20));
+      case Shape::ForgedNests:
+        oddLine(text, "Connected to 198.51.100.9 (Local address 192.0.2.1)");
+        return oddLine(text, "USER " + repeated("- (000007) User ", 100) + name + repeated(" logged in", 200));
+      case Shape::Logons:
+        return m_lines == 1 ? addOwnLogon(text, "alice") : oddLine(text, "User alice logged in");
+      default:
+        text.append(" Sent file");
+    }
+  }
+
+  void addOwnLogon(std::string& text, const std::string& name) const {
+    oddLine(text, "Connected to 198.51.100.9 (Local address 192.0.2.1)");
+    oddLine(text, "USER " + name);
+    oddLine(text, "User " + name + " logged in");
+  }
+
+  void oddLine(std::string& text, std::string_view event) const {
+    text.append("[6] ").append(m_stamp).append(" - (000007) ").append(event).append("\r\n");
+  }
+
+  static std::string repeated(std::string_view part, int count) {
+    std::string text;
+    for (; count > 0; --count)
+      text.append(part);
+    return text;
+  }
+
+  [[nodiscard]] bool hasOneNumber() const {
+    return m_options.shape == Shape::OneNumber || m_options.shape == Shape::OneNumberOpen;
+  }
+  [[nodiscard]] bool neverCloses() const {
+    return m_options.shape == Shape::NeverClose || m_options.shape == Shape::OneNumberOpen ||
+           m_options.shape == Shape::OpenRestarts;
+  }
+
   void begin(Session& session) {
-    if (m_options.shape != Shape::OneNumber || m_lastNumber == 0) m_lastNumber = m_lastNumber % 999999 + 1;
+    if (!hasOneNumber() || m_lastNumber == 0) m_lastNumber = m_lastNumber % 999999 + 1;
     session.number = {'(', '0', '0', '0', '0', '0', '0', ')'};
     std::uint32_t rest = m_lastNumber;
     for (std::size_t at = 6; rest > 0; --at, rest /= 10)
       session.number[at] = static_cast<char>('0' + rest % 10);
     session.user = kUsers[below(kUsers.size())];
+    if (m_options.shape == Shape::LongNames) session.user = std::to_string(m_lines).append(300, 'n');
     session.address.assign("198.51.100.").append(std::to_string(1 + below(254)));
     session.path.assign(kFolders[below(kFolders.size())]).append("/file-").append(std::to_string(below(1000000)));
     session.path.append(kSuffixes[below(kSuffixes.size())]);
@@ -117,10 +210,9 @@ class LogMaker {
   }
 
   void advance(Session& session) {
-    const bool neverCloses = m_options.shape == Shape::NeverClose;
-    const int last = m_options.shape == Shape::ConnectOnly ? 1 : kLinesPerSession - (neverCloses ? 2 : 0);
+    const int last = m_options.shape == Shape::ConnectOnly ? 1 : kLinesPerSession - (neverCloses() ? 2 : 0);
     ++session.step;
-    if (session.isRefused && session.step == 6) session.step = neverCloses ? last : 12;
+    if (session.isRefused && session.step == 6) session.step = neverCloses() ? last : 12;
     if (session.step >= last) session.step = 0;
     if (m_options.shape == Shape::LongLived && session.step == 12 && below(1000) != 0) session.step = 7;
   }
@@ -136,6 +228,7 @@ class LogMaker {
 
   void head(std::string& text, const Session& session) const {
     text.append("[").append(levelOf(session.step)).append("] ").append(m_stamp).append(" - ");
+    if (m_options.shape == Shape::WideConnects && session.step == 0) text.append(" ");
     text.append(session.number.data(), session.number.size()).append(" ");
   }
 
@@ -274,6 +367,7 @@ class LogMaker {
   const Options m_options;
   std::uint64_t m_random;
   std::vector<Session> m_sessions;
+  std::uint64_t m_lines = 0;
   std::uint32_t m_lastNumber = 0;
   std::uint64_t m_second = 0;
   std::uint32_t m_day = 1;

@@ -1,6 +1,6 @@
 -- The tables of quorvel for many servers and years, on one ClickHouse server or on each shard of a cluster.
 --
--- Rows go into the tables ending in _rows, and are asked for from the views without it: a log that was loaded twice, or
+-- Rows go into the tables ending in _rows, and are read from the views ending in _here: a log that was loaded twice, or
 -- again after it had grown, stands there once. A row is known by the host its log comes from, the log's first bytes
 -- (head, a hash of them), the log's name and the row's place in it. Times are the log's own clock.
 
@@ -39,6 +39,6 @@ CREATE TABLE IF NOT EXISTS actions_rows (
 ) ENGINE = ReplacingMergeTree
 PARTITION BY toYYYYMM(at) ORDER BY (at, client, host, head, log, position, session, action);
 
-CREATE VIEW IF NOT EXISTS sessions AS SELECT * FROM sessions_rows FINAL;
-CREATE VIEW IF NOT EXISTS logons AS SELECT * FROM logons_rows FINAL;
-CREATE VIEW IF NOT EXISTS actions AS SELECT * FROM actions_rows FINAL;
+CREATE VIEW IF NOT EXISTS sessions_here AS SELECT * FROM sessions_rows FINAL;
+CREATE VIEW IF NOT EXISTS logons_here AS SELECT * FROM logons_rows FINAL;
+CREATE VIEW IF NOT EXISTS actions_here AS SELECT * FROM actions_rows FINAL;

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "app/command_report.h"
 #include "app/needed_files.h"
@@ -24,10 +25,11 @@ class CountProgress final : public CountObserver {
   explicit CountProgress(CommandContext& context)
       : m_context(context), m_badTransfers(context.files, context.state.badTransfersPath()) {}
 
-  void onFailedTransfer(std::string_view line, const TransferCount& totals) override {
-    if (m_keepsBadTransfers) m_badTransfers.LogBadTransfer(line, totals);
-  }
+  [[nodiscard]] LogPosition reached() const { return m_reached; }
+
+  void onFailedTransfer(std::string_view line, bool isFirst) override { m_badTransfers.LogBadTransfer(line, isFirst); }
   bool keepGoing(LogPosition position) override {
+    m_reached = position;
     if (m_context.pacer.isDueAmongMany()) {
       m_badTransfers.flush();
       m_context.view.setProgress(position);
@@ -40,14 +42,14 @@ class CountProgress final : public CountObserver {
  private:
   CommandContext& m_context;
   BadTransferLog m_badTransfers;
-  const bool m_keepsBadTransfers = m_context.settings.readFlag(kSection, "GetFilenameOnTransferError");
+  LogPosition m_reached = 0;
 };
 
 /// What one of the commands counts and how the result is called.
 struct CountCommand {
-  std::string caption;                                ///< of the result window
-  std::string description;                            ///< in the batch output file
-  std::function<SessionSource(UsersFile&)> sessions;  ///< empty: the whole log is counted
+  std::string caption;      ///< of the result window
+  std::string description;  ///< in the batch output file
+  SessionChoice sessions;   ///< empty: the whole log is counted
 };
 
 void showCounting(CommandContext& context, bool isCounting) {
@@ -62,18 +64,34 @@ void showCounting(CommandContext& context, bool isCounting) {
   }
 }
 
-/// Adds to the totals; returns what kept the log, or the users file, from being read to the end.
-Status countTransfers(CommandContext& context, const LogFile& log, UsersFile* users, const CountCommand& command,
-                      TransferCount& totals) {
+/// What a count did beside the totals.
+struct CountOutcome {
+  Status read;              ///< what kept the log, or the users file, from being read to the end
+  bool wasStopped = false;  ///< before the log's end
+  int percent = 100;        ///< of the log that was read then
+};
+
+/// Adds to the totals; users is null where the whole log is counted.
+CountOutcome countTransfers(CommandContext& context, const LogFile& log, UsersFile* users, const CountCommand& command,
+                            TransferCount& totals) {
   context.view.setProgressRange(0, log.length());
   CountProgress progress(context);
-  const CountOptions options{.countBytes = context.settings.readFlag(kSection, "CountBytes")};
+  const CountOptions options{.countBytes = context.settings.readFlag(kSection, "CountBytes"),
+                             .showsFailures = context.settings.readFlag(kSection, "GetFilenameOnTransferError")};
   context.state.stopFlag = false;
-  const Status counted = users == nullptr
-                             ? CountAllTransfers(log, options, totals, progress)
-                             : CountSessionTransfers(log, command.sessions(*users), options, totals, progress);
-  context.state.stopFlag = false;
-  return counted.isOk() && users != nullptr ? users->status() : counted;
+  CountOutcome outcome;
+  if (users == nullptr) {
+    outcome.read = CountAllTransfers(log, options, totals, progress);
+  } else {
+    outcome.read = CountSessionTransfers(log, *command.sessions(*users), options, totals, progress,
+                                         {context.files, context.state.workingFolder});
+    if (outcome.read.isOk()) outcome.read = users->status();
+  }
+  outcome.wasStopped = std::exchange(context.state.stopFlag, false) && progress.reached() < log.length();
+  if (outcome.wasStopped)
+    outcome.percent =
+        static_cast<int>(100.0 * static_cast<double>(progress.reached()) / static_cast<double>(log.length()));
+  return outcome;
 }
 
 CounterResultOptions resultOptions(const CommandContext& context) {
@@ -107,19 +125,20 @@ void run(CommandContext& context, const CountCommand& command) {
   if (command.sessions && !(users = openNeededUsersFile(context))) return;
   TransferCount totals;
   showCounting(context, true);
-  const Status counted = countTransfers(context, *log, users ? &*users : nullptr, command, totals);
+  const CountOutcome outcome = countTransfers(context, *log, users ? &*users : nullptr, command, totals);
   showCounting(context, false);
-  if (!counted.isOk()) {
-    reportFailure(context, counted.error().sentence());
-  } else if (isBatch) {
+  if (!outcome.read.isOk()) {
+    reportFailure(context, outcome.read.error().sentence());
+  } else if (!isBatch) {
+    const std::string incomplete = " - incomplete, " + std::to_string(outcome.percent) + " %";
+    ShowCounterResult(context, command.caption + (outcome.wasStopped ? incomplete : ""), totals);
+  } else if (!outcome.wasStopped) {
     appendResult(context, command, totals);
-  } else {
-    ShowCounterResult(context, command.caption, totals);
   }
   showUsing(context);
 }
 
-std::function<SessionSource(UsersFile&)> allFor(std::function<bool(const UserAct&)> isChosen) {
+SessionChoice allFor(std::function<bool(const UserAct&)> isChosen) {
   return [isChosen = std::move(isChosen)](UsersFile& users) { return chosenSessions(users, isChosen); };
 }
 
@@ -179,7 +198,7 @@ void countSessionsTransfers(CommandContext& context) {
   const CommandGuard guard(context);
   if (!guard || !context.state.hasLog()) return;
   readCurrentSession(context);
-  const auto current = [&context](UsersFile&) { return oneSession(context.state.currentSession); };
+  const auto current = [&context](UsersFile&) { return std::make_unique<OneSession>(context.state.currentSession); };
   run(context, {"Counter result - this session", context.state.batchDescription, current});
 }
 

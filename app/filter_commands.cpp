@@ -8,6 +8,7 @@
 #include "app/filter_run.h"
 #include "app/needed_files.h"
 #include "app/session_sources.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {
@@ -16,7 +17,7 @@ namespace {
 struct FileFilter {
   std::string_view dialogFilter;
   std::string_view dialogTitle;
-  std::function<SessionSource(UsersFile&)> sessions;
+  SessionChoice sessions;
   bool hasChoice = true;       ///< something was clicked or ticked
   std::string_view what = {};  ///< to be clicked or ticked, as the message calls it
 };
@@ -44,16 +45,26 @@ std::filesystem::path chooseResultsFile(CommandContext& context, const FileFilte
   return chooseSavePath(context, request).value_or(std::filesystem::path());
 }
 
-/// Runs the filter and reports what went wrong with the results or the log.
-void writeBlocks(CommandContext& context, const LogFile& log, const SessionSource& sessions) {
+/// What a filter wrote, in one line.
+std::string resultText(const FilterOutcome& outcome, const std::filesystem::path& path) {
+  const auto counted = [](std::uint64_t count, std::string_view what) {
+    return std::to_string(count).append(" ").append(what).append(count == 1 ? "" : "s");
+  };
+  const std::string written =
+      counted(outcome.sessions, "session") + ", " + counted(outcome.lines, "line") + " written to " + pathText(path);
+  return outcome.wasStopped ? "Stopped: " + written : written;
+}
+
+/// Runs the filter and reports what it wrote, and what went wrong with the results or the log.
+void writeBlocks(CommandContext& context, const LogFile& log, SessionList& sessions) {
   ResultsFile results(context.files, context.state.resultsFile);
   context.view.setProgressRange(0, log.length());
   context.view.showProgress(true);
-  const Status read = filterIntoFile(context, log, sessions, results);
-  if (results.hasBlock()) (void)results.copyLastLines(context.state.filterFilePath());
+  const FilterOutcome outcome = filterIntoFile(context, log, sessions, results);
   context.view.showProgress(false);
+  if (results.isOk()) context.view.showResult(resultText(outcome, context.state.resultsFile));
   if (!results.isOk()) reportLostResults(context, results.status().error());
-  if (!read.isOk()) reportFailure(context, read.error().sentence());
+  if (!outcome.read.isOk()) reportFailure(context, outcome.read.error().sentence());
 }
 
 /// Everything after the choice of the results file.
@@ -70,7 +81,7 @@ void filterIntoResultsFile(CommandContext& context, const FileFilter& command) {
   if (context.settings.readNumber("OPTION-SAVE", "AppendWhenFilter") == 0 && context.files.Exist(results)) {
     (void)context.files.remove(results);
   }
-  writeBlocks(context, *log, command.sessions(*users));
+  writeBlocks(context, *log, *command.sessions(*users));
   if (!users->status().isOk()) reportFailure(context, users->status().error().sentence());
 }
 
@@ -89,14 +100,12 @@ bool hasTick(const SessionTree& tree) {
   return false;
 }
 
-/// Every record read becomes the current session, chosen or not.
-std::function<SessionSource(UsersFile&)> readingAll(CommandContext& context,
-                                                    std::function<bool(const UserAct&)> isChosen) {
+/// The last record read becomes the current session, chosen or not.
+SessionChoice readingAll(CommandContext& context, std::function<bool(const UserAct&)> isChosen) {
   return [&context, isChosen = std::move(isChosen)](UsersFile& users) {
-    return chosenSessions(users, [&context, isChosen](const UserAct& record) {
-      context.state.currentSession = record;
-      return isChosen(record);
-    });
+    auto sessions = chosenSessions(users, isChosen);
+    if (const UserAct* const last = users.read(users.recordCount())) context.state.currentSession = *last;
+    return sessions;
   };
 }
 
@@ -124,8 +133,8 @@ void filterCurrentSession(CommandContext& context) {
   context.view.showBusyPointer(true);
   showFiltering(context);
   if (const auto log = openNeededLog(context)) {
-    const Status read = filterIntoWindow(context, *log, context.state.currentSession);
-    if (!read.isOk()) reportFailure(context, read.error().sentence());
+    const FilterOutcome outcome = filterIntoWindow(context, *log, context.state.currentSession);
+    if (!outcome.read.isOk()) reportFailure(context, outcome.read.error().sentence());
   } else {
     context.view.setFilterText({});
   }
@@ -175,12 +184,10 @@ void filterSelected(CommandContext& context) {
          {}});
     return;
   }
-  const auto sessions = [&context](UsersFile& users) -> SessionSource {
-    return [&context, next = checkedSessions(users, context.state.tree)] {
-      auto session = next();
-      if (session) context.state.currentSession = *session;
-      return session;
-    };
+  const auto sessions = [&context](UsersFile& users) {
+    auto chosen = checkedSessions(users, context.state.tree);
+    if (chosen->size() > 0) context.state.currentSession = chosen->session(chosen->size() - 1);
+    return chosen;
   };
   const bool hasClicked = !context.state.currentSession.Name.empty();
   filterToFile(context,

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "app/session_sources.h"
+#include "classic/filter/session_filter.h"
 #include "log/text.h"
 
 namespace quorvel {
@@ -21,13 +22,14 @@ constexpr std::array<std::string_view, 4> kCommandFilterKeys = {"FilterTransfers
                                                                 "filterMDTM"};
 
 /// The command filter when one of its options is 1, else null.
-std::unique_ptr<SessionFilter> makeCommandFilter(const Settings& settings) {
+std::unique_ptr<LineRule> makeCommandFilter(const Settings& settings, FilterHeader header) {
   std::array<std::int32_t, kCommandFilterKeys.size()> values{};
   std::transform(kCommandFilterKeys.begin(), kCommandFilterKeys.end(), values.begin(),
                  [&settings](std::string_view key) { return settings.readNumber("OPTION-FILTER", key); });
   if (std::find(values.begin(), values.end(), 1) == values.end()) return nullptr;
   const auto& [transfers, deletes, site, mdtm] = values;
-  return std::make_unique<CommandFilter>(CommandFilterOptions{transfers != 0, deletes != 0, site != 0, mdtm != 0});
+  return std::make_unique<CommandFilter>(CommandFilterOptions{transfers != 0, deletes != 0, site != 0, mdtm != 0},
+                                         header);
 }
 
 void deleteFilterFile(CommandContext& context) {
@@ -35,41 +37,56 @@ void deleteFilterFile(CommandContext& context) {
   if (context.files.Exist(path)) (void)context.files.remove(path);
 }
 
-class FilterRun final : public SessionLineConsumer {
+/// Hands what a filter takes to its target, and lets the interface run meanwhile.
+class FilterRun final : public SessionTextTarget {
  public:
-  FilterRun(CommandContext& context, SessionFilter& filter, FilterTarget& target, bool showsProgress)
-      : m_context(context), m_filter(filter), m_target(target), m_showsProgress(showsProgress) {}
+  FilterRun(CommandContext& context, const SessionList& sessions, FilterTarget& target, bool showsProgress)
+      : m_context(context), m_sessions(sessions), m_target(target), m_showsProgress(showsProgress) {}
 
-  [[nodiscard]] bool hasRun() const { return m_hasRun; }
+  [[nodiscard]] const FilterOutcome& outcome() const { return m_outcome; }
+  /// Of the last session that was written; only valid where there was one.
+  [[nodiscard]] std::size_t lastSession() const { return m_last; }
+  /// Every session was ended, the last one not because of a stop.
+  [[nodiscard]] bool hasAll() const { return m_ended == m_sessions.size() && !m_endsEarly; }
 
-  bool beginSession(const UserAct& session) override {
-    if (!std::exchange(m_hasRun, true)) m_context.view.setFilterText({});
-    if (session.Position == 0) return false;
-    if (!std::exchange(m_hasOutput, true)) deleteFilterFile(m_context);
-    m_target.beginSession(session);
-    m_filter.begin(session);
-    return m_target.isOk();
+  void write(std::string_view piece) override {
+    begin();
+    m_target.write(piece);
   }
-  bool line(const SessionLine& line) override { return m_filter.line(line, m_target); }
-  void endSession(const UserAct& session) override {
-    if (session.Position != 0) m_target.endSession();
+  void endSession(std::size_t index, std::uint32_t lines) override {
+    ++m_ended;
+    if (m_sessions.position(index) == 0) return;
+    begin();
+    m_target.endSession();
+    m_last = index;
+    ++m_outcome.sessions;
+    m_outcome.lines += lines;
   }
-  bool keepGoing(std::uint64_t position) override {
+  bool keepGoing(LogPosition position) override {
     if (m_context.pacer.isDueAmongMany()) {
       m_target.flush();
-      if (m_showsProgress) m_context.view.setProgress(static_cast<std::int64_t>(position));
+      if (m_showsProgress) m_context.view.setProgress(position);
       m_context.view.yield();
     }
-    return !m_context.state.stopFlag && m_target.isOk();
+    const bool goesOn = !m_context.state.stopFlag && m_target.isOk();
+    m_endsEarly = !goesOn && m_ended < m_sessions.size();
+    return goesOn;
   }
 
  private:
+  void begin() {
+    if (!std::exchange(m_hasBegun, true)) deleteFilterFile(m_context);
+  }
+
   CommandContext& m_context;
-  SessionFilter& m_filter;
+  const SessionList& m_sessions;
   FilterTarget& m_target;
-  bool m_showsProgress;
-  bool m_hasRun = false;
-  bool m_hasOutput = false;
+  const bool m_showsProgress;
+  FilterOutcome m_outcome;
+  std::size_t m_last = 0;
+  std::size_t m_ended = 0;
+  bool m_endsEarly = false;  ///< a session that is ended now is cut short
+  bool m_hasBegun = false;
 };
 
 /// Shows filtered lines in the filter window.
@@ -87,14 +104,8 @@ class FilterWindowTarget final : public FilterTarget {
     show(text);
   }
 
-  void beginSession(const UserAct&) override {}
-  void writeLine(std::string_view line) override {
-    if (line.size() >= kShownPiece) {
-      flush();
-      show(line);
-      line = {};
-    }
-    m_text.append(line).append(kLineEnd);
+  void write(std::string_view piece) override {
+    m_text.append(piece);
     if (m_text.size() >= kShownPiece) flush();
   }
   void endSession() override { flush(); }
@@ -121,12 +132,6 @@ class FilterWindowTarget final : public FilterTarget {
   bool m_hasShown = false;
 };
 
-struct FilterOutcome {
-  Status read;
-  bool hasRunCommandFilter = false;
-  bool wasStopped = false;
-};
-
 /// What the filter window's text depends on; empty when the log cannot tell its state.
 std::optional<FilterMemory::Key> memoryKey(CommandContext& context, const LogFile& log, const UserAct& session) {
   const auto stamp = context.files.stamp(log.path());
@@ -138,24 +143,21 @@ std::optional<FilterMemory::Key> memoryKey(CommandContext& context, const LogFil
   return FilterMemory::Key{log.path(), stamp.value(), session, std::move(options)};
 }
 
-FilterOutcome runFilter(CommandContext& context, const LogFile& log, const SessionSource& sessions,
-                        FilterTarget& target, bool showsProgress) {
-  const auto commandFilter = makeCommandFilter(context.settings);
-  EntireSessionFilter entireFilter;
-  FilterRun run(context, commandFilter ? *commandFilter : static_cast<SessionFilter&>(entireFilter), target,
-                showsProgress);
-  FilterOutcome outcome;
+FilterOutcome runFilter(CommandContext& context, const LogFile& log, SessionList& sessions, LineRule& rule,
+                        FilterTarget& target, FilterRun& run) {
+  if (sessions.size() > 0) context.view.setFilterText({});
   context.state.stopFlag = false;
-  outcome.read = readSessionLines(log, sessions, run);
+  Status read = readSessionLines(log, sessions, rule, run, {context.files, context.state.workingFolder});
   target.flush();
-  outcome.wasStopped = std::exchange(context.state.stopFlag, false);
-  outcome.hasRunCommandFilter = commandFilter && run.hasRun();
+  FilterOutcome outcome = run.outcome();
+  outcome.read = std::move(read);
+  outcome.wasStopped = std::exchange(context.state.stopFlag, false) && !run.hasAll();
   return outcome;
 }
 
 }  // namespace
 
-Status filterIntoWindow(CommandContext& context, const LogFile& log, const UserAct& session) {
+FilterOutcome filterIntoWindow(CommandContext& context, const LogFile& log, const UserAct& session) {
   FilterWindowTarget window(context);
   const auto key = memoryKey(context, log, session);
   if (const std::string* const text = key ? context.state.filterMemory.find(*key) : nullptr) {
@@ -166,20 +168,32 @@ Status filterIntoWindow(CommandContext& context, const LogFile& log, const UserA
     context.state.stopFlag = false;
     return {};
   }
-  FilterOutcome outcome = runFilter(context, log, oneSession(session), window, false);
-  if (outcome.hasRunCommandFilter && !window.hasShown()) context.view.setFilterText(kNoMatch);
+  EntireSessionFilter entire(FilterHeader::None);
+  const auto commands = makeCommandFilter(context.settings, FilterHeader::None);
+  OneSession sessions(session);
+  FilterRun run(context, sessions, window, false);
+  FilterOutcome outcome =
+      runFilter(context, log, sessions, commands ? *commands : static_cast<LineRule&>(entire), window, run);
+  if (commands && !window.hasShown()) context.view.setFilterText(kNoMatch);
   std::string shown = window.takeShown();
   if (key && outcome.read.isOk() && !outcome.wasStopped && !shown.empty()) {
     context.state.filterMemory.put(*key, std::move(shown));
   }
-  return outcome.read;
+  return outcome;
 }
 
-Status filterIntoFile(CommandContext& context, const LogFile& log, const SessionSource& sessions,
-                      ResultsFile& results) {
-  const FilterOutcome outcome = runFilter(context, log, sessions, results, true);
-  if (outcome.hasRunCommandFilter) context.view.setFilterText(kNoMatch);
-  return outcome.read;
+FilterOutcome filterIntoFile(CommandContext& context, const LogFile& log, SessionList& sessions, ResultsFile& results) {
+  EntireSessionFilter entire(FilterHeader::Block);
+  const auto commands = makeCommandFilter(context.settings, FilterHeader::Block);
+  LineRule& rule = commands ? *commands : static_cast<LineRule&>(entire);
+  FilterRun run(context, sessions, results, true);
+  FilterOutcome outcome = runFilter(context, log, sessions, rule, results, run);
+  if (commands && sessions.size() > 0) context.view.setFilterText(kNoMatch);
+  if (results.hasBlock()) {
+    const std::size_t headerSize = rule.header(sessions.session(run.lastSession())).size();
+    (void)results.copyLastLines(headerSize, context.state.filterFilePath());
+  }
+  return outcome;
 }
 
 }  // namespace quorvel

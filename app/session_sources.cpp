@@ -1,52 +1,43 @@
 #include "app/session_sources.h"
 
-#include <utility>
-#include <vector>
-
 namespace quorvel {
 namespace {
 
-class CheckedSessions {
+/// Records of the users file, of which only number and position are kept.
+class ChosenSessions final : public SessionList {
  public:
-  CheckedSessions(UsersFile& users, const SessionTree& tree) : m_users(users), m_tree(tree) {}
+  explicit ChosenSessions(UsersFile& users) : m_users(users) {}
 
-  std::optional<UserAct> next() {
-    while (m_node < m_tree.nodeCount()) {
-      ++m_node;
-      if (!m_tree.isChecked(m_node)) continue;
-      const std::int32_t number = recordOf(m_node);
-      if (number == 0) continue;
-      const UserAct* const record = m_users.read(number);
-      return record != nullptr ? std::optional(*record) : std::nullopt;
-    }
-    return std::nullopt;
+  void add(std::int32_t recordNumber, LogPosition position) {
+    m_records.push_back(recordNumber);
+    m_positions.push_back(position);
+  }
+
+  [[nodiscard]] std::size_t size() const override { return m_records.size(); }
+  [[nodiscard]] LogPosition position(std::size_t index) const override { return m_positions[index]; }
+  [[nodiscard]] const UserAct& session(std::size_t index) override {
+    static const UserAct kNone;
+    const UserAct* const record = m_users.read(m_records[index]);
+    return record != nullptr ? *record : kNone;
   }
 
  private:
-  /// The tree knows the record, unless the users file was changed behind its back or the build of the tree stopped
-  /// early: then the file is searched, once for all nodes.
-  [[nodiscard]] std::int32_t recordOf(std::int32_t node) {
-    const std::int32_t known = m_tree.recordOf(node);
-    if (known != 0 && m_users.treeIndex(known) == node) return known;
-    if (m_firstRecords.empty()) findFirstRecords();
-    return m_firstRecords[static_cast<std::size_t>(node)];
-  }
-
-  void findFirstRecords() {
-    m_firstRecords.resize(static_cast<std::size_t>(m_tree.nodeCount()) + 1);
-    for (std::int32_t n = 1; n <= m_users.recordCount(); ++n) {
-      const std::int32_t node = m_users.treeIndex(n).value_or(0);
-      if (node < 1 || node > m_tree.nodeCount()) continue;
-      std::int32_t& first = m_firstRecords[static_cast<std::size_t>(node)];
-      if (first == 0) first = n;
-    }
-  }
-
   UsersFile& m_users;
-  const SessionTree& m_tree;
-  std::int32_t m_node = 0;
-  std::vector<std::int32_t> m_firstRecords;  ///< by node; empty until needed
+  std::vector<std::int32_t> m_records;
+  std::vector<LogPosition> m_positions;
 };
+
+/// The first record of each node, by node; 0 where a node has none.
+std::vector<std::int32_t> firstRecords(UsersFile& users, const SessionTree& tree) {
+  std::vector<std::int32_t> records(static_cast<std::size_t>(tree.nodeCount()) + 1);
+  for (std::int32_t number = 1; number <= users.recordCount(); ++number) {
+    const std::int32_t node = users.treeIndex(number).value_or(0);
+    if (node < 1 || node > tree.nodeCount()) continue;
+    std::int32_t& first = records[static_cast<std::size_t>(node)];
+    if (first == 0) first = number;
+  }
+  return records;
+}
 
 }  // namespace
 
@@ -54,22 +45,33 @@ std::string nameInRecords(const Settings& settings, const std::string& name) {
   return settings.readFlag("MAIN", "TrunkLongUsernames") ? std::string(trunkedName(name)) : name;
 }
 
-SessionSource chosenSessions(UsersFile& users, std::function<bool(const UserAct&)> isChosen) {
-  return [&users, isChosen = std::move(isChosen), number = std::int32_t{0}]() mutable -> std::optional<UserAct> {
-    while (number < users.recordCount()) {
-      const UserAct* const record = users.read(++number);
-      if (record != nullptr && isChosen(*record)) return *record;
+std::unique_ptr<SessionList> chosenSessions(UsersFile& users, const std::function<bool(const UserAct&)>& isChosen) {
+  auto sessions = std::make_unique<ChosenSessions>(users);
+  for (std::int32_t number = 1; number <= users.recordCount(); ++number) {
+    const UserAct* const record = users.read(number);
+    if (record != nullptr && isChosen(*record)) sessions->add(number, record->Position);
+  }
+  return sessions;
+}
+
+std::unique_ptr<SessionList> checkedSessions(UsersFile& users, const SessionTree& tree) {
+  auto sessions = std::make_unique<ChosenSessions>(users);
+  std::vector<std::int32_t> found;  // empty until needed
+  for (std::int32_t node = 1; node <= tree.nodeCount(); ++node) {
+    if (!tree.isChecked(node)) continue;
+    // The tree knows the record, unless the users file was changed behind its back or the build of the tree stopped
+    // early.
+    std::int32_t number = tree.recordOf(node);
+    if (number == 0 || users.treeIndex(number) != node) {
+      if (found.empty()) found = firstRecords(users, tree);
+      number = found[static_cast<std::size_t>(node)];
     }
-    return std::nullopt;
-  };
-}
-
-SessionSource checkedSessions(UsersFile& users, const SessionTree& tree) {
-  return [sessions = CheckedSessions(users, tree)]() mutable { return sessions.next(); };
-}
-
-SessionSource oneSession(const UserAct& session) {
-  return [left = std::optional(session)]() mutable { return std::exchange(left, std::nullopt); };
+    if (number == 0) continue;
+    const UserAct* const record = users.read(number);
+    if (record == nullptr) break;
+    sessions->add(number, record->Position);
+  }
+  return sessions;
 }
 
 }  // namespace quorvel

@@ -37,6 +37,8 @@ class ProgressView {
   virtual void setProgress(std::int64_t value) = 0;
   virtual void showPositionLabels(bool visible) = 0;
   virtual void setPositionLabels(std::string_view caption, std::string_view position) = 0;
+  /// Tells in one line, in the place of the progress bar, what a command did. It stays until the next command begins.
+  virtual void showResult(std::string_view text) = 0;
 };
 
 /// The two text boxes on the right: what is known of the session shown, and the filter window.

@@ -1,144 +1,116 @@
 #include <algorithm>
-#include <deque>
+#include <cstring>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "classic/counter/counted_line.h"
 #include "classic/counter/transfer_counter.h"
 #include "log/byte_scan.h"
-#include "log/log_stream.h"
 
 namespace quorvel {
 namespace {
 
-/// A longer line is looked through in pieces, never taken whole.
-constexpr LogPosition kLongestWhole = 256 * 1024;
-/// What is shown of both ends of such a line.
-constexpr LogPosition kShownEnd = 64 * 1024;
-/// Bytes of a piece looked at again with the next one, so that nothing that lies across two is missed.
-constexpr LogPosition kOverlap = 32;
-static_assert(kOverlap >= kLongestToken && kOverlap >= kBeforeByteCount.size() && kOverlap >= kAfterByteCount.size());
 static_assert(kBlockTail >= kLongestToken);
 
-/// Leaves the positions of all tokens that start in the block in its findings.
-void findTokens(LogBlock& block) {
-  scanBytes(ScanFor::Transfers, block.data(), block.count, block.offsets);
-  for (const std::uint32_t offset : block.offsets) {
-    TransferTokens tokens;
-    tokens.addStartOf({block.data() + offset, kLongestToken});
-    if (tokens.any()) block.findings.push_back(static_cast<std::uint64_t>(block.first) + offset);
-  }
-}
-
-/// What is noted of a line too long to take whole. Positions are 0 until something was found there.
-struct LongLine {
-  TransferTokens tokens;
-  LogPosition byteCount = 0;
-  LogPosition byteCountEnd = 0;
-
-  /// Nothing further in the line can change what is noted.
-  [[nodiscard]] bool isComplete() const { return tokens.all() && byteCount != 0 && byteCountEnd != 0; }
-
-  void lookThrough(std::string_view part, LogPosition position) {
-    if (!tokens.all()) noteTokens(part);
-    noteFirst(part, position, kBeforeByteCount, kBeforeByteCount.size(), byteCount);
-    noteFirst(part, position, kAfterByteCount, 0, byteCountEnd);
-  }
-
-  void noteTokens(std::string_view part) {
-    const TransferTokens found = transferTokensIn(part);
-    tokens.sent |= found.sent;
-    tokens.received |= found.received;
-    tokens.sendError |= found.sendError;
-    tokens.receiveError |= found.receiveError;
-  }
-
-  static void noteFirst(std::string_view part, LogPosition position, std::string_view mark, std::size_t offset,
-                        LogPosition& noted) {
-    if (noted != 0) return;
-    if (const auto at = part.find(mark); at != std::string_view::npos) {
-      noted = position + static_cast<LogPosition>(at + offset);
-    }
-  }
-};
-
-class WholeLogCounter {
+/// Finds the lines with tokens in the blocks of a log, in their order. Runs on the reading thread.
+class TransferScan {
  public:
-  WholeLogCounter(const LogFile& log, CountRun run)
-      : m_run(run),
-        m_stream(log, kDefaultBlockSize, findTokens, [this](const LogBlock& block) { return takeTokens(block); }) {
-    m_stream.start(1);
-  }
+  explicit TransferScan(const LogFile& log) : m_logLength(log.length()) {}
 
-  Status run() {
-    while (m_goOn) {
-      if (m_tokens.empty()) {
-        if (!m_stream.readMore()) break;
-      } else if (m_tokens.front() < m_countedTo) {
-        m_tokens.pop_front();
-      } else {
-        countLineAt(m_tokens.front());
-      }
+  /// Leaves begin, end and tokens of each line that ends in the block in its findings.
+  void search(LogBlock& block) {
+    scanBytes(ScanFor::Transfers, block.data(), block.count, block.offsets);
+    for (const std::uint32_t offset : block.offsets) {
+      const auto left = static_cast<std::size_t>(m_logLength + 1 - block.first) - offset;  // blanks follow the log
+      TransferTokens tokens;
+      tokens.addStartOf({block.data() + offset, std::min(left, kLongestToken)});
+      if (!tokens.any()) continue;
+      endLine(block, offset);
+      if (!m_tokens.any()) m_lineBegin = lineBegin(block, offset);
+      m_tokens.add(tokens);
     }
-    return m_stream.status();
+    endLine(block, block.count);
+    if (!m_tokens.any()) m_lineBegin = lineBegin(block, block.count);
+    if (block.end() > m_logLength && m_tokens.any()) addLine(block, block.end());
+    m_searched = 0;
   }
 
  private:
-  bool takeTokens(const LogBlock& block) {
-    for (const std::uint64_t position : block.findings)
-      m_tokens.push_back(static_cast<LogPosition>(position));
-    m_goOn = m_run.observer.keepGoing(m_stream.readTo());
-    return m_goOn;
+  /// Ends the line with tokens under way if it ends in front of offset.
+  void endLine(LogBlock& block, std::size_t offset) {
+    if (!m_tokens.any()) return;
+    const void* const end = std::memchr(block.data() + m_searched, '\n', offset - m_searched);
+    m_searched = offset;
+    if (end == nullptr) return;
+    const LogPosition position = block.first + (static_cast<const char*>(end) - block.data());
+    addLine(block, position);
+    m_lineBegin = position + 1;
   }
 
-  void countLineAt(LogPosition token) {
-    const LogPosition end = m_stream.endOfLine(token);
-    const LogPosition begin = m_stream.window().findLast('\n', m_countedTo, token) + 1;
-    m_countedTo = end + 1;
-    if (!m_goOn) return;
-    if (end - begin > kLongestWhole) return countLongLine(begin, end);
-    std::string_view line = m_stream.window().text(begin, static_cast<std::size_t>(end - begin));
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    countLine(transferTokensIn(line), line, byteCountText(line), m_run);
+  void addLine(LogBlock& block, LogPosition end) {
+    block.findings.push_back(static_cast<std::uint64_t>(m_lineBegin));
+    block.findings.push_back(static_cast<std::uint64_t>(end));
+    block.findings.push_back((m_tokens.sent ? 1u : 0u) | (m_tokens.received ? 2u : 0u) |
+                             (m_tokens.sendError ? 4u : 0u) | (m_tokens.receiveError ? 8u : 0u));
+    m_tokens = {};
   }
 
-  void countLongLine(LogPosition begin, LogPosition end) {
-    if (m_stream.window().text(end - 1, 1) == "\r") --end;
-    LongLine line;
-    for (LogPosition at = begin; at < end && m_goOn && !line.isComplete(); at += kLongestWhole) {
-      line.lookThrough(textOf(at, std::min(end, at + kLongestWhole + kOverlap)), at);
-      m_goOn = m_run.observer.keepGoing(at);
-    }
-    std::string byteCount;
-    if (line.byteCount != 0 && line.byteCountEnd - line.byteCount <= kShownEnd) {
-      byteCount = textOf(line.byteCount, line.byteCountEnd);
-    }
-    std::string shown;
-    if (line.tokens.isFailure()) {
-      shown = textOf(begin, begin + kShownEnd);
-      shown += textOf(end - kShownEnd, end);
-    }
-    countLine(line.tokens, shown, byteCount, m_run);
+  /// Where the line that holds offset begins.
+  [[nodiscard]] LogPosition lineBegin(const LogBlock& block, std::size_t offset) {
+    m_searched = offset;
+    const std::size_t end = std::string_view(block.data(), offset).rfind('\n');
+    return end == std::string_view::npos ? m_lineBegin : block.first + static_cast<LogPosition>(end) + 1;
   }
 
-  /// The log from begin to end, not included; empty when end lies before begin.
-  [[nodiscard]] std::string_view textOf(LogPosition begin, LogPosition end) {
-    return m_stream.window().text(begin, static_cast<std::size_t>(std::max<LogPosition>(0, end - begin)));
-  }
-
-  CountRun m_run;
-  LogStream m_stream;
-  std::deque<LogPosition> m_tokens;  ///< of lines not counted yet
-  LogPosition m_countedTo = 1;       ///< where the first line starts that is not counted yet
-  bool m_goOn = true;
+  const LogPosition m_logLength;
+  LogPosition m_lineBegin = 1;  ///< of the line under way
+  TransferTokens m_tokens;      ///< in it
+  std::size_t m_searched = 0;   ///< so much of the block, for its end
 };
+
+/// The text between two places of the log, from the block at hand where it holds it.
+LogLine lineAt(const LogFile& log, const LogBlock& block, LogPosition begin, LogPosition end, std::string& scratch) {
+  LogLine line{begin, end, {}};
+  if (line.isLong()) {
+    char last = '\n';
+    const auto read = log.readAt(end - 1, {&last, 1});
+    if (read.isOk() && last == '\r') --line.end;
+    return line;
+  }
+  if (block.holds(begin)) {
+    line.text = {block.data() + (begin - block.first), static_cast<std::size_t>(end - begin)};
+  } else {
+    scratch.resize(static_cast<std::size_t>(end - begin));
+    const auto count = log.readAt(begin, scratch);
+    line.text = std::string_view(scratch).substr(0, count.isOk() ? count.value() : 0);
+  }
+  if (line.text.ends_with('\r')) line.text.remove_suffix(1);
+  return line;
+}
 
 }  // namespace
 
 Status CountAllTransfers(const LogFile& log, const CountOptions& options, TransferCount& totals,
-                         CountObserver& observer) {
-  return WholeLogCounter(log, {options, totals, observer}).run();
+                         CountObserver& observer, std::size_t blockSize) {
+  TransferScan scan(log);
+  LineCounter counter(log, options, totals);
+  BlockReader reader(log, 1, blockSize, [&scan](LogBlock& block) { scan.search(block); });
+  std::string scratch;
+  bool goesOn = true;
+  while (auto block = goesOn ? reader.next() : nullptr) {
+    for (std::size_t index = 0; index < block->findings.size(); index += 3) {
+      const auto begin = static_cast<LogPosition>(block->findings[index]);
+      const auto end = static_cast<LogPosition>(block->findings[index + 1]);
+      const LogLine line = lineAt(log, *block, begin, end, scratch);
+      const std::uint64_t found = block->findings[index + 2];
+      const TransferTokens tokens{(found & 1) != 0, (found & 2) != 0, (found & 4) != 0, (found & 8) != 0};
+      if (options.showsFailures && tokens.isFailure())
+        observer.onFailedTransfer(counter.shown(line), totals.SendErrors == 0 && totals.ReceiveErrors == 0);
+      counter.count(tokens, line, 1);
+    }
+    goesOn = observer.keepGoing(block->end() - 1);
+    reader.recycle(std::move(block));
+  }
+  return reader.status().isOk() ? counter.status() : reader.status();
 }
 
 }  // namespace quorvel

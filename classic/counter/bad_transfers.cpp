@@ -32,8 +32,8 @@ BadTransferLog::~BadTransferLog() {
   flush();
 }
 
-void BadTransferLog::LogBadTransfer(std::string_view line, const TransferCount& totals) {
-  if (totals.SendErrors == 0 && totals.ReceiveErrors == 0) m_batch.append(runHeader());
+void BadTransferLog::LogBadTransfer(std::string_view line, bool isFirst) {
+  if (isFirst) m_batch.append(runHeader());
   m_batch.append(line.substr(std::min(kPrefixLength, line.size()))).append(kLineEnd);
   if (m_batch.size() >= kBatchSize) flush();
 }

@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "classic/counter/transfer_count.h"
 #include "log/file_system.h"
 
 namespace quorvel {
@@ -21,9 +20,8 @@ class BadTransferLog {
   BadTransferLog& operator=(const BadTransferLog&) = delete;
   ~BadTransferLog();
 
-  /// Adds the line of a failed transfer from its 28th character on, below a header when totals hold no error yet:
-  /// call it before the line is counted.
-  void LogBadTransfer(std::string_view line, const TransferCount& totals);
+  /// Adds the line of a failed transfer from its 28th character on, the first of a count below a header.
+  void LogBadTransfer(std::string_view line, bool isFirst);
   /// Makes every line so far visible.
   void flush();
 

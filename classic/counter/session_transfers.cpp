@@ -6,75 +6,85 @@
 namespace quorvel {
 namespace {
 
-constexpr std::string_view kClosing = " Closing connection";
+enum Mark : std::uint32_t {
+  kSent = 1u << 0,
+  kReceived = 1u << 1,
+  kSendError = 1u << 2,
+  kReceiveError = 1u << 3,
+  kClosing = 1u << 4,
+};
+constexpr std::uint32_t kAllMarks = kSent | kReceived | kSendError | kReceiveError | kClosing;
 
-class SessionCounter final : public SessionLineConsumer {
+// What stands in front of a failed transfer's line among the texts of sessions.
+constexpr std::string_view kCountedAsError = "-";
+constexpr std::string_view kCountedAsGood = "+";
+
+TransferTokens tokensOf(std::uint32_t marks) {
+  return {.sent = (marks & kSent) != 0,
+          .received = (marks & kReceived) != 0,
+          .sendError = (marks & kSendError) != 0,
+          .receiveError = (marks & kReceiveError) != 0};
+}
+
+/// Counts as lines come, in log order; the lines of failed transfers become the texts of their sessions and are told
+/// of when these come out.
+class SessionCounter final : public LineRule, public SessionTextTarget {
  public:
-  explicit SessionCounter(CountRun run) : m_run(run) {}
+  SessionCounter(const LogFile& log, const CountOptions& options, TransferCount& totals, CountObserver& observer)
+      : LineRule({.foldsCase = false, .waitsForConnect = true, .endsAtServerStart = false, .dashMarks = kAllMarks}),
+        m_options(options),
+        m_counter(log, options, totals),
+        m_observer(observer) {}
 
-  bool beginSession(const UserAct& session) override {
-    m_number = session.NumberInLog;
-    m_beforeConnect = session.ConnectTime + " - ";
-    m_behindConnect = " Connected to " + session.IP;
-    m_isConnected = false;
-    return session.Position != 0;
-  }
+  [[nodiscard]] const Status& status() const { return m_counter.status(); }
 
-  bool line(const SessionLine& line) override {
-    if (!m_isConnected) m_isConnected = isConnectLine(line);
-    if (!m_isConnected) return true;
+  [[nodiscard]] std::uint32_t marksOf(bool hasDash, std::string_view after) const override {
+    if (!hasDash) return 0;
     TransferTokens tokens;
-    const bool isClosing = findTokens(line, tokens);
-    if (tokens.any()) countLine(tokens, line.text, byteCountText(line.text), m_run);
-    return !isClosing;
+    tokens.addStartOf(after);
+    return (tokens.sent ? kSent : 0u) | (tokens.received ? kReceived : 0u) | (tokens.sendError ? kSendError : 0u) |
+           (tokens.receiveError ? kReceiveError : 0u) | (after.starts_with(" Closing connection") ? kClosing : 0u);
+  }
+  [[nodiscard]] std::string_view header(const UserAct&) override { return {}; }
+
+  bool take(const LogLine& line, std::uint32_t marks, bool, std::uint8_t&, SessionTexts& texts) override {
+    const TransferTokens tokens = tokensOf(marks);
+    m_counter.count(tokens, line, texts.count());
+    if (m_options.showsFailures && tokens.isFailure()) {
+      texts.add(tokens.sent || tokens.received ? kCountedAsGood : kCountedAsError);
+      texts.add(m_counter.shown(line) + '\n');
+    }
+    return (marks & kClosing) == 0;
   }
 
-  void endSession(const UserAct&) override {}
-
-  bool keepGoing(std::uint64_t position) override {
-    return m_run.observer.keepGoing(static_cast<LogPosition>(position));
+  void write(std::string_view piece) override {
+    m_failures.append(piece);
+    std::size_t at = 0;
+    for (std::size_t end; (end = m_failures.find('\n', at)) != std::string::npos; at = end + 1) {
+      const auto line = std::string_view(m_failures).substr(at, end - at);
+      m_observer.onFailedTransfer(line.substr(kCountedAsError.size()), !m_hasError);
+      m_hasError = m_hasError || line.starts_with(kCountedAsError);
+    }
+    m_failures.erase(0, at);
   }
+  void endSession(std::size_t, std::uint32_t) override {}
+  bool keepGoing(LogPosition position) override { return m_observer.keepGoing(position); }
 
  private:
-  [[nodiscard]] bool isConnectLine(const SessionLine& line) const {
-    return anyExactNumber(line, [this](std::string_view before, std::string_view after) {
-      return before.ends_with(m_beforeConnect) && after.starts_with(m_behindConnect);
-    });
-  }
-
-  /// Notes the tokens that stand behind "- " and the session number; returns whether the line closes the session.
-  [[nodiscard]] bool findTokens(const SessionLine& line, TransferTokens& tokens) const {
-    bool isClosing = false;
-    anyExactNumber(line, [&](std::string_view before, std::string_view after) {
-      if (!before.ends_with("- ")) return false;
-      tokens.addStartOf(after);
-      if (after.starts_with(kClosing)) isClosing = true;
-      return false;
-    });
-    return isClosing;
-  }
-
-  /// As SessionLine::anyNumber, for numbers of the same case.
-  template <typename Function>
-  bool anyExactNumber(const SessionLine& line, Function what) const {
-    return line.anyNumber([&](std::string_view before, std::string_view after) {
-      return line.text.substr(before.size(), m_number.size()) == m_number && what(before, after);
-    });
-  }
-
-  CountRun m_run;
-  std::string m_number;
-  std::string m_beforeConnect;
-  std::string m_behindConnect;
-  bool m_isConnected = false;
+  const CountOptions m_options;
+  LineCounter m_counter;
+  CountObserver& m_observer;
+  std::string m_failures;   ///< the line under way
+  bool m_hasError = false;  ///< a line told of was counted as an error
 };
 
 }  // namespace
 
-Status CountSessionTransfers(const LogFile& log, const SessionSource& sessions, const CountOptions& options,
-                             TransferCount& totals, CountObserver& observer) {
-  SessionCounter counter({options, totals, observer});
-  return readSessionLines(log, sessions, counter);
+Status CountSessionTransfers(const LogFile& log, SessionList& sessions, const CountOptions& options,
+                             TransferCount& totals, CountObserver& observer, const LineReading& reading) {
+  SessionCounter counter(log, options, totals, observer);
+  Status read = readSessionLines(log, sessions, counter, counter, reading);
+  return read.isOk() ? counter.status() : read;
 }
 
 }  // namespace quorvel

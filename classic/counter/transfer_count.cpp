@@ -92,14 +92,20 @@ void ResetTransferCount(TransferCount& totals) {
   totals = TransferCount();
 }
 
-void countOne(std::int32_t& count) {
-  if (count < std::numeric_limits<std::int32_t>::max()) ++count;
+void countMore(std::int32_t& count, std::uint32_t more) {
+  const auto left = static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::max() - count);
+  count += static_cast<std::int32_t>(std::min(left, more));
 }
 
-void addBytes(std::int64_t& sum, std::int64_t bytes) {
+void addBytes(std::int64_t& sum, std::int64_t bytes, std::uint32_t times) {
   using Limits = std::numeric_limits<std::int64_t>;
-  const bool fits = bytes >= 0 ? sum <= Limits::max() - bytes : sum >= Limits::min() - bytes;
-  if (fits) sum += bytes;
+  if (bytes == 0) return;
+  // Wraps around to the right distance where sum and limit lie on different sides of 0.
+  const std::uint64_t room = bytes > 0 ? static_cast<std::uint64_t>(Limits::max()) - static_cast<std::uint64_t>(sum)
+                                       : static_cast<std::uint64_t>(sum) - static_cast<std::uint64_t>(Limits::min());
+  const std::uint64_t size = bytes > 0 ? static_cast<std::uint64_t>(bytes) : 0 - static_cast<std::uint64_t>(bytes);
+  const std::uint64_t added = std::min<std::uint64_t>(times, room / size) * static_cast<std::uint64_t>(bytes);
+  sum = static_cast<std::int64_t>(static_cast<std::uint64_t>(sum) + added);
 }
 
 std::optional<std::int64_t> parseFixedPoint(std::string_view text) {

@@ -22,10 +22,10 @@ struct TransferCount {
 
 void ResetTransferCount(TransferCount& totals);
 
-/// Raises a count by one; it stays where it is at its largest value.
-void countOne(std::int32_t& count);
-/// Adds a fixed-point number; the sum stays as it was when the result is out of range.
-void addBytes(std::int64_t& sum, std::int64_t bytes);
+/// Raises a count; it stays at its largest value.
+void countMore(std::int32_t& count, std::uint32_t more);
+/// Adds a fixed-point number so many times; whenever the result is out of range the sum stays as it was.
+void addBytes(std::int64_t& sum, std::int64_t bytes, std::uint32_t times = 1);
 
 /// Reads a decimal number, the same in every locale: blanks around it, a sign, a decimal point and an exponent are
 /// understood, grouping is not. The fifth decimal is rounded half to even. Empty when text is no number, is longer

@@ -1,4 +1,4 @@
-// The words by which the server reports transfers, and the fast search for them.
+// The words by which the server reports transfers.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-// Matched in the case shown. None starts inside another, which findTransferToken() relies on.
+// Matched in the case shown.
 inline constexpr std::string_view kSentFile = " Sent file ";
 inline constexpr std::string_view kReceivedFile = " Received file ";
 inline constexpr std::string_view kErrorSending = " Error sending ";
@@ -22,16 +22,10 @@ struct TransferTokens {
   bool receiveError = false;
 
   [[nodiscard]] bool any() const { return sent || received || sendError || receiveError; }
-  [[nodiscard]] bool all() const { return sent && received && sendError && receiveError; }
   [[nodiscard]] bool isFailure() const { return sendError || receiveError; }
   /// Notes the token that text starts with, if any.
   void addStartOf(std::string_view text);
+  void add(const TransferTokens& other);
 };
-
-/// Index of the first of the four tokens in text at or after from, std::string_view::npos when there is none.
-[[nodiscard]] std::size_t findTransferToken(std::string_view text, std::size_t from = 0);
-
-/// All tokens of a line.
-[[nodiscard]] TransferTokens transferTokensIn(std::string_view line);
 
 }  // namespace quorvel

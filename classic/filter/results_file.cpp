@@ -13,54 +13,31 @@ constexpr std::string_view kBlockEnd = "\r\n\r\n\r\n\r\n";
 
 }  // namespace
 
-void appendSessionBlockHeader(std::string& text, const UserAct& session) {
-  constexpr std::size_t kRuleLength = 50;
-  constexpr std::size_t kValueColumn = 20;
-  text.append(kRuleLength, '-').append(kLineEnd);
-  const auto add = [&text](std::string_view label, std::string_view value) {
-    appendAtColumn(text, label, kValueColumn, value);
-    text.append(kLineEnd);
-  };
-  add("Username:", session.Name);
-  add("IP:", session.IP);
-  add("Connect time:", session.ConnectTime);
-  add("Logon time:", session.LogonTime);
-  add("Logoff time:", session.LogoffTime);
-  add("Number in log:", session.NumberInLog);
-  add("Position:", std::to_string(session.Position));
-  text.append(kLineEnd);
-}
-
 ResultsFile::ResultsFile(FileSystem& files, std::filesystem::path path) : m_files(files), m_path(std::move(path)) {}
 
 ResultsFile::~ResultsFile() {
   flush();
 }
 
-void ResultsFile::beginSession(const UserAct& session) {
+void ResultsFile::beginBlock() {
+  if (m_isInBlock) return;
   if (!m_hasBlock) open();
-  m_hasBlock = true;
-  const std::size_t before = m_batch.size();
-  appendSessionBlockHeader(m_batch, session);
-  m_length += m_batch.size() - before;
-  m_linesBegin = m_linesEnd = m_length;
+  m_hasBlock = m_isInBlock = true;
+  m_blockBegin = m_length;
 }
 
-void ResultsFile::writeLine(std::string_view line) {
-  if (line.size() >= kBatchSize) {  // a huge line goes out without being copied
-    flush();
-    if (m_status.isOk()) m_status = m_file->appendLines(line, kLineEnd);
-    m_length += line.size() + kLineEnd.size();
-    return;
-  }
-  m_batch.append(line);
-  m_length += line.size();
-  write(kLineEnd);
+void ResultsFile::write(std::string_view piece) {
+  beginBlock();
+  m_batch.append(piece);
+  m_length += piece.size();
+  if (m_batch.size() >= kBatchSize && m_appender) m_appender->append(m_batch);
 }
 
 void ResultsFile::endSession() {
+  beginBlock();
   m_linesEnd = m_length;
   write(kBlockEnd);
+  m_isInBlock = false;
 }
 
 void ResultsFile::flush() {
@@ -85,19 +62,13 @@ void ResultsFile::open() {
   m_appender.emplace([this](const std::string& batch) { return m_file->appendLines(batch); });
 }
 
-void ResultsFile::write(std::string_view text) {
-  m_batch.append(text);
-  m_length += text.size();
-  if (m_batch.size() >= kBatchSize && m_appender) m_appender->append(m_batch);
-}
-
-Status ResultsFile::copyLastLines(const std::filesystem::path& target) {
+Status ResultsFile::copyLastLines(std::size_t headerSize, const std::filesystem::path& target) {
   flush();
   if (!m_status.isOk()) return m_status;
   auto copy = m_files.open(target, OpenMode::Replace, Owner::Program);
   if (!copy.isOk()) return copy.error();
   std::string piece;
-  for (std::uint64_t at = m_linesBegin; at < m_linesEnd; at += piece.size()) {
+  for (std::uint64_t at = m_blockBegin + headerSize; at < m_linesEnd; at += piece.size()) {
     piece.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kBatchSize, m_linesEnd - at)));
     const auto count = m_file->readAt(at, piece);
     if (!count.isOk()) return count.error();

@@ -8,14 +8,22 @@
 #include <string>
 #include <string_view>
 
-#include "classic/filter/session_filter.h"
 #include "log/background_writer.h"
 #include "log/file_system.h"
 
 namespace quorvel {
 
-/// Adds the lines that stand above a session's filtered lines, an empty line at the end included, to text.
-void appendSessionBlockHeader(std::string& text, const UserAct& session);
+/// Where the filtered lines of one session after the other go.
+class FilterTarget {
+ public:
+  virtual ~FilterTarget() = default;
+  virtual void write(std::string_view piece) = 0;
+  virtual void endSession() = 0;
+  /// Makes everything written so far visible.
+  virtual void flush() = 0;
+  /// False when a write failed; later ones do nothing then.
+  [[nodiscard]] virtual bool isOk() const = 0;
+};
 
 /// Writes session blocks in large batches. The file is opened, and created where missing, by the first block. After
 /// the first failure nothing more is written.
@@ -27,8 +35,7 @@ class ResultsFile final : public FilterTarget {
   ResultsFile& operator=(const ResultsFile&) = delete;
   ~ResultsFile() override;
 
-  void beginSession(const UserAct& session) override;
-  void writeLine(std::string_view line) override;
+  void write(std::string_view piece) override;
   void endSession() override;
   void flush() override;
   [[nodiscard]] bool isOk() const override { return m_status.isOk(); }
@@ -37,13 +44,13 @@ class ResultsFile final : public FilterTarget {
   [[nodiscard]] const Status& status() const { return m_status; }
   /// True once a block was begun.
   [[nodiscard]] bool hasBlock() const { return m_hasBlock; }
-  /// Writes the filtered lines of the last block, without its header and the empty lines behind it, to a file of
-  /// their own. A file of that name is replaced. Call it after endSession().
-  Status copyLastLines(const std::filesystem::path& target);
+  /// Writes the filtered lines of the last block, without its header of so many bytes and the empty lines after them,
+  /// to a file of their own. A file of that name is replaced. Call it after endSession().
+  Status copyLastLines(std::size_t headerSize, const std::filesystem::path& target);
 
  private:
+  void beginBlock();
   void open();
-  void write(std::string_view text);  ///< whole lines, or the end of one
 
   FileSystem& m_files;
   std::filesystem::path m_path;
@@ -52,9 +59,10 @@ class ResultsFile final : public FilterTarget {
   Status m_status;
   std::string m_batch;
   std::uint64_t m_length = 0;  ///< of the file, m_batch included
-  std::uint64_t m_linesBegin = 0;
+  std::uint64_t m_blockBegin = 0;
   std::uint64_t m_linesEnd = 0;
   bool m_hasBlock = false;
+  bool m_isInBlock = false;
 };
 
 }  // namespace quorvel

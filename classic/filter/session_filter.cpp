@@ -7,30 +7,7 @@
 namespace quorvel {
 namespace {
 
-constexpr std::string_view kCloseText = " Closing connection";
-
-bool endsWithFolded(std::string_view text, std::string_view suffix) {
-  return text.size() >= suffix.size() && equalsFolded(text.substr(text.size() - suffix.size()), suffix);
-}
-
-/// Takes suffix off the end of text; false, and text as it was, when it does not end so.
-bool takeSuffix(std::string_view& text, std::string_view suffix) {
-  if (!endsWithFolded(text, suffix)) return false;
-  text.remove_suffix(suffix.size());
-  return true;
-}
-
-bool takePrefix(std::string_view& text, std::string_view prefix) {
-  if (!startsWithFolded(text, prefix)) return false;
-  text.remove_prefix(prefix.size());
-  return true;
-}
-
-bool isClosing(std::string_view before, std::string_view after) {
-  return endsWithFolded(before, "- ") && startsWithFolded(after, kCloseText);
-}
-
-/// What may stand behind the session number in a line.
+/// What may stand after the session number in a line.
 enum Mark : std::uint32_t {
   kStor = 1u << 0,
   kRetr = 1u << 1,
@@ -71,93 +48,121 @@ constexpr std::array kMarkTexts = {
     MarkText{" 553", kMdtmDone},
 };
 
-/// All marks that stand behind any occurrence of the session number.
-std::uint32_t marksIn(const SessionLine& line) {
-  std::uint32_t found = 0;
-  line.anyNumber([&found](std::string_view before, std::string_view after) {
-    if (isClosing(before, after)) found |= kClosing;
-    for (const MarkText& mark : kMarkTexts) {
-      if (startsWithFolded(after, mark.text)) found |= mark.marks;
-    }
-    return false;
-  });
-  return found;
+/// What a command filter is in the middle of.
+enum State : std::uint8_t {
+  InTransfer = 1u << 0,
+  InDelete = 1u << 1,
+  DeleteFirstLine = 1u << 2,
+  InSite = 1u << 3,
+  InMdtm = 1u << 4,
+};
+
+bool isClosing(bool hasDash, std::string_view after) {
+  return hasDash && startsWithFolded(after, " Closing connection");
+}
+
+std::string_view headerOf(const UserAct& session, FilterHeader kind, std::string& header) {
+  header.clear();
+  if (kind == FilterHeader::Block && session.Position != 0) appendSessionBlockHeader(header, session);
+  return header;
+}
+
+void addDeleteReply(std::uint32_t marks, const LogLine& line, SessionTexts& texts) {
+  const bool isReply = (marks & (k550 | k250)) != 0;
+  const bool isNextDelete = (marks & kDele) != 0 && !isReply;
+  if (isNextDelete) texts.add(kLineEnd);
+  if (isNextDelete || isReply) texts.addLine(line);
+  texts.add(kLineEnd);
 }
 
 }  // namespace
 
-void EntireSessionFilter::begin(const UserAct& session) {
-  m_connectTime = session.ConnectTime;
-  m_ip = session.IP;
-  m_isConnected = false;
+void appendSessionBlockHeader(std::string& text, const UserAct& session) {
+  constexpr std::size_t kRuleLength = 50;
+  constexpr std::size_t kValueColumn = 20;
+  text.append(kRuleLength, '-').append(kLineEnd);
+  const auto add = [&text](std::string_view label, std::string_view value) {
+    appendAtColumn(text, label, kValueColumn, value);
+    text.append(kLineEnd);
+  };
+  add("Username:", session.Name);
+  add("IP:", session.IP);
+  add("Connect time:", session.ConnectTime);
+  add("Logon time:", session.LogonTime);
+  add("Logoff time:", session.LogoffTime);
+  add("Number in log:", session.NumberInLog);
+  add("Position:", std::to_string(session.Position));
+  text.append(kLineEnd);
 }
 
-bool EntireSessionFilter::line(const SessionLine& line, FilterOutput& output) {
-  if (!m_isConnected) m_isConnected = isConnectLine(line);
-  if (!m_isConnected) return true;
-  if (line.hasSessionNumber()) output.writeLine(line.text);
-  return !line.hasServerStart && !line.anyNumber(isClosing);
+EntireSessionFilter::EntireSessionFilter(FilterHeader header)
+    : LineRule({.foldsCase = true, .waitsForConnect = true, .endsAtServerStart = true, .dashMarks = kClosing}),
+      m_kind(header) {}
+
+std::string_view EntireSessionFilter::header(const UserAct& session) {
+  return headerOf(session, m_kind, m_header);
 }
 
-bool EntireSessionFilter::isConnectLine(const SessionLine& line) const {
-  return line.anyNumber([this](std::string_view before, std::string_view after) {
-    return takeSuffix(before, " - ") && takeSuffix(before, m_connectTime) && takePrefix(after, " Connected to ") &&
-           takePrefix(after, m_ip);
-  });
+std::uint32_t EntireSessionFilter::marksOf(bool hasDash, std::string_view after) const {
+  return isClosing(hasDash, after) ? kClosing : 0u;
 }
 
-void CommandFilter::begin(const UserAct&) {
-  *this = CommandFilter(m_options);
+bool EntireSessionFilter::take(const LogLine& line, std::uint32_t marks, bool, std::uint8_t&, SessionTexts& texts) {
+  texts.addLine(line);
+  return (marks & kClosing) == 0;
 }
 
-bool CommandFilter::line(const SessionLine& line, FilterOutput& output) {
-  if (line.hasServerStart) return false;
-  if (!line.hasSessionNumber()) return true;
-  const std::uint32_t marks = marksIn(line);
-  if ((marks & kClosing) != 0) return false;
-  detectCommands(marks);
-  writeBlockLine(marks, line.text, output);
+CommandFilter::CommandFilter(const CommandFilterOptions& options, FilterHeader header)
+    : LineRule({.foldsCase = true, .waitsForConnect = false, .endsAtServerStart = true, .dashMarks = kClosing}),
+      m_options(options),
+      m_kind(header) {}
+
+std::string_view CommandFilter::header(const UserAct& session) {
+  return headerOf(session, m_kind, m_header);
+}
+
+std::uint32_t CommandFilter::marksOf(bool hasDash, std::string_view after) const {
+  std::uint32_t found = isClosing(hasDash, after) ? kClosing : 0u;
+  for (const MarkText& mark : kMarkTexts) {
+    if (startsWithFolded(after, mark.text)) found |= mark.marks;
+  }
+  return found;
+}
+
+bool CommandFilter::take(const LogLine& line, std::uint32_t marks, bool hasServerStart, std::uint8_t& state,
+                         SessionTexts& texts) {
+  if (hasServerStart || (marks & kClosing) != 0) return false;
+  state = withCommands(state, marks);
+  const auto addUntil = [&](std::uint32_t endMark, State block) {
+    texts.addLine(line);
+    if ((marks & endMark) == 0) return;
+    texts.add(kLineEnd);
+    state = static_cast<std::uint8_t>(state & ~block);
+  };
+  if ((state & InTransfer) != 0) {
+    addUntil(kTransferDone, InTransfer);
+  } else if ((state & InDelete) != 0 && (state & DeleteFirstLine) != 0) {
+    texts.addLine(line);
+    state = static_cast<std::uint8_t>(state & ~DeleteFirstLine);
+  } else if ((state & InDelete) != 0) {
+    addDeleteReply(marks, line, texts);
+    state = static_cast<std::uint8_t>(state & ~InDelete);
+  } else if ((state & InSite) != 0) {
+    addUntil(kSiteDone, InSite);
+  } else if ((state & InMdtm) != 0) {
+    addUntil(kMdtmDone, InMdtm);
+  }
   return true;
 }
 
-void CommandFilter::detectCommands(std::uint32_t marks) {
-  if (m_options.transfers && !m_inTransfer) m_inTransfer = (marks & (kStor | kRetr)) != 0;
-  if (m_options.deletes && !m_inDelete) {
-    m_inDelete = (marks & kDele) != 0;
-    if (m_inDelete) m_deleteFirstLine = true;
-  }
-  if (m_options.site && !m_inSite) m_inSite = (marks & kSite) != 0;
-  if (m_options.mdtm && !m_inMdtm) m_inMdtm = (marks & kMdtm) != 0;
-}
-
-void CommandFilter::writeBlockLine(std::uint32_t marks, std::string_view text, FilterOutput& output) {
-  const auto writeUntil = [&](std::uint32_t endMark, bool& inBlock) {
-    output.writeLine(text);
-    if ((marks & endMark) == 0) return;
-    output.writeLine({});
-    inBlock = false;
-  };
-  if (m_inTransfer) {
-    writeUntil(kTransferDone, m_inTransfer);
-  } else if (m_inDelete && m_deleteFirstLine) {
-    output.writeLine(text);
-    m_deleteFirstLine = false;
-  } else if (m_inDelete) {
-    writeDeleteReply(marks, text, output);
-    m_inDelete = false;
-  } else if (m_inSite) {
-    writeUntil(kSiteDone, m_inSite);
-  } else if (m_inMdtm) {
-    writeUntil(kMdtmDone, m_inMdtm);
-  }
-}
-
-void CommandFilter::writeDeleteReply(std::uint32_t marks, std::string_view text, FilterOutput& output) {
-  const bool isReply = (marks & (k550 | k250)) != 0;
-  const bool isNextDelete = (marks & kDele) != 0 && !isReply;
-  if (isNextDelete) output.writeLine({});
-  if (isNextDelete || isReply) output.writeLine(text);
-  output.writeLine({});
+/// The state with the commands that begin in a line.
+std::uint8_t CommandFilter::withCommands(std::uint8_t state, std::uint32_t marks) const {
+  unsigned all = state;
+  if (m_options.transfers && (marks & (kStor | kRetr)) != 0) all |= InTransfer;
+  if (m_options.deletes && (all & InDelete) == 0 && (marks & kDele) != 0) all |= InDelete | DeleteFirstLine;
+  if (m_options.site && (marks & kSite) != 0) all |= InSite;
+  if (m_options.mdtm && (marks & kMdtm) != 0) all |= InMdtm;
+  return static_cast<std::uint8_t>(all);
 }
 
 }  // namespace quorvel

@@ -1,54 +1,37 @@
 // The two filters that choose which lines of a session are copied. They know neither files nor windows.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-#include "classic/find/session_lines.h"
 #include "classic/find/user_act.h"
+#include "classic/lines/session_lines.h"
 
 namespace quorvel {
 
-/// Takes the lines a filter chose, without line ends; an empty line separates blocks.
-class FilterOutput {
- public:
-  virtual ~FilterOutput() = default;
-  virtual void writeLine(std::string_view line) = 0;
-};
+/// Adds the lines that stand above a session's filtered lines in a file, an empty line at the end included, to text.
+void appendSessionBlockHeader(std::string& text, const UserAct& session);
 
-/// Where the filtered lines of one session after the other go.
-class FilterTarget : public FilterOutput {
- public:
-  virtual void beginSession(const UserAct& session) = 0;
-  virtual void endSession() = 0;
-  /// Makes every line written so far visible.
-  virtual void flush() = 0;
-  /// False when a write failed; later ones do nothing then.
-  [[nodiscard]] virtual bool isOk() const = 0;
-};
-
-class SessionFilter {
- public:
-  virtual ~SessionFilter() = default;
-  virtual void begin(const UserAct& session) = 0;
-  /// Takes the next line that readSessionLines() hands out for the session. Lines that concern neither the session nor
-  /// a server start have no effect in any filter and need not be handed in. Returns false when the session is over.
-  virtual bool line(const SessionLine& line, FilterOutput& output) = 0;
+enum class FilterHeader {
+  None,
+  Block,  ///< above each session, but those with Position 0
 };
 
 /// Copies every line of the session from its connect line to its closing line, or to a server start.
-class EntireSessionFilter final : public SessionFilter {
+class EntireSessionFilter final : public LineRule {
  public:
-  void begin(const UserAct& session) override;
-  bool line(const SessionLine& line, FilterOutput& output) override;
+  explicit EntireSessionFilter(FilterHeader header);
+
+  [[nodiscard]] std::uint32_t marksOf(bool hasDash, std::string_view after) const override;
+  [[nodiscard]] std::string_view header(const UserAct& session) override;
+  bool take(const LogLine& line, std::uint32_t marks, bool hasServerStart, std::uint8_t& state,
+            SessionTexts& texts) override;
 
  private:
-  [[nodiscard]] bool isConnectLine(const SessionLine& line) const;
-
-  std::string m_connectTime;
-  std::string m_ip;
-  bool m_isConnected = false;
+  const FilterHeader m_kind;
+  std::string m_header;
 };
 
 /// What the command filter copies.
@@ -59,25 +42,22 @@ struct CommandFilterOptions {
   bool mdtm = false;
 };
 
-/// Copies the chosen FTP commands with their replies, an empty line behind each block.
-class CommandFilter final : public SessionFilter {
+/// Copies the chosen FTP commands with their replies, an empty line after each block.
+class CommandFilter final : public LineRule {
  public:
-  explicit CommandFilter(const CommandFilterOptions& options) : m_options(options) {}
+  CommandFilter(const CommandFilterOptions& options, FilterHeader header);
 
-  void begin(const UserAct& session) override;
-  bool line(const SessionLine& line, FilterOutput& output) override;
+  [[nodiscard]] std::uint32_t marksOf(bool hasDash, std::string_view after) const override;
+  [[nodiscard]] std::string_view header(const UserAct& session) override;
+  bool take(const LogLine& line, std::uint32_t marks, bool hasServerStart, std::uint8_t& state,
+            SessionTexts& texts) override;
 
  private:
-  void detectCommands(std::uint32_t marks);
-  void writeBlockLine(std::uint32_t marks, std::string_view text, FilterOutput& output);
-  void writeDeleteReply(std::uint32_t marks, std::string_view text, FilterOutput& output);
+  [[nodiscard]] std::uint8_t withCommands(std::uint8_t state, std::uint32_t marks) const;
 
-  CommandFilterOptions m_options;
-  bool m_inTransfer = false;
-  bool m_inDelete = false;
-  bool m_deleteFirstLine = false;
-  bool m_inSite = false;
-  bool m_inMdtm = false;
+  const CommandFilterOptions m_options;
+  const FilterHeader m_kind;
+  std::string m_header;
 };
 
 }  // namespace quorvel

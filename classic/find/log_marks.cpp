@@ -265,7 +265,7 @@ class LineWriter {
 
 }  // namespace
 
-SessionId sessionIdAt(const char* bracket) {
+SessionId sessionIdAt(const char* bracket, bool foldsCase) {
   constexpr auto kZero = std::bit_cast<std::uint64_t>(std::array{'(', '0', '0', '0', '0', '0', '0', ')'});
   constexpr auto kCarry = std::bit_cast<std::uint64_t>(std::array<std::uint8_t, 8>{0, 6, 6, 6, 6, 6, 6, 0});
   constexpr auto kBeyond =
@@ -280,7 +280,7 @@ SessionId sessionIdAt(const char* bracket) {
   }
   SessionId bytes = 0;
   for (int i = 0; i < kSessionNumberLength; ++i) {
-    bytes |= SessionId{static_cast<unsigned char>(foldCase(text[i]))} << (8 * i);
+    bytes |= SessionId{static_cast<unsigned char>(foldsCase ? foldCase(text[i]) : text[i])} << (8 * i);
   }
   return bytes;
 }

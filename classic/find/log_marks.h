@@ -53,8 +53,8 @@ struct LineExtent {
 using SessionId = std::uint64_t;
 inline constexpr SessionId kDigitIds = 1'000'000;
 
-/// The number that ends with the ")" at bracket.
-[[nodiscard]] SessionId sessionIdAt(const char* bracket);
+/// The number that ends with the ")" at bracket; without foldsCase its bytes as they are.
+[[nodiscard]] SessionId sessionIdAt(const char* bracket, bool foldsCase = true);
 
 /// Tells the names in "User ... logged in" lines apart, without regard to case. Differs from run to run, so that
 /// nobody can prepare two names that look the same to it.

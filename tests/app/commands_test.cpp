@@ -78,11 +78,32 @@ TEST_F(ScannedLogTest, ClicksAndTicksAgreeWithReadingRecordAfterRecord) {
       if (first <= users.recordCount()) firstOfEach += users.read(first)->NumberInLog;
     }
     std::string filtered;
-    const auto next = checkedSessions(users, state.tree);
-    while (const auto session = next())
-      filtered += session->NumberInLog;
+    const auto checked = checkedSessions(users, state.tree);
+    for (std::size_t i = 0; i < checked->size(); ++i)
+      filtered += checked->session(i).NumberInLog;
     EXPECT_EQ(filtered, firstOfEach);
   }
+}
+
+TEST_F(ScannedLogTest, AStoppedCountSaysSoAndWritesNothingUnattended) {
+  const std::string session = logSession("000001", "alice", "10.0.0.5");
+  folder.write("a.log", session + std::string(1'000'000, 'x') + "\r\n" + session);
+  scan();
+  window.TreeView1_NodeClick(2);
+  const std::string incomplete = " - incomplete, 26 %\"";
+  for (void (frmMain::*const command)() : {&frmMain::mnuCountAllTransfers_Click, &frmMain::mnuCountIPTransfers_Click}) {
+    view.forgetCalls();
+    view.atYield(view.yieldCount() + 1, [this] { window.mnuStop_Click(); });
+    (window.*command)();
+    const auto results = view.callsStartingWith("counter result");
+    ASSERT_EQ(results.size(), 1u);
+    EXPECT_NE(results[0].find(incomplete), std::string::npos) << results[0];
+  }
+  state.batchFlag = true;
+  state.batchOutputFile = folder / "out.txt";
+  view.atYield(view.yieldCount() + 1, [this] { window.mnuStop_Click(); });
+  window.mnuCountAllTransfers_Click();
+  EXPECT_FALSE(folder.has("out.txt"));
 }
 
 }  // namespace

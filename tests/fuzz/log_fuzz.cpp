@@ -1,8 +1,10 @@
 // Any log: the finder, the lines of sessions, both filters and the counts give what the literal scans give, however
 // much of the log is read at once and on whatever processor.
-#include <optional>
+#include <functional>
+#include <utility>
 
 #include "classic/counter/transfer_counter.h"
+#include "classic/filter/session_filter.h"
 #include "classic/find/record_format.h"
 #include "classic/find/servu_find_user_info.h"
 #include "log/byte_scan.h"
@@ -61,73 +63,76 @@ std::vector<UserAct> chooseSessions(std::vector<UserAct> sessions, const std::st
   return sessions;
 }
 
-/// Hands sessions out one by one.
-SessionSource sourceOf(std::vector<UserAct> sessions) {
-  return [sessions = std::move(sessions), next = std::size_t{0}]() mutable {
-    return next < sessions.size() ? std::optional(sessions[next++]) : std::nullopt;
-  };
-}
+class Sessions final : public SessionList {
+ public:
+  explicit Sessions(std::vector<UserAct> sessions) : m_sessions(std::move(sessions)) {}
+  [[nodiscard]] std::size_t size() const override { return m_sessions.size(); }
+  [[nodiscard]] LogPosition position(std::size_t index) const override { return m_sessions[index].Position; }
+  [[nodiscard]] const UserAct& session(std::size_t index) override { return m_sessions[index]; }
 
-/// Notes what is handed out for each session and what both filters choose. Every fifth session is given up on the way,
-/// all of them after stopAfter.
-struct Reading final : SessionLineConsumer {
-  struct Written final : FilterOutput {
-    Lines lines;
-    bool goesOn = true;
-    void writeLine(std::string_view line) override { lines.emplace_back(line); }
-  };
-  struct Session {
-    std::size_t wanted = SIZE_MAX;
-    Lines lines;
-    Written entire;
-    Written commands;
-  };
-
-  Reading(CommandFilterOptions switches, std::size_t mostSessions) : stopAfter(mostSessions), commandFilter(switches) {}
-
-  bool beginSession(const UserAct& session) override {
-    begun.emplace_back();
-    if (begun.size() % 5 == 0) begun.back().wanted = begun.size() % 7;
-    entireFilter.begin(session);
-    commandFilter.begin(session);
-    return begun.back().wanted > 0;
-  }
-  bool line(const SessionLine& line) override {
-    auto& [wanted, lines, entire, commands] = begun.back();
-    lines.emplace_back(line.text);
-    entire.goesOn = entire.goesOn && entireFilter.line(line, entire);
-    commands.goesOn = commands.goesOn && commandFilter.line(line, commands);
-    return lines.size() < wanted;
-  }
-  void endSession(const UserAct&) override { ++ended; }
-  bool keepGoing(std::uint64_t) override { return begun.size() < stopAfter; }
-
-  std::size_t stopAfter;
-  EntireSessionFilter entireFilter;
-  CommandFilter commandFilter;
-  std::vector<Session> begun;
-  std::size_t ended = 0;
+ private:
+  std::vector<UserAct> m_sessions;
 };
 
-void checkSessionLines(const LogFile& file, const std::string& log, const std::vector<UserAct>& sessions,
-                       CommandFilterOptions switches, std::size_t blockSize) {
-  Reading read(switches, 1);
-  Reading readAll(switches, SIZE_MAX);
-  for (Reading* reading : {&read, &readAll}) {
-    require(readSessionLines(file, sourceOf(sessions), *reading, {blockSize, blockSize}).isOk(), "the log can be read");
-    const std::size_t expected = std::min(sessions.size(), reading->stopAfter);
-    require(reading->begun.size() == expected && reading->ended == expected, "each session is begun and ended");
+/// Keeps the text of each session and ends the reading after so many of them.
+struct Texts final : SessionTextTarget {
+  explicit Texts(std::size_t mostSessions) : stopAfter(mostSessions) {}
+
+  void write(std::string_view piece) override { text += piece; }
+  void endSession(std::size_t index, std::uint32_t count) override {
+    require(index == all.size(), "sessions come out in their order");
+    require(count <= static_cast<std::uint32_t>(std::count(text.begin(), text.end(), '\n')), "its lines are counted");
+    all.push_back(std::exchange(text, {}));
   }
+  bool keepGoing(LogPosition) override { return all.size() < stopAfter; }
+
+  std::size_t stopAfter;
+  std::string text;
+  std::vector<std::string> all;
+};
+
+Lines linesIn(std::string_view text) {
+  Lines lines;
+  for (; !text.empty(); text.remove_prefix(lines.back().size() + 2))
+    lines.emplace_back(text.substr(0, text.find("\r\n")));
+  return lines;
+}
+
+/// What a filter takes for each session, however little of the log or of the texts is in memory.
+void checkFilter(const LogFile& file, const std::vector<UserAct>& sessions, LineRule& rule, std::size_t blockSize,
+                 const std::function<Lines(const UserAct&)>& expected) {
+  MemoryFiles files;
+  const LineReading reading{files, "folder", blockSize, blockSize};
+  Sessions list(sessions);
+  Texts all(SIZE_MAX);
+  require(readSessionLines(file, list, rule, all, reading).isOk(), "the log can be read");
+  require(all.all.size() == sessions.size(), "each session is ended");
   for (std::size_t i = 0; i < sessions.size(); ++i) {
-    const auto& [wanted, lines, entire, commands] = readAll.begun[i];
-    Lines expected = linesAbout(log, sessions[i]);
-    expected.resize(std::min(expected.size(), wanted));
-    const std::string what = " of " + describe(sessions[i]);
-    requireSame("the lines" + what, lines, expected);
-    if (wanted != SIZE_MAX) continue;
-    requireSame("all" + what, entire.lines, entireSession(log, sessions[i]));
-    requireSame("commands" + what, commands.lines, sessionCommands(log, sessions[i], switches));
+    requireSame("the lines of " + describe(sessions[i]), linesIn(all.all[i]), expected(sessions[i]));
   }
+  Texts first(1);
+  (void)readSessionLines(file, list, rule, first, reading);
+  require(first.all.size() <= std::min<std::size_t>(1, sessions.size()), "a reading that is stopped ends");
+  requireNone(first.all.empty() || first.all[0] == all.all[0] ? "" : "the first session is written whole");
+}
+
+void checkFilters(const LogFile& file, const std::string& log, const std::vector<UserAct>& sessions,
+                  CommandFilterOptions switches, std::size_t blockSize) {
+  EntireSessionFilter entire(FilterHeader::None);
+  checkFilter(file, sessions, entire, blockSize, [&](const UserAct& session) { return entireSession(log, session); });
+  CommandFilter commands(switches, FilterHeader::None);
+  checkFilter(file, sessions, commands, blockSize,
+              [&](const UserAct& session) { return sessionCommands(log, session, switches); });
+}
+
+void addTo(CountedTransfers& sum, const CountedTransfers& more) {
+  sum.totals.SentFiles += more.totals.SentFiles;
+  sum.totals.ReceivedFiles += more.totals.ReceivedFiles;
+  sum.totals.SendErrors += more.totals.SendErrors;
+  sum.totals.ReceiveErrors += more.totals.ReceiveErrors;
+  addBytes(sum.totals.BytesSent, more.totals.BytesSent);
+  addBytes(sum.totals.BytesReceived, more.totals.BytesReceived);
+  sum.badLines.insert(sum.badLines.end(), more.badLines.begin(), more.badLines.end());
 }
 
 /// Compares what count adds to the totals and tells the observer.
@@ -135,7 +140,7 @@ template <typename Count>
 void checkCount(const std::string& what, const CountedTransfers& expected, const Count& count) {
   struct BadLines final : CountObserver {
     Lines lines;
-    void onFailedTransfer(std::string_view line, const TransferCount&) override {
+    void onFailedTransfer(std::string_view line, bool) override {
       lines.emplace_back(line.substr(std::min<std::size_t>(line.size(), 27)));
     }
     bool keepGoing(LogPosition) override { return true; }
@@ -145,16 +150,20 @@ void checkCount(const std::string& what, const CountedTransfers& expected, const
   requireSame("failed transfers of " + what, bad.lines, expected.badLines);
 }
 
-void checkCounts(const LogFile& file, const std::string& log, const std::vector<UserAct>& sessions) {
+void checkCounts(const LogFile& file, const std::string& log, const std::vector<UserAct>& sessions,
+                 std::size_t blockSize) {
+  MemoryFiles files;
+  const CountOptions options{.countBytes = true, .showsFailures = true};
   checkCount("the log", allTransfers(log), [&](TransferCount& totals, CountObserver& observer) {
-    return CountAllTransfers(file, {}, totals, observer);
+    return CountAllTransfers(file, options, totals, observer, blockSize);
   });
-  for (const UserAct& session : sessions) {
-    const auto count = [&](TransferCount& totals, CountObserver& observer) {
-      return CountSessionTransfers(file, sourceOf({session}), {}, totals, observer);
-    };
-    checkCount(describe(session), sessionTransfers(log, session), count);
-  }
+  CountedTransfers expected;
+  for (const UserAct& session : sessions)
+    addTo(expected, sessionTransfers(log, session));
+  checkCount("all sessions", expected, [&](TransferCount& totals, CountObserver& observer) {
+    Sessions list(sessions);
+    return CountSessionTransfers(file, list, options, totals, observer, {files, "folder", blockSize, blockSize});
+  });
 }
 
 /// A machine without wide vectors finds the same places.
@@ -192,9 +201,9 @@ void runTarget(FuzzInput input) {
   requireSame("records, read " + std::to_string(blockSize) + " bytes at once", findSessions(file, options), records);
 
   const std::vector<UserAct> sessions = chooseSessions(records, log, choices);
-  checkSessionLines(file, log, sessions, {(choice & 1) != 0, (choice & 2) != 0, (choice & 4) != 0, (choice & 8) != 0},
-                    blockSize);
-  checkCounts(file, log, sessions);
+  checkFilters(file, log, sessions, {(choice & 1) != 0, (choice & 2) != 0, (choice & 4) != 0, (choice & 8) != 0},
+               blockSize);
+  checkCounts(file, log, sessions, blockSize);
   checkPortableScans(log);
 }
 

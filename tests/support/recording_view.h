@@ -81,6 +81,7 @@ class RecordingView : public MainWindowView {
   }
   void setProgress(std::int64_t value) override { note("progress value", value); }
   void showPositionLabels(bool visible) override { note("labels", visible); }
+  void showResult(std::string_view text) override { note("result", text); }
   void setPositionLabels(std::string_view caption, std::string_view position) override {
     note("labels", caption, position);
   }

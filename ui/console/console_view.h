@@ -37,6 +37,7 @@ class ConsoleView final : public MainWindowView {
   void setProgress(std::int64_t value) override { m_value = value; }
   void showPositionLabels(bool) override {}
   void setPositionLabels(std::string_view caption, std::string_view position) override;
+  void showResult(std::string_view) override {}
 
   // TextView: there are no text boxes, nothing is kept.
   void setUserInfo(std::string_view) override {}

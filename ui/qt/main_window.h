@@ -50,6 +50,7 @@ class MainWindow final : public QMainWindow, public MainWindowView {
   void setProgress(std::int64_t value) override;
   void showPositionLabels(bool visible) override;
   void setPositionLabels(std::string_view caption, std::string_view position) override;
+  void showResult(std::string_view text) override;
   // TextView
   void setUserInfo(std::string_view text) override;
   [[nodiscard]] std::string userInfo() const override;

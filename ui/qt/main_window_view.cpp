@@ -53,6 +53,10 @@ void MainWindow::setPositionLabels(std::string_view caption, std::string_view po
   m_sessionTreePage->progress().setLabels(caption, position);
 }
 
+void MainWindow::showResult(std::string_view text) {
+  m_sessionTreePage->progress().showResult(text);
+}
+
 void MainWindow::setUserInfo(std::string_view text) {
   m_sessionTreePage->userInfo().setBytes(text);
 }
@@ -121,6 +125,7 @@ void MainWindow::setCommandRunning(bool running) {
   m_stopShortcut->setEnabled(running);
   m_sessionTreePage->tree().letClicksWait(running);
   m_sessionTreePage->progress().showStop(running);
+  if (running) m_sessionTreePage->progress().showResult({});
   if (!running && m_isClosing) QMetaObject::invokeMethod(this, &MainWindow::closeWindow, Qt::QueuedConnection);
 }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "ui/qt/one_line_label.h"
 #include "ui/qt/text.h"
 
 namespace quorvel {
@@ -22,9 +23,9 @@ QLabel* makeLabel(const QString& name) {
   return label;
 }
 
-void keepPlace(QWidget* widget) {
+void keepPlace(QWidget* widget, bool keeps = true) {
   QSizePolicy policy = widget->sizePolicy();
-  policy.setRetainSizeWhenHidden(true);
+  policy.setRetainSizeWhenHidden(keeps);
   widget->setSizePolicy(policy);
 }
 
@@ -35,6 +36,7 @@ ProgressRow::ProgressRow(QWidget* parent)
       m_caption(makeLabel(QStringLiteral("lblCurrentPosCaption"))),
       m_position(makeLabel(QStringLiteral("lblCurrentPos"))),
       m_bar(new QProgressBar),
+      m_result(new OneLineLabel),
       m_stop(new QPushButton(QStringLiteral("Stop"))) {
   m_caption->setText(QStringLiteral("Current position:"));
   m_position->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("2147483647")));
@@ -58,11 +60,14 @@ void ProgressRow::arrange() {
   row->addWidget(m_caption);
   row->addWidget(m_position);
   row->addWidget(m_bar, 1);
+  row->addWidget(m_result, 1);
   row->addWidget(m_stop);
   for (QWidget* const widget : std::initializer_list<QWidget*>{m_caption, m_position, m_bar, m_stop}) {
     keepPlace(widget);
     widget->hide();
   }
+  m_result->setObjectName(QStringLiteral("lblResult"));
+  m_result->hide();
 }
 
 void ProgressRow::showBar(bool visible) {
@@ -80,6 +85,12 @@ void ProgressRow::setValue(std::int64_t value) {
   const double share = static_cast<double>(std::clamp(value, m_minimum, m_maximum) - m_minimum) /
                        static_cast<double>(m_maximum - m_minimum);
   m_bar->setValue(static_cast<int>(share * kSteps));
+}
+
+void ProgressRow::showResult(std::string_view text) {
+  m_result->setText(toQString(text));
+  keepPlace(m_bar, text.empty());
+  m_result->setVisible(!text.empty());
 }
 
 void ProgressRow::showLabels(bool visible) {

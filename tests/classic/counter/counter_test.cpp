@@ -16,8 +16,8 @@ const std::string kReceived =
     "[6] Wed 19Jan05 13:28:40 - (000001) Received file C:\\b successfully (3.1 Kb/sec - 1024 bytes)\r\n";
 
 struct Observer : CountObserver {
-  void onFailedTransfer(std::string_view line, const TransferCount& totals) override {
-    failed.push_back(std::to_string(totals.SendErrors + totals.ReceiveErrors) + ":" + std::string(line));
+  void onFailedTransfer(std::string_view line, bool isFirst) override {
+    failed.push_back((isFirst ? "first: " : "later: ") + std::string(line));
   }
   bool keepGoing(LogPosition) override { return !stops; }
 
@@ -27,7 +27,7 @@ struct Observer : CountObserver {
 
 TransferCount countAll(const std::string& text, Observer& observer) {
   TransferCount totals;
-  EXPECT_TRUE(CountAllTransfers(openLog(text), {}, totals, observer).isOk());
+  EXPECT_TRUE(CountAllTransfers(openLog(text), {.countBytes = true, .showsFailures = true}, totals, observer).isOk());
   return totals;
 }
 
@@ -50,7 +50,7 @@ TEST(TransferCounter, CountsLinesLongerThanItsMemory) {
     Observer observer;
     EXPECT_EQ(countAll(text, observer), (TransferCount{2, 2, 1, 0, 410'370'000, 10'240'000})) << length;
     ASSERT_EQ(observer.failed.size(), 1u);
-    EXPECT_TRUE(observer.failed[0].starts_with("0:begin Error sending xxx"));
+    EXPECT_TRUE(observer.failed[0].starts_with("first: begin Error sending xxx"));
     EXPECT_TRUE(observer.failed[0].ends_with("xxx end"));
   }
 }
@@ -71,12 +71,12 @@ TEST(FixedPoint, RoundsHalvesToEvenAndAddsWithoutALimit) {
 TEST(TransferCount, NeverWrapsAround) {
   constexpr auto kMost = std::numeric_limits<std::int32_t>::max();
   TransferCount totals{kMost, kMost, kMost, kMost, kMax - 1, kMin + 1};
-  countOne(totals.SentFiles);
+  countMore(totals.SentFiles, 3);
   addBytes(totals.BytesSent, 2);
   addBytes(totals.BytesReceived, -2);
   EXPECT_EQ(totals, (TransferCount{kMost, kMost, kMost, kMost, kMax - 1, kMin + 1}));
-  addBytes(totals.BytesSent, 1);
-  addBytes(totals.BytesReceived, -1);
+  addBytes(totals.BytesSent, 1, 3);
+  addBytes(totals.BytesReceived, -1, 3);
   EXPECT_EQ(totals, (TransferCount{kMost, kMost, kMost, kMost, kMax, kMin}));
   const std::string text = counterResultText(totals, {false, false, {}});
   EXPECT_NE(text.find("transfers: 4294967294\r\n\r\nRETR errors: 2147483647\r\n"), std::string::npos) << text;

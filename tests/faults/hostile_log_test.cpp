@@ -66,7 +66,7 @@ class SparseFile final : public File {
 
 /// Files in memory; the log is larger than all of it.
 struct HugeLogFiles final : MemoryFiles {
-  [[nodiscard]] Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode) override {
+  [[nodiscard]] Result<std::unique_ptr<File>> open(const std::filesystem::path& path, OpenMode mode, Owner) override {
     if (path != kLog) return MemoryFiles::open(path, mode);
     return std::unique_ptr<File>(std::make_unique<SparseFile>(std::uint64_t{1} << 32 | 0xFFFFF, texts));
   }

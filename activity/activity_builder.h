@@ -41,7 +41,7 @@ class ActivityBuilder {
   struct Server {
     Server(const GrammarTraits& itsTraits, const TablesInWork& tables)
         : traits(itsTraits),
-          finder(itsTraits.sessions, tables.sessions, tables.texts),
+          finder(itsTraits, tables.sessions, tables.texts),
           firstSinceStart(static_cast<RowNumber>(tables.sessions.size())) {}
     GrammarTraits traits;
     SessionFinder finder;

@@ -13,8 +13,6 @@ namespace {
 constexpr std::size_t kMostDigits = 6;
 /// As high as processes are numbered.
 constexpr std::uint32_t kMostProcess = 1u << 22;
-/// Between the processes of one session, which others may have begun among.
-constexpr std::int64_t kFarthestNeighbour = 8;
 /// Between the end of one transfer and the start of the next of one session.
 constexpr std::int64_t kLongestPause = 30 * 60;
 
@@ -38,8 +36,9 @@ RowNumber& placeIn(std::vector<RowNumber>& table, std::uint32_t number, std::siz
 
 }  // namespace
 
-SessionFinder::SessionFinder(SessionRule rule, const OpenSessions& sessions, const TextPool& texts)
-    : m_rule(rule),
+SessionFinder::SessionFinder(const GrammarTraits& traits, const OpenSessions& sessions, const TextPool& texts)
+    : m_rule(traits.sessions),
+      m_neighbours(traits.neighbours),
       m_sessions(sessions),
       m_texts(texts),
       m_first(static_cast<RowNumber>(sessions.size())),
@@ -135,15 +134,20 @@ RowNumber SessionFinder::findNeighbours(const Event& event) const {
   };
   // The process that logs on stands in front of the one that told of the connection.
   const bool isLogon = event.kind == EventKind::LoggedOn || event.kind == EventKind::Refused;
-  if (const RowNumber connected = sessionOf(1);
-      (event.user.empty() || isLogon) && fits(connected) && m_sessions.row(connected).lines == 1)
-    return connected;
   const auto isOver = [this](RowNumber session) { return m_sessions.row(session).end != SessionEnd::Open; };
+  const auto isOnlyOneLine = [this](RowNumber session) { return m_sessions.row(session).lines == 1; };
+  const auto hasLogon = [this](RowNumber session) { return m_sessions.row(session).outcome == LogonResult::LoggedOn; };
+  if (const RowNumber connected = sessionOf(1);
+      (event.user.empty() || isLogon) && fits(connected) &&
+      (isOnlyOneLine(connected) || (isLogon && !hasLogon(connected) && !isOver(connected))))
+    return connected;
   if (const RowNumber same = sessionOf(0); fits(same) && !(isLogon && isOver(same))) return same;
   if (event.user.empty()) return kNoRow;
-  for (std::int64_t before = 1; before <= kFarthestNeighbour; ++before) {
+  for (int before = 1; before <= m_neighbours; ++before) {
     const RowNumber session = sessionOf(-before);
     if (!fits(session) || m_texts[m_sessions.row(session).user] != event.user) continue;
+    // Who logs on where another process just did is the same; else it is the next session.
+    if (isLogon && !isOnlyOneLine(session)) continue;
     if (event.kind == EventKind::Close || !isOver(session)) return session;
   }
   return kNoRow;

@@ -18,7 +18,7 @@ namespace quorvel {
 /// Constant work for each line. Sessions are found from the last forget() on only.
 class SessionFinder {
  public:
-  SessionFinder(SessionRule rule, const OpenSessions& sessions, const TextPool& texts);
+  SessionFinder(const GrammarTraits& traits, const OpenSessions& sessions, const TextPool& texts);
 
   /// The session that a line belongs to; kNoRow where it begins a new one.
   [[nodiscard]] RowNumber find(const Event& event);
@@ -53,6 +53,7 @@ class SessionFinder {
   void grow();
 
   const SessionRule m_rule;
+  const int m_neighbours;
   const OpenSessions& m_sessions;
   const TextPool& m_texts;
   RowNumber m_first = 0;  ///< sessions before it are over

@@ -56,6 +56,9 @@ RowNumber TablesInWork::tellAction(SessionState& session, const Event& line, con
   const bool tellsUser = line.kind == EventKind::Transfer || line.kind == EventKind::FileChange ||
                          (line.kind == EventKind::Command && line.reply != 0);
   row.user = tellsUser && !line.user.empty() ? texts.add(line.user) : session.loggedOnAs;
+  // What another process of the session still tells behind its end.
+  const bool isLogonKnown = session.row.isInferred && session.row.outcome == LogonResult::LoggedOn;
+  if (row.user == kNoText && isLogonKnown) row.user = session.row.user;
   row.address = session.row.address;
   row.path = texts.add(told.path);
   row.toPath = texts.add(told.toPath);

@@ -44,6 +44,7 @@ enum class SessionRule : std::uint8_t {
 /// What a format tells, for the tables and for the sentences of `check`.
 struct GrammarTraits {
   SessionRule sessions = SessionRule::ByKey;
+  int neighbours = 2;       ///< how far the processes of one session lie apart at most
   bool tellsLogons = true;  ///< else outcomes of sessions are null
   bool tellsEnds = true;
   bool tellsSizes = true;

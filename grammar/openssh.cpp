@@ -230,6 +230,7 @@ class OpenSsh final : public Grammar {
   std::string_view title() const override { return "OpenSSH"; }
   GrammarTraits traits() const override {
     return {.sessions = SessionRule::ByProcessNeighbours,
+            .neighbours = 8,
             .missing =
                 "OpenSSH writes files only where its sftp subsystem runs with -l INFO or VERBOSE, and failures "
                 "with VERBOSE only; a transfer of an empty file, and which of sshd's log-ons began an SFTP "
@@ -244,8 +245,10 @@ class OpenSsh final : public Grammar {
 
 void readOpenSshMessage(std::string_view message, Event& event) {
   event.speaker = Speaker::Server;
+  event.text = {};
   event.kind = readSftp(message, event);
   if (event.kind == EventKind::Unknown) event.kind = readSshd(message, event);
+  if (event.kind == EventKind::Unknown) event.text = message;
 }
 
 const Grammar& openSsh() {

@@ -73,7 +73,7 @@ EventKind readWords(std::string_view text, Event& event) {
     return EventKind::LoggedOn;
   }
   if (text == "Anonymous user logged in") {
-    event.user = "anonymous";
+    event.user = "ftp";  // as the lines that follow name it
     return EventKind::LoggedOn;
   }
   if (line.take("Authentication failed for user [") && line.rest().ends_with(']')) {

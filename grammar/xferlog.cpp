@@ -91,7 +91,7 @@ class Xferlog final : public Grammar {
     }
     event.kind = EventKind::Transfer;
     event.action = middle->direction == 'i' ? FileAction::Upload : FileAction::Download;
-    event.isAborted = status == "i";
+    event.isAborted = status == "i" && *bytes > 0;  // without a byte it may have been refused
     event.bytes = *bytes;
     event.seconds = *seconds;
   }

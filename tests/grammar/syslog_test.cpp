@@ -114,7 +114,7 @@ TEST(PureFtpd, TellsWhatItsSyslogSays) {
   const LineCase cases[] = {
       {"(?@10.0.0.5) [INFO] New connection from 10.0.0.5", "Connect address=10.0.0.5"},
       {"(?@10.0.0.5) [INFO] alice is now logged in", "LoggedOn user=alice address=10.0.0.5"},
-      {"(?@10.0.0.5) [INFO] Anonymous user logged in", "LoggedOn user=anonymous address=10.0.0.5"},
+      {"(?@10.0.0.5) [INFO] Anonymous user logged in", "LoggedOn user=ftp address=10.0.0.5"},
       {"(?@10.0.0.5) [WARNING] Authentication failed for user [b] [ob]",
        "Refused refused user=b] [ob address=10.0.0.5"},
       {"(a@b.org@::1) [NOTICE] //srv/x uploaded (7 bytes, 1KB sec) uploaded  (12345 bytes, 3215.00KB/sec)",

@@ -18,6 +18,8 @@ TEST(Xferlog, TellsWhatItsLinesSay) {
        "Transfer upload ok user=alice address=10.0.0.5 path=/home/alice/up.bin bytes=12345 seconds=1"},
       {"120 ::1 99999999999 /a/b  c.iso a _ o r bob ftp 1 bob i",
        "Transfer download failed aborted user=bob address=::1 path=/a/b  c.iso bytes=99999999999 seconds=120"},
+      {"1 10.0.0.5 0 /x b _ i r alice ftp 0 * i",
+       "Transfer upload failed user=alice address=10.0.0.5 path=/x bytes=0 seconds=1"},
       {"0 host.example.org 0 /pub/x b _ d g guest sftp 0 * c",
        "FileChange delete ok user=guest address=host.example.org path=/pub/x"},
       {"1 10.0.0.5 7 /x b CT i r two words ftp 0 * c",

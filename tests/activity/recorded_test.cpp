@@ -15,8 +15,8 @@
 namespace quorvel::test {
 namespace {
 
-std::string fileText(const std::string& name) {
-  std::ifstream file(std::string(QUORVEL_RECORDED) + "/" + name, std::ios::binary);
+std::string fileText(const std::string& name, std::string_view folder = QUORVEL_RECORDED) {
+  std::ifstream file(std::string(folder) + "/" + name, std::ios::binary);
   EXPECT_TRUE(file) << name;
   return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -221,6 +221,42 @@ TEST(Recorded, TablesHoldWhatWasDone) {
     for (const Deed& deed : readTsv(name.substr(0, name.find('/')) + "/done.tsv"))
       if (auto told = expectedOf(recording, deed)) expected.push_back(*std::move(told));
     EXPECT_EQ(textOf(deedsIn(activity)), textOf(expected)) << name;
+  }
+}
+
+// FileZilla Server and IIS could not be run here: their samples are made up.
+TEST(MadeUp, TablesHoldWhatTheSamplesSay) {
+  struct Sample {
+    const char* log;
+    const char* server;
+    const char* sessions;  ///< user, address, lines, end
+    const char* deeds;
+  };
+  const Sample samples[] = {
+      {"filezilla-0.9.log", "filezilla", "alice@10.0.0.5 26 closed\n",
+       "failed logon alice\nok logon alice\nok upload alice | two words.zip\nfailed download alice | large.iso\n"},
+      {"filezilla-1.log", "filezilla", "alice@10.0.0.5 14 closed\neve@10.0.0.6 8 closed\n",
+       "ok logon alice\nok upload alice | report.xls\nok delete alice | old.xls\nfailed logon eve\n"},
+      {"iis-10.log", "iis", "alice@10.0.0.5 10 closed\n",
+       "failed logon alice\nok logon alice\nok upload HOST\\alice | /in/two+words.zip | 81116\nfailed download "
+       "HOST\\alice | /in/none.zip\n"},
+      {"iis-6.log", "iis", "alice@10.0.0.5 6 closed\n",
+       "ok logon alice\nok upload alice | /in/a.zip | 81116\nfailed download alice | /in/b.zip\nok delete alice | "
+       "b.zip\n"},
+  };
+  for (const Sample& sample : samples) {
+    const Activity activity = readActivity(fileText(sample.log, QUORVEL_SAMPLES "/made-up"), {});
+    const LogInfo& info = activity.logs.at(0);
+    EXPECT_EQ(info.grammar->name(), sample.server) << sample.log;
+    EXPECT_EQ(info.ledger.setAside.lines, 0u) << sample.log;
+    std::string sessions;
+    for (std::size_t i = 0; i < activity.sessions.size(); ++i) {
+      const SessionRow& row = activity.sessions[i];
+      sessions.append(activity.text(row.user)).append("@").append(activity.text(row.address)).append(" ");
+      sessions.append(std::to_string(row.lines)).append(" ").append(sessionEndName(row.end)).append("\n");
+    }
+    EXPECT_EQ(sessions, sample.sessions) << sample.log;
+    EXPECT_EQ(textOf(deedsIn(activity)), sample.deeds) << sample.log;
   }
 }
 

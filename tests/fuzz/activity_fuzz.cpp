@@ -23,8 +23,8 @@ void requireInside(std::string_view part, std::string_view line) {
 void requireInside(const Event& event, std::string_view line) {
   for (const std::string_view part : {event.key, event.text, event.path, event.toPath, event.address})
     requireInside(part, line);
-  // A grammar may have a name of its own for a guest.
-  if (event.user != "anonymous") requireInside(event.user, line);
+  // A grammar may have names of its own for a guest, and for one that the line names otherwise.
+  if (event.user != "anonymous" && event.user != "ftp" && event.user != "root") requireInside(event.user, line);
 }
 
 /// All lines by this grammar, whether they are its own or not.

@@ -1,10 +1,10 @@
 #include "grammar/ftp_words.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
-#include <string>
 
 #include "grammar/line_front.h"
-#include "log/text.h"
 
 namespace quorvel {
 namespace {
@@ -36,24 +36,34 @@ constexpr VerbName kVerbs[] = {
 };
 
 /// Commands that mean nothing to a session.
-constexpr std::string_view kOthers =
-    " ACCT ADAT ALLO AUTH AVBL CCC CLNT COMB CONF CSID EPRT EPSV ENC FEAT HASH HELP HOST LANG LIST LPRT LPSV MDTM MFCT "
-    "MFF MFMT MIC MLSD MLST MODE NLST NOOP OPTS PASV PBSZ PORT PROT REST RMDA SITE SIZE SMNT STAT STRU SYST THMB TYPE "
-    "XCRC XMD5 XSHA ";
+constexpr std::array kOthers = {
+    wordNumber("ACCT"), wordNumber("ADAT"), wordNumber("ALLO"), wordNumber("AUTH"), wordNumber("AVBL"),
+    wordNumber("CCC"),  wordNumber("CLNT"), wordNumber("COMB"), wordNumber("CONF"), wordNumber("CSID"),
+    wordNumber("EPRT"), wordNumber("EPSV"), wordNumber("ENC"),  wordNumber("FEAT"), wordNumber("HASH"),
+    wordNumber("HELP"), wordNumber("HOST"), wordNumber("LANG"), wordNumber("LIST"), wordNumber("LPRT"),
+    wordNumber("LPSV"), wordNumber("MDTM"), wordNumber("MFCT"), wordNumber("MFF"),  wordNumber("MFMT"),
+    wordNumber("MIC"),  wordNumber("MLSD"), wordNumber("MLST"), wordNumber("MODE"), wordNumber("NLST"),
+    wordNumber("NOOP"), wordNumber("OPTS"), wordNumber("PASV"), wordNumber("PBSZ"), wordNumber("PORT"),
+    wordNumber("PROT"), wordNumber("REST"), wordNumber("RMDA"), wordNumber("SITE"), wordNumber("SIZE"),
+    wordNumber("SMNT"), wordNumber("STAT"), wordNumber("STRU"), wordNumber("SYST"), wordNumber("THMB"),
+    wordNumber("TYPE"), wordNumber("XCRC"), wordNumber("XMD5"), wordNumber("XSHA")};
 
-}  // namespace
-
-Verb ftpVerb(std::string_view word) {
-  const std::uint32_t number = wordNumber(word);
+Verb verbOf(std::uint32_t number) {
   for (const VerbName& verb : kVerbs)
     if (verb.word == number) return verb.verb;
   return Verb::Other;
 }
 
+}  // namespace
+
+Verb ftpVerb(std::string_view word) {
+  return verbOf(wordNumber(word));
+}
+
 bool isFtpCommand(std::string_view text) {
-  const std::string_view word = text.substr(0, text.find(' '));
-  if (ftpVerb(word) != Verb::Other) return true;
-  return word.size() >= 3 && word.size() <= 4 && kOthers.find(" " + upperCase(word) + " ") != std::string_view::npos;
+  const std::uint32_t number = wordNumber(text.substr(0, text.find(' ')));
+  if (number == 0) return false;
+  return verbOf(number) != Verb::Other || std::find(kOthers.begin(), kOthers.end(), number) != kOthers.end();
 }
 
 void readFtpCommand(std::string_view text, Event& event) {

@@ -47,7 +47,7 @@ class TableExport {
 
 Status writeEvents(const Request& request, FileSystem& files, const LogReading& reading, const Selection& selection) {
   const auto zone = TimeZone::named(request.timeZone);
-  if (!zone) return Error{ErrorCode::PathNotFound, request.timeZone, "No such time zone is known"};
+  if (!zone) return Error{ErrorCode::PathNotFound, {}, "No such time zone is known"};
   auto output = request.output.empty() ? standardOutput() : openOutput(files, request.output);
   if (!output.isOk()) return output.error();
   std::vector<std::string> names;

@@ -10,6 +10,7 @@
 #include "cli/log_reading.h"
 #include "cli/request.h"
 #include "cli/standard_output.h"
+#include "cli/time_zone.h"
 #include "log/clock.h"
 #include "log/text.h"
 #include "report/cell_text.h"
@@ -61,6 +62,10 @@ class NamedCommand {
     for (const std::string& log : m_request.logs) {
       if (!m_request.output.empty() && log != "-" && isSameFile(m_request.output, log))
         return fail(m_request.output + ": this is a log; results cannot be written into it.");
+    }
+    if (!m_request.timeZone.empty() && !TimeZone::named(m_request.timeZone)) {
+      tell("--timezone: \"" + m_request.timeZone + "\" is no time zone that this system knows.");
+      return kWrongArguments;
     }
     const LogReading reading = readLogs(
         m_shell.files, m_request.logs, [this](const std::string& sentence) { tell(sentence); }, m_shell.isInterrupted);

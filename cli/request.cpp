@@ -70,6 +70,9 @@ struct Given {
   std::string format;
 };
 
+/// Of any number that is given.
+constexpr std::size_t kMost = 1'000'000'000;
+
 class RequestParser {
  public:
   RequestParser() : m_app("Reads FTP servers' logs and answers questions about them", "quorvel") {
@@ -109,6 +112,7 @@ class RequestParser {
               "--by", m_request.by,
               name == CommandName::Traffic ? "One or two keys, with a comma between them" : "What a row stands for")
           ->delimiter(',')
+          ->allow_extra_args(false)
           ->check(CLI::IsMember(keys));
     }
     if (name == CommandName::Transfers) command->add_flag("--all", m_request.isAll, "Those that went over, too");
@@ -128,6 +132,7 @@ class RequestParser {
           ->type_name("RULE")
           ->take_all()
           ->expected(1)
+          ->allow_extra_args(false)
           ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   }
 
@@ -136,6 +141,7 @@ class RequestParser {
       command.add_option(name, values, help)
           ->type_name("TEXT")
           ->expected(1)
+          ->allow_extra_args(false)
           ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     };
     command.add_option("--from", m_request.from, "From this time on: 2005-06-06, 2005-06-06T08:00, yesterday, -7d")
@@ -166,19 +172,25 @@ class RequestParser {
     if (name == CommandName::Export || name == CommandName::Digest) return;
     command.add_option("--sort", m_request.sort, "Order by this column")->type_name("COLUMN");
     command.add_flag("--reverse", m_request.isReversed, "Largest first");
-    command.add_option("--limit", m_request.limit, "Print so many rows at most")->type_name("N");
+    command.add_option("--limit", m_request.limit, "Print so many rows at most")
+        ->check(CLI::Range(std::size_t{0}, kMost))
+        ->type_name("N");
     command.add_option("--columns", m_request.columns, "Print these columns, with commas between them")
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->type_name("NAMES");
   }
 
   void addThresholds(CLI::App& command) {
     Thresholds& thresholds = m_request.thresholds;
     command.add_option("--in-ten-minutes", thresholds.inTenMinutes, "Refusals within ten minutes that stand out (5)")
+        ->check(CLI::Range(std::size_t{0}, kMost))
         ->type_name("N");
     command.add_option("--in-two-minutes", thresholds.inTwoMinutes, "Refusals within two minutes that stand out (8)")
+        ->check(CLI::Range(std::size_t{0}, kMost))
         ->type_name("N");
     command.add_option("--before-success", thresholds.beforeSuccess, "Refusals before a log-on that stand out (3)")
+        ->check(CLI::Range(std::size_t{0}, kMost))
         ->type_name("N");
   }
 

@@ -103,8 +103,9 @@ class EcsWriter {
     name("event").append(R"({"kind":"event","category":["network","session"],"type":[)");
     m_record->append(isStart ? R"("connection","start"],"action":"session-start")"
                              : R"("connection","end"],"action":"session-end")");
+    constexpr std::int64_t kNanoseconds = 1'000'000'000;
     if (!isStart && row.seconds() >= 0)
-      m_record->append(",\"duration\":").append(std::to_string(row.seconds())).append("000000000");
+      m_record->append(",\"duration\":").append(std::to_string(row.seconds() * kNanoseconds));
     endEvent();
     common(row.user, row.address, row.server, 0);
   }

@@ -67,7 +67,7 @@ Result<std::unique_ptr<Output>> openOutput(FileSystem& files, const std::filesys
   const auto status = std::filesystem::status(path, error);
   const bool isInPlace = std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
   auto replacing = isInPlace ? nullptr : std::make_unique<ReplacingFile>(files, path);
-  auto file = files.open(isInPlace ? path : replacing->temporary(), OpenMode::Replace);
+  auto file = isInPlace ? files.open(path, OpenMode::Append) : files.open(replacing->temporary(), OpenMode::Replace);
   if (!file.isOk()) return isInPlace ? file.error() : replacing->named(file.error());
   return std::unique_ptr<Output>(std::make_unique<FileOutput>(std::move(file.value()), std::move(replacing)));
 }

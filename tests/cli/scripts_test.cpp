@@ -18,7 +18,7 @@ class Shell : private ProgramShell {
 
   /// What the command behind "> " writes to both streams, and its status when that is not 0.
   [[nodiscard]] std::string act(const std::string& line) const {
-    const Run ended = run("exec 2>&1\n" + line.substr(2));
+    const Run ended = run("exec 2>&1\nsamples=" QUORVEL_SAMPLES "\n" + line.substr(2));
     const std::string status = ended.status == 0 ? "" : "status " + std::to_string(ended.status) + "\n";
     const std::string output = std::regex_replace(ended.out, std::regex("\r\n"), "\n") + status;
     return std::regex_replace(output, std::regex(home.path().string()), "HOME");

@@ -11,8 +11,9 @@ using Field = ScopeWord::Field;
 
 TEST(ScopeWords, AreReadAndWrittenAlike) {
   std::vector<ScopeWord> words;
-  EXPECT_FALSE(parseWords(
-      R"( user:alice ip:10.0. -word "two words"	path:"c:\a b" -outcome:ok "say ""hi""" a.b:c )", words));
+  constexpr std::string_view kText =
+      " user:alice ip:10.0. -word \"two words\"\tpath:\"c:\\a b\" -outcome:ok \"say \"\"hi\"\"\" a.b:c ";
+  EXPECT_FALSE(parseWords(kText, words));
   const std::vector<ScopeWord> expected = {{Field::User, "alice", false},     {Field::Address, "10.0.", false},
                                            {Field::Any, "word", true},        {Field::Any, "two words", false},
                                            {Field::Path, "c:\\a b", false},   {Field::Outcome, "ok", true},

@@ -1,5 +1,7 @@
 #include "report/check.h"
 
+#include <bitset>
+
 #include "log/text.h"
 #include "report/cell_text.h"
 
@@ -13,7 +15,8 @@ std::string percentText(std::int64_t hundredths) {
 /// Each with the log's name in front.
 class Sentences {
  public:
-  explicit Sentences(const LogInfo& log) : m_log(log) {}
+  /// servers: those whose sessions the log holds, by Event::server.
+  Sentences(const LogInfo& log, const std::bitset<256>& servers) : m_log(log), m_servers(servers) {}
 
   void tell(std::vector<std::string>& sentences) const {
     const auto add = [&](const std::string& sentence) {
@@ -23,6 +26,8 @@ class Sentences {
     add(others());
     add(clock());
     if (m_log.grammar != nullptr) add(std::string(m_log.grammar->traits().missing));
+    for (std::size_t i = 0; i < grammars().size(); ++i)
+      if (m_servers[i] && grammars()[i] != m_log.grammar) add(std::string(grammars()[i]->traits().missing));
     if (!m_log.isComplete) add("It was not read to its end.");
     for (const std::string& note : m_log.notes)
       add(validUtf8(note));
@@ -55,14 +60,21 @@ class Sentences {
   }
 
   const LogInfo& m_log;
+  const std::bitset<256>& m_servers;
 };
 
 }  // namespace
 
 std::vector<std::string> checkSentences(const Activity& activity) {
+  std::vector<std::bitset<256>> servers(activity.logs.size());
+  for (std::size_t i = 0; i < activity.sessions.size(); ++i) {
+    const SessionRow& row = activity.sessions[i];
+    const Grammar* const grammar = activity.logs[row.log].grammar;
+    if (grammar != nullptr && grammar->traits().isMixed) servers[row.log].set(row.server);
+  }
   std::vector<std::string> sentences;
-  for (const LogInfo& log : activity.logs)
-    Sentences(log).tell(sentences);
+  for (std::size_t i = 0; i < activity.logs.size(); ++i)
+    Sentences(activity.logs[i], servers[i]).tell(sentences);
   return sentences;
 }
 

@@ -1,6 +1,9 @@
 // What each question answers, on small tables made by hand.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
+#include "grammar/all_grammars.h"
 #include "report/check.h"
 #include "report/files.h"
 #include "report/logins.h"
@@ -277,6 +280,19 @@ TEST(Check, SaysWhatALogDoesNotTell) {
   ledger.understood.lines = 1'000'000'000;
   EXPECT_EQ(setAsidePercent(ledger), 1);
   EXPECT_EQ(setAsidePercent({}), 0);
+}
+
+// A log of several servers: what each of those in it cannot tell, and of no other.
+TEST(Check, SaysWhatEachServerOfAMixedLogDoesNotTell) {
+  ActivityMaker maker;
+  maker.log().grammar = &syslog();
+  maker.session("alice", "a");
+  const auto all = grammars();
+  maker.lastRow().server = static_cast<std::uint8_t>(std::find(all.begin(), all.end(), &openSsh()) - all.begin());
+  std::vector<std::string> sentences = checkSentences(maker.activity());
+  ASSERT_EQ(sentences.size(), 3u);
+  EXPECT_EQ(sentences[1], "a.log: " + std::string(syslog().traits().missing));
+  EXPECT_EQ(sentences[2], "a.log: " + std::string(openSsh().traits().missing));
 }
 
 }  // namespace

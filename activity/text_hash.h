@@ -30,7 +30,7 @@ namespace quorvel {
     mix(word);
   }
   word = 0;
-  std::memcpy(&word, text.data(), text.size());
+  if (!text.empty()) std::memcpy(&word, text.data(), text.size());
   mix(word);
   return hash;
 }

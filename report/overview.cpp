@@ -141,10 +141,16 @@ std::unique_ptr<Table> weekTable(const Activity& activity, const WeekByHour& byt
 }
 
 /// In the order of refusals; those who were refused only.
-std::unique_ptr<Table> refusedAddresses(const Activity& activity, const Selection& selection) {
-  std::vector<RowNumber> refused = selection.logons;
-  std::erase_if(refused, [&](RowNumber row) { return activity.logons[row].isOk(); });
-  return loginsTable(activity, refused, LoginsBy::Address, {0, 0, 0});
+/// All attempts of the addresses that were refused at all.
+std::unique_ptr<Table> refusedAddresses(const Activity& activity, const Selection& selection,
+                                        const Thresholds& thresholds) {
+  std::vector<bool> isRefused(activity.texts.size());
+  for (const RowNumber row : selection.logons) {
+    if (!activity.logons[row].isOk()) isRefused[activity.logons[row].address] = true;
+  }
+  std::vector<RowNumber> attempts = selection.logons;
+  std::erase_if(attempts, [&](RowNumber row) { return !isRefused[activity.logons[row].address]; });
+  return loginsTable(activity, attempts, LoginsBy::Address, thresholds);
 }
 
 }  // namespace
@@ -159,7 +165,7 @@ Overview overview(const Activity& activity, const Selection& selection, const Th
   answer.summary = std::make_unique<FieldTable<OverviewNumbers>>("overview", activity, kSummaryFields, nullptr,
                                                                  std::vector{answer.numbers});
   answer.topUsers = firstRows(trafficTable(activity, selection.actions, kByUser), kTop);
-  answer.topAddresses = firstRows(refusedAddresses(activity, selection), kTop);
+  answer.topAddresses = firstRows(refusedAddresses(activity, selection, thresholds), kTop);
   answer.topFolders = firstRows(foldersTable(activity, selection.actions), kTop);
   answer.days = trafficTable(activity, selection.actions, kByDay);
   answer.weekBytes = weekByHour(activity, selection.actions);

@@ -26,10 +26,12 @@ enum class Owner {
   Program,  ///< a working file: links are not followed, nor is anything else opened that is no plain file
 };
 
-/// What tells one state of a file from another.
+/// What tells one state of a file from another, and one file from another under the same name.
 struct FileStamp {
   std::uint64_t size = 0;
-  std::filesystem::file_time_type changed;
+  std::filesystem::file_time_type changed{};
+  std::uint64_t device = 0;  ///< device and number stay with a file that is renamed; both 0: not known
+  std::uint64_t number = 0;
   friend bool operator==(const FileStamp&, const FileStamp&) = default;
 };
 

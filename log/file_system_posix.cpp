@@ -222,6 +222,10 @@ class PosixFileSystem final : public FileSystem {
     result.size = std::filesystem::file_size(path, error);
     if (!error) result.changed = std::filesystem::last_write_time(path, error);
     if (error) return Error{codeOf(error.value()), path};
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) return Error{codeOf(errno), path};
+    result.device = info.st_dev;
+    result.number = info.st_ino;
     return result;
   }
 };

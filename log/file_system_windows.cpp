@@ -181,6 +181,15 @@ class WindowsFileSystem final : public FileSystem {
     result.size = std::filesystem::file_size(path, error);
     if (!error) result.changed = std::filesystem::last_write_time(path, error);
     if (error) return Error{codeOf(static_cast<DWORD>(error.value())), path};
+    constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE file = ::CreateFileW(path.c_str(), 0, kShared, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return Error{codeOf(::GetLastError()), path};
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (::GetFileInformationByHandle(file, &info) != 0) {
+      result.device = info.dwVolumeSerialNumber;
+      result.number = (std::uint64_t{info.nFileIndexHigh} << 32) | info.nFileIndexLow;
+    }
+    ::CloseHandle(file);
     return result;
   }
 };

@@ -1,11 +1,10 @@
 #include "classic/find/log_marks.h"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
-#include <span>
 
+#include "classic/find/names_in_line.h"
 #include "log/byte_scan.h"
 #include "log/text.h"
 
@@ -16,9 +15,6 @@ static_assert(kBlockHead >= kSessionNumberLength + 2);
 static_assert(kBlockTail >= kScanSlack && kBlockTail >= kLongestSearchedName + 32);
 
 constexpr int kKindBits = 4;
-constexpr std::string_view kLoggedInText = " logged in";
-/// So many " logged in" behind one name are looked at, each of which may end it.
-constexpr std::size_t kMostNameEnds = 16;
 
 struct FailureText {
   std::string_view text;
@@ -33,15 +29,6 @@ constexpr FailureText kFailureTexts[] = {
     {" 530", MarkKind::Other530},
 };
 
-/// Whether text stands at from, which has enough readable bytes, in either case; usually in the same one.
-bool standsAt(const char* from, std::string_view text) {
-  if (std::memcmp(from, text.data(), text.size()) == 0) return true;
-  for (const char c : text) {
-    if (foldCase(*from++) != foldCase(c)) return false;
-  }
-  return true;
-}
-
 void addMark(LogBlock& block, const char* at, MarkKind kind, SessionId id) {
   const LogPosition position = block.first + (at - block.data());
   block.findings.push_back((static_cast<std::uint64_t>(position) << kKindBits) | static_cast<std::uint64_t>(kind));
@@ -51,94 +38,6 @@ void addMark(LogBlock& block, const char* at, MarkKind kind, SessionId id) {
 bool isServerStart(const char* dash) {
   return standsAt(dash, kServerStartMark);
 }
-
-/// Two polynomials in the bytes of a folded text, modulo a prime: the hash of a part follows from those of two
-/// beginnings.
-struct TextHash {
-  static constexpr std::uint64_t kPrime = 0x7FFFFFFF;
-
-  std::uint64_t first = 0;
-  std::uint64_t second = 0;
-
-  static const TextHash& bases() {
-    static const TextHash bases{1000 + hashSeed() % (kPrime - 2000), 1000 + (hashSeed() >> 32) * 7 % (kPrime - 2000)};
-    return bases;
-  }
-  [[nodiscard]] TextHash times(const TextHash& other) const {
-    return {first * other.first % kPrime, second * other.second % kPrime};
-  }
-  [[nodiscard]] TextHash with(char c) const {
-    const std::uint64_t byte = static_cast<unsigned char>(foldCase(c)) + std::uint64_t{1};
-    return {(first * bases().first + byte) % kPrime, (second * bases().second + byte) % kPrime};
-  }
-  /// Never 0.
-  [[nodiscard]] std::uint64_t value() const { return std::uint64_t{1} << 62 | first << 31 | second; }
-};
-
-const std::array<TextHash, kLongestSearchedName + 1>& powersOfBases() {
-  static const auto powers = [] {
-    std::array<TextHash, kLongestSearchedName + 1> made{};
-    made[0] = {1, 1};
-    for (std::size_t i = 1; i < made.size(); ++i)
-      made[i] = made[i - 1].times(TextHash::bases());
-    return made;
-  }();
-  return powers;
-}
-
-/// The names in a line. A line may hold many that overlap: each byte is looked at once all the same.
-class NamesInLine {
- public:
-  /// Looks at the name that starts here, up to the line's end or as far as a name is looked for.
-  void lookAt(const char* name) {
-    if (m_begin == nullptr || name > m_scanned || (name == m_scanned && !m_isAtEnd)) startAt(name);
-    const char* const furthest = name + kLongestSearchedName + 1;
-    for (; !m_isAtEnd && m_scanned < furthest; ++m_scanned) {
-      const char c = *m_scanned;
-      m_isAtEnd = c == '\r' || c == '\n';
-      if (m_isAtEnd) break;
-      if (c == ' ' && standsAt(m_scanned, kLoggedInText)) m_ends.push_back(m_scanned);
-      m_hashes.push_back(m_hashes.back().with(c));
-    }
-    m_firstEnd = static_cast<std::size_t>(std::lower_bound(m_ends.begin(), m_ends.end(), name) - m_ends.begin());
-  }
-  /// The places at which the name looked at last may end, because " logged in" stands there.
-  [[nodiscard]] std::span<const char* const> ends(const char* name) const {
-    const std::span<const char* const> ends = std::span(m_ends).subspan(m_firstEnd);
-    std::size_t count = 0;
-    while (count < std::min(ends.size(), kMostNameEnds) &&
-           ends[count] - name <= static_cast<std::ptrdiff_t>(kLongestSearchedName))
-      ++count;
-    return ends.first(count);
-  }
-  /// Where the line ends, null when that lies further than any name reaches.
-  [[nodiscard]] const char* lineEnd(const char* name) const {
-    const bool isNear = m_isAtEnd && m_scanned - name <= static_cast<std::ptrdiff_t>(kLongestSearchedName);
-    return isNear ? m_scanned : nullptr;
-  }
-  [[nodiscard]] std::uint64_t hash(const char* from, const char* to) const {
-    const TextHash& before = m_hashes[static_cast<std::size_t>(from - m_begin)];
-    const TextHash& all = m_hashes[static_cast<std::size_t>(to - m_begin)];
-    const TextHash moved = before.times(powersOfBases()[static_cast<std::size_t>(to - from)]);
-    constexpr std::uint64_t kPrime = TextHash::kPrime;
-    return TextHash{(all.first + kPrime - moved.first) % kPrime, (all.second + kPrime - moved.second) % kPrime}.value();
-  }
-
- private:
-  void startAt(const char* name) {
-    m_begin = m_scanned = name;
-    m_isAtEnd = false;
-    m_ends.clear();
-    m_hashes.assign(1, {});
-  }
-
-  const char* m_begin = nullptr;
-  const char* m_scanned = nullptr;
-  bool m_isAtEnd = false;
-  std::vector<const char*> m_ends;  ///< every " logged in" from m_begin on
-  std::size_t m_firstEnd = 0;       ///< of the name looked at last
-  std::vector<TextHash> m_hashes;   ///< of what lies between m_begin and each byte up to m_scanned
-};
 
 /// Writes the marks of one block.
 class MarkWriter {
@@ -184,21 +83,18 @@ class MarkWriter {
   }
 
   void examineUser(const char* at, const char* event) {
-    constexpr std::string_view kUser = " USER ";
-    if (!standsAt(event, kUser)) return;
+    if (!standsAt(event, " USER ")) return;
     const SessionId id = sessionIdAt(at);
-    const char* const name = event + kUser.size();
+    const char* const name = at + kForwardToName;
     m_names.lookAt(name);
-    const auto ends = m_names.ends(name);
-    const char* const lineEnd = m_names.lineEnd(name);
+    const char* const loggedIn = m_names.loggedIn(0);
+    const char* const lineEnd = m_names.lineEnd();
     add(at, MarkKind::User, id);
-    const bool isIndexed = lineEnd != nullptr && ends.size() < kMostNameEnds;
-    m_block.findings.push_back(isIndexed ? m_names.hash(name, lineEnd) : 0);
-    if (!hasDash(at)) return;
-    for (const char* const end : ends) {
-      add(at, MarkKind::LoggedIn, id);
-      m_block.findings.push_back(m_names.hash(name, end));
-    }
+    m_block.findings.push_back(lineEnd != nullptr ? m_names.hash(lineEnd) | (loggedIn != nullptr ? kHoldsLoggedIn : 0)
+                                                  : 0);
+    if (loggedIn == nullptr || !hasDash(at)) return;
+    add(at, MarkKind::LoggedIn, id);
+    m_block.findings.push_back(m_names.hash(loggedIn));
   }
 
   void examineFailure(const char* at, const char* event) {
@@ -283,22 +179,6 @@ SessionId sessionIdAt(const char* bracket, bool foldsCase) {
     bytes |= SessionId{static_cast<unsigned char>(foldsCase ? foldCase(text[i]) : text[i])} << (8 * i);
   }
   return bytes;
-}
-
-std::uint64_t hashName(std::string_view name) {
-  TextHash hash;
-  for (const char c : name)
-    hash = hash.with(c);
-  return hash.value();
-}
-
-bool isIndexedName(std::string_view name) {
-  std::size_t ends = 0;
-  if (name.size() >= kMostNameEnds * kLoggedInText.size()) {
-    for (std::size_t at = 0; (at = findFolded(name, kLoggedInText, at)) != std::string_view::npos; ++at)
-      ++ends;
-  }
-  return ends < kMostNameEnds;
 }
 
 void findMarks(LogBlock& block) {

@@ -21,7 +21,8 @@ enum class MarkKind : std::uint8_t {
   Connect,            ///< " Connected to "
   ConnectDash,        ///< the same behind "- " and the number
   User,               ///< " USER ", in any case, so that a line "User alice logged in" is one as well; its detail is
-                      ///< the hash of the name behind it, 0 for a name that is not indexed
+                      ///< the hash of the name behind it, with kHoldsLoggedIn where that is so, or 0 for a name
+                      ///< longer than any that is looked for
   Quit,               ///< " QUIT"
   Close,              ///< " Closing connection" without "- "
   CloseDash,          ///< the same with "- "
@@ -31,9 +32,10 @@ enum class MarkKind : std::uint8_t {
   NoHomeDirectory,    ///< "- ", number, " 530 Not logged in - cannot find home directory"
   Other530,           ///< "- ", number, " 530" and anything else
   Anonymous,          ///< "- ", number, " anonymous logged in"
-  LoggedIn,           ///< "- ", number, " User ", a name, " logged in"; its detail is the name's hash
-  Line,               ///< the number itself, anywhere in a line; its detail is a LineExtent
-  ServerStart,        ///< kServerStartMark; belongs to no session number
+  LoggedIn,     ///< "- ", number, " User ", text, " logged in"; its detail is the hash of the text up to the first
+                ///< " logged in"
+  Line,         ///< the number itself, anywhere in a line; its detail is a LineExtent
+  ServerStart,  ///< kServerStartMark; belongs to no session number
 };
 
 inline constexpr std::size_t kMarkKinds = static_cast<std::size_t>(MarkKind::ServerStart) + 1;
@@ -56,14 +58,10 @@ inline constexpr SessionId kDigitIds = 1'000'000;
 /// The number that ends with the ")" at bracket; without foldsCase its bytes as they are.
 [[nodiscard]] SessionId sessionIdAt(const char* bracket, bool foldsCase = true);
 
-/// Tells the names in "User ... logged in" lines apart, without regard to case. Differs from run to run, so that
-/// nobody can prepare two names that look the same to it.
-[[nodiscard]] std::uint64_t hashName(std::string_view name);
-
-/// A longer name cannot be found in a block of 4000 bytes with the rest of its line.
-inline constexpr std::size_t kLongestSearchedName = 3973;
-/// Whether the marks tell every line that logs this name on. Other names hold " logged in" many times themselves.
-[[nodiscard]] bool isIndexedName(std::string_view name);
+/// Added to a name's hash when the name holds " logged in" itself.
+inline constexpr std::uint64_t kHoldsLoggedIn = std::uint64_t{1} << 63;
+/// From the ")" of a User mark to the name behind it.
+inline constexpr std::ptrdiff_t kForwardToName = 7;
 
 /// One mark. position is that of the ")" behind the session number, or of the "-" of a server start.
 struct LogMark {

@@ -4,10 +4,8 @@
 #include <array>
 #include <bit>
 #include <limits>
-#include <string>
+#include <string_view>
 #include <utility>
-
-#include "log/text.h"
 
 namespace quorvel {
 namespace {
@@ -17,6 +15,9 @@ constexpr LogPosition kAnywhere = std::numeric_limits<LogPosition>::max();
 /// From the ")" of a session number back to the first byte of the number, or of the "- " in front of it.
 constexpr LogPosition kBackToNumber = kSessionNumberLength - 1;
 constexpr LogPosition kBackToDash = kBackToNumber + 2;
+
+/// In a User mark's detail: the rest is the position of its logon line.
+constexpr std::uint64_t kLogonSeen = std::uint64_t{1} << 63;
 
 constexpr unsigned bit(MarkKind kind) {
   return 1u << static_cast<unsigned>(kind);
@@ -96,24 +97,20 @@ LogPosition LogSearch::findEvent(Event event, LogPosition limit, LogPosition sta
   return hit != 0 ? m_marks.position(hit) - back : 0;
 }
 
-LogPosition LogSearch::FindLogonLine(std::string_view name, LogPosition limit) {
-  constexpr std::string_view kUser = " User ";
-  constexpr std::string_view kLoggedIn = " logged in";
-  const std::size_t length = 2 + kSessionNumberLength + kUser.size() + name.size() + kLoggedIn.size();
-  if (name.size() > kLongestSearchedName) return 0;  // fits into no block
-  const LogPosition last = lastAccepted(m_session.position, limit, length);
-  if (!isIndexedName(name)) {
-    std::string text = "- ";
-    text.append(m_stream.window().text(m_session.position - kBackToNumber, kSessionNumberLength));
-    return findText(text.append(kUser).append(name).append(kLoggedIn), m_session.position, last);
-  }
-  readTo(last + kBackToDash);
-  if (!isAhead(bit(MarkKind::LoggedIn))) return 0;
-  const LogPosition hit = firstLogon(logonKey(sessionId(), hashName(name)), last + kBackToDash);
-  return hit != 0 ? hit - kBackToDash : 0;
+LogPosition LogSearch::FindLogonLine(std::size_t nameLength, LogPosition limit) {
+  constexpr std::string_view kAround = "-  User  logged in";
+  if (nameLength > kLongestSearchedName) return 0;  // fits into no block
+  const std::size_t length = kAround.size() + kSessionNumberLength + nameLength;
+  const LogPosition furthest = lastAccepted(m_session.position, limit, length) + kBackToDash;
+  readTo(furthest);
+  const MarkNumber user = firstOf(bit(MarkKind::User), kAnywhere);
+  const std::uint64_t logon = user != 0 ? m_marks.detail(user) : 0;
+  const auto hit = static_cast<LogPosition>(logon & ~kLogonSeen);
+  return (logon & kLogonSeen) != 0 && hit <= furthest ? hit - kBackToDash : 0;
 }
 
 bool LogSearch::takeMarks(const LogBlock& block) {
+  NamesInLine names;
   for (std::size_t index = 0; index < block.findings.size();) {
     const LogMark mark = takeMark(block.findings, index);
     m_lastOfKind[static_cast<std::size_t>(mark.kind)] = mark.position;
@@ -122,10 +119,11 @@ bool LogSearch::takeMarks(const LogBlock& block) {
       continue;
     }
     if (mark.kind != MarkKind::Connect && mark.kind != MarkKind::ConnectDash) m_lastEvent = mark.position;
+    const char* const name = block.data() + (mark.position - block.first) + kForwardToName;
     if (mark.kind == MarkKind::LoggedIn) {
-      noteLogon(logonKey(mark.id, mark.detail), mark.position);
-    } else if (m_marks.append(mark) != 0 && mark.kind == MarkKind::User && mark.detail != 0) {
-      expectLogon(logonKey(mark.id, mark.detail), mark.position);
+      takeLogon(mark, name, names);
+    } else if (const MarkNumber number = m_marks.append(mark); number != 0 && mark.kind == MarkKind::User) {
+      expectLogon(number, mark, name, names);
     }
   }
   m_wasStopped = m_options.keepGoing && !m_options.keepGoing(m_stream.readTo());
@@ -154,36 +152,49 @@ bool LogSearch::isAhead(unsigned kinds) const {
   return false;
 }
 
-/// A session's name stands behind its first User mark, and a line that logs on is a User mark itself: no session asks
-/// for a line before that mark.
-void LogSearch::expectLogon(std::uint64_t key, LogPosition user) {
-  if (m_logons.size() >= m_purgeLogonsAt) {
-    std::erase_if(m_logons, [this](const auto& entry) { return entry.second.lastUser < m_session.position; });
-    m_purgeLogonsAt = std::max<std::size_t>(1024, 2 * m_logons.size());
+/// A session's name stands behind its first User mark, and a line that logs on is a User mark itself: only lines from
+/// that mark on can log the name on.
+void LogSearch::expectLogon(MarkNumber user, const LogMark& mark, const char* name, NamesInLine& names) {
+  if (mark.detail == 0) return;
+  if (m_expected.size() + m_longNames.size() >= m_purgeExpectedAt) {
+    std::erase_if(m_expected, [this](const auto& entry) { return entry.second < m_session.number; });
+    std::erase_if(m_longNames, [this](const auto& entry) { return entry.second.last < m_session.number; });
+    m_purgeExpectedAt = std::max<std::size_t>(1024, 2 * (m_expected.size() + m_longNames.size()));
   }
-  m_logons[key].lastUser = user;
+  MarkNumber& last = m_expected[logonKey(mark.id, mark.detail & ~kHoldsLoggedIn)];
+  m_marks.setDetail(user, last);
+  last = user;
+  if ((mark.detail & kHoldsLoggedIn) == 0) return;
+
+  names.lookAt(name);
+  LongNames& alike = m_longNames[logonKey(mark.id, names.hash(names.loggedIn(0)))];
+  alike = {alike.counts | LongNames::bitOf(names.loggedInCount()), user};
 }
 
-void LogSearch::noteLogon(std::uint64_t key, LogPosition position) {
-  const auto found = m_logons.find(key);
-  if (found == m_logons.end()) return;
-  LogonLines& lines = found->second;
-  if (lines.positions.empty() || lines.positions.back() < lines.lastUser) lines.positions.push_back(position);
+/// Each " logged in" in the line may be the end of it: of a name that holds it n times, the one behind n others.
+void LogSearch::takeLogon(const LogMark& mark, const char* name, NamesInLine& names) {
+  answerLogon(logonKey(mark.id, mark.detail), mark.position);
+  if (m_longNames.empty()) return;
+  const auto alike = m_longNames.find(logonKey(mark.id, mark.detail));
+  if (alike == m_longNames.end()) return;
+  names.lookAt(name);
+  const std::uint64_t counts = alike->second.counts;
+  for (std::size_t count = 1; counts >= LongNames::bitOf(count); ++count) {
+    const char* const end = names.loggedIn(count);
+    if (end == nullptr) return;
+    if ((counts & LongNames::bitOf(count)) != 0) answerLogon(logonKey(mark.id, names.hash(end)), mark.position);
+  }
 }
 
-LogPosition LogSearch::firstLogon(std::uint64_t key, LogPosition furthest) {
-  constexpr std::size_t kManyPassed = 1024;
-  const auto found = m_logons.find(key);
-  if (found == m_logons.end()) return 0;
-  auto& [lastUser, passed, positions] = found->second;
-  while (passed < positions.size() && positions[passed] < m_session.position)
-    ++passed;
-  const LogPosition hit = passed < positions.size() && positions[passed] <= furthest ? positions[passed] : 0;
-  if (passed >= kManyPassed && 2 * passed >= positions.size()) {
-    positions.erase(positions.begin(), positions.begin() + static_cast<std::ptrdiff_t>(passed));
-    passed = 0;
+void LogSearch::answerLogon(std::uint64_t key, LogPosition position) {
+  const auto found = m_expected.find(key);
+  if (found == m_expected.end()) return;
+  for (MarkNumber user = found->second; user != 0 && user >= m_session.number;) {
+    const auto earlier = static_cast<MarkNumber>(m_marks.detail(user));
+    m_marks.setDetail(user, kLogonSeen | static_cast<std::uint64_t>(position));
+    user = earlier;
   }
-  return hit;
+  m_expected.erase(found);
 }
 
 MarkNumber LogSearch::firstOf(unsigned kinds, LogPosition furthest) {
@@ -216,19 +227,6 @@ void LogSearch::notePassed(unsigned kinds, MarkNumber passed) {
 
 SessionId LogSearch::sessionId() {
   return sessionIdAt(&m_stream.window().text(m_session.position - kBackToNumber, kSessionNumberLength).back());
-}
-
-/// Reads the text itself: for names that are not indexed.
-LogPosition LogSearch::findText(std::string_view text, LogPosition start, LogPosition last) {
-  constexpr LogPosition kPiece = 64 * 1024;
-  for (LogPosition at = start; at <= std::min(last, m_log.length()); at += kPiece) {
-    const auto hits = static_cast<std::size_t>(std::min(kPiece, last - at + 1));
-    const std::string_view piece = m_stream.window().text(at, hits + text.size() - 1);
-    if (const auto hit = findFolded(piece, text); hit != std::string_view::npos) {
-      return at + static_cast<LogPosition>(hit);
-    }
-  }
-  return 0;
 }
 
 }  // namespace quorvel

@@ -7,18 +7,18 @@
 // blanks.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <map>
-#include <string_view>
 #include <unordered_map>
 #include <utility>
-#include <vector>
 
 #include "classic/find/log_marks.h"
 #include "classic/find/mark_lists.h"
+#include "classic/find/names_in_line.h"
 #include "log/log_file.h"
 #include "log/log_stream.h"
 #include "log/seeded_hash.h"
@@ -79,9 +79,9 @@ class LogSearch {
   [[nodiscard]] LogPosition FindForwardLimited(Event event, LogPosition limit, LogPosition start) {
     return isQuietAhead() && event != Event::DashConnect ? 0 : findEvent(event, limit, start);
   }
-  /// The same for the line "- ", number, " User ", name, " logged in"; name is that behind the session's first User
-  /// mark.
-  [[nodiscard]] LogPosition FindLogonLine(std::string_view name, LogPosition limit);
+  /// The same for the line "- ", number, " User ", name, " logged in", where name is that behind the session's first
+  /// User mark and has this many bytes.
+  [[nodiscard]] LogPosition FindLogonLine(std::size_t nameLength, LogPosition limit);
 
   /// The log's text, see BlockWindow.
   [[nodiscard]] BlockWindow& window() { return m_stream.window(); }
@@ -94,18 +94,21 @@ class LogSearch {
   bool takeMarks(const LogBlock& block);
   void readTo(LogPosition position);
   [[nodiscard]] LogPosition lastAccepted(LogPosition start, LogPosition limit, std::size_t textLength) const;
-  /// The lines that log one name on under one session number, as far as a session may ask for them.
-  struct LogonLines {
-    LogPosition lastUser = 0;            ///< the last User mark that made a session ask
-    std::size_t passed = 0;              ///< so many of them lie before the session
-    std::vector<LogPosition> positions;  ///< of the marks; the first one after each such User mark is enough
+  /// The names of one number that hold " logged in" and are alike up to there.
+  struct LongNames {
+    std::uint64_t counts = 0;  ///< how often they hold it: one bit each, the last one for that often and more
+    MarkNumber last = 0;       ///< the last User mark of theirs
+
+    [[nodiscard]] static std::uint64_t bitOf(std::size_t count) {
+      return std::uint64_t{1} << std::min<std::size_t>(count, 63);
+    }
   };
   [[nodiscard]] static std::uint64_t logonKey(SessionId id, std::uint64_t nameHash) {
     return nameHash ^ (id * 0x9E3779B97F4A7C15);
   }
-  void expectLogon(std::uint64_t key, LogPosition user);
-  void noteLogon(std::uint64_t key, LogPosition position);
-  [[nodiscard]] LogPosition firstLogon(std::uint64_t key, LogPosition furthest);
+  void expectLogon(MarkNumber user, const LogMark& mark, const char* name, NamesInLine& names);
+  void takeLogon(const LogMark& mark, const char* name, NamesInLine& names);
+  void answerLogon(std::uint64_t key, LogPosition position);
   [[nodiscard]] LogPosition findEvent(Event event, LogPosition limit, LogPosition start);
   /// Whether the rest of the log is known to have connect marks and server starts only.
   [[nodiscard]] bool isQuietAhead() const { return m_lastEvent <= m_session.position && m_stream.isAtEnd(); }
@@ -115,7 +118,6 @@ class LogSearch {
   [[nodiscard]] MarkNumber firstOf(unsigned kinds, LogPosition furthest);
   void notePassed(unsigned kinds, MarkNumber passed);
   [[nodiscard]] SessionId sessionId();
-  [[nodiscard]] LogPosition findText(std::string_view text, LogPosition start, LogPosition last);
 
   const LogFile& m_log;
   const Options m_options;
@@ -125,8 +127,11 @@ class LogSearch {
   /// blocks still to be read, must not make the program walk it again.
   std::map<std::pair<SessionId, unsigned>, MarkNumber> m_passed;
   std::size_t m_purgePassedAt = 4096;
-  std::unordered_map<std::uint64_t, LogonLines, SeededHash> m_logons;
-  std::size_t m_purgeLogonsAt = 1024;
+  /// For each number and name the last User mark whose logon line was not seen yet; its detail is the one before it.
+  /// Once the line was seen, the detail of them all is its position.
+  std::unordered_map<std::uint64_t, MarkNumber, SeededHash> m_expected;
+  std::unordered_map<std::uint64_t, LongNames, SeededHash> m_longNames;
+  std::size_t m_purgeExpectedAt = 1024;
   std::array<LogPosition, kMarkKinds> m_lastOfKind{};  ///< how far each kind of mark was seen
   LogPosition m_lastEvent = 0;                         ///< the same for all kinds but connect marks
   std::deque<LogPosition> m_serverStarts;              ///< from the current session on

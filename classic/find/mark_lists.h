@@ -16,7 +16,7 @@ namespace quorvel {
 using MarkNumber = std::uint32_t;
 
 /// Keeps what a search can still ask for: for every connect mark not yet passed by, the first mark of each other kind
-/// behind it that carries the same session number. Takes 8 bytes a mark, and 8 for its detail.
+/// behind it that carries the same session number. Takes 8 bytes a mark, 16 where it has a detail.
 class MarkLists {
  public:
   MarkLists();
@@ -24,7 +24,7 @@ class MarkLists {
   MarkLists& operator=(const MarkLists&) = delete;
 
   /// Adds the next mark of the log and returns its number, 0 when nobody can ask for it. Server starts and logged-in
-  /// lines do not belong here. Of the details only a line's extent is kept.
+  /// lines do not belong here.
   MarkNumber append(const LogMark& mark);
   /// Forgets the marks before number, of which nobody will ask.
   void dropBefore(MarkNumber number);
@@ -44,8 +44,11 @@ class MarkLists {
     return chunk.base + (chunk.marks[indexOf(number)].offsetAndKind >> kKindBits);
   }
   [[nodiscard]] MarkKind kind(MarkNumber number) const { return kindOf(mark(number)); }
-  /// Of a mark of the kind Line.
+  /// Of a mark that has one.
   [[nodiscard]] std::uint64_t detail(MarkNumber number) const { return std::bit_cast<std::uint64_t>(mark(number + 1)); }
+  void setDetail(MarkNumber number, std::uint64_t detail) {
+    chunkOf(number).marks[indexOf(number) + 1] = std::bit_cast<Mark>(detail);
+  }
 
  private:
   static constexpr std::uint32_t kChunkBits = 12;
@@ -79,7 +82,7 @@ class MarkLists {
     return static_cast<MarkKind>(mark.offsetAndKind & ((1u << kKindBits) - 1));
   }
   /// The places a mark takes.
-  [[nodiscard]] static std::uint32_t roomOf(MarkKind kind) { return kind == MarkKind::Line ? 2 : 1; }
+  [[nodiscard]] static std::uint32_t roomOf(MarkKind kind) { return hasDetail(kind) ? 2 : 1; }
   [[nodiscard]] static bool isConnect(MarkKind kind) {
     return kind == MarkKind::Connect || kind == MarkKind::ConnectDash;
   }

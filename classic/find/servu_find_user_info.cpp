@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "classic/find/log_search.h"
+#include "classic/find/names_in_line.h"
 #include "classic/find/record_format.h"
 #include "classic/find/user_act.h"
 
@@ -104,7 +105,7 @@ class Finder {
   LogPosition findLogonLine(std::string_view name) {
     if (name == "anonymous") return find(Event::DashAnonymous);
     if (name == kQuit) return find(Event::DashClose);
-    if (name != kNoUserFound) return m_search.FindLogonLine(m_name, m_end.position);
+    if (name != kNoUserFound) return m_search.FindLogonLine(m_name.size(), m_end.position);
     return findOwnConnectLine();
   }
 
@@ -145,8 +146,10 @@ class Finder {
     const LogPosition most = std::max<LogPosition>(0, std::min(longest, m_log.length() + 1 - from));
     for (LogPosition count = kUsualText;; count *= 4) {
       const std::string_view read = text(from, static_cast<int>(std::min(count, most)));
-      if (const auto end = read.find_first_of(ends); end != std::string_view::npos) return read.substr(0, end);
-      if (count >= most) return read;
+      std::string_view found = read;
+      for (const char end : ends)
+        found = found.substr(0, found.find(end));
+      if (found.size() < read.size() || count >= most) return found;
     }
   }
 

@@ -29,12 +29,16 @@ TEST(Names, AreCutInTheRecordOnlyAndEndWithTheirLine) {
     std::string nextLineEnd;
     std::string inRecord;
   };
+  std::string often = "a";
+  for (int i = 0; i < 100; ++i)
+    often += " logged in";
   const Case cases[] = {
       {"12 characters", "abcdefghijkl", "\r\n", "\r\n", "abcdefghijkl"},
       {"13 characters", "abcdefghijklm", "\r\n", "\r\n", "abcdefghijkl"},
       {"of the longest that is found", std::string(3973, 'n'), "\r\n", "\r\n", std::string(12, 'n')},
       {"holds the text behind a name", "a logged in", "\r\n", "\r\n", "a logged in"},
       {"holds it often", "a logged in logged in logged in", "\n", "\n", "a logged in "},
+      {"holds it a hundred times", often, "\r\n", "\r\n", "a logged in "},
       {"CR LF, then bare LF", "bob", "\r\n", "\n", "bob"},
       {"bare LF, then CR LF", "bob", "\n", "\r\n", "bob"},
       {"CR alone", "bob", "\r", "\n", "bob"},

@@ -11,10 +11,13 @@ constexpr std::string_view kUsage = R"(Quorvel analyzer - command line reference
 
   quorvel                                 open the window
   quorvel --open LOG                      open the window with a log
+  quorvel COMMAND LOG ...                 answer a question about logs
   quorvel LOG CODE [VALUE] ... OUTPUT     run unattended
   quorvel --help                          print this text
   quorvel --version                       print the version
 
+COMMAND  overview, sessions, logins, files, transfers, traffic, check, export
+         or digest; quorvel COMMAND --help tells more.
 LOG      the server's log file. It is only ever read.
 CODE     what to do, one or more of the numbers below.
 VALUE    what the code in front of it asks for.

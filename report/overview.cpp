@@ -140,8 +140,7 @@ std::unique_ptr<Table> weekTable(const Activity& activity, const WeekByHour& byt
                                                   std::move(rows));
 }
 
-/// In the order of refusals; those who were refused only.
-/// All attempts of the addresses that were refused at all.
+/// All attempts of the addresses that were refused at all; those that stand out first, then by refusals.
 std::unique_ptr<Table> refusedAddresses(const Activity& activity, const Selection& selection,
                                         const Thresholds& thresholds) {
   std::vector<bool> isRefused(activity.texts.size());

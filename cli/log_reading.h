@@ -18,9 +18,17 @@ struct LogReading {
   bool isInterrupted = false;
 };
 
-/// Reads them in this order; "-" is standard input. tell takes one sentence for each that cannot be read. isInterrupted
-/// is asked about every megabyte.
-[[nodiscard]] LogReading readLogs(FileSystem& files, const std::vector<std::string>& logs,
+/// Which files are one log.
+struct LogChoice {
+  std::vector<std::string> logs;  ///< as given: files, folders where isSet, "-" for standard input
+  bool isSet = false;             ///< all of them together
+  bool withSiblings = false;      ///< each with those beside it that rotation made of it
+};
+
+/// Reads them in this order, those of a set in the order of their first stamps; the logs of an archive are a set. tell
+/// takes one sentence for each that cannot be read, and what is to be known about what was read. isInterrupted is asked
+/// about every megabyte.
+[[nodiscard]] LogReading readLogs(FileSystem& files, const LogChoice& choice,
                                   const std::function<void(const std::string&)>& tell,
                                   const std::function<bool()>& isInterrupted);
 

@@ -7,6 +7,7 @@
 #include "cli/answers.h"
 #include "cli/digest.h"
 #include "cli/export_tables.h"
+#include "cli/follow_command.h"
 #include "cli/log_reading.h"
 #include "cli/request.h"
 #include "cli/standard_output.h"
@@ -67,8 +68,12 @@ class NamedCommand {
       tell("--timezone: \"" + m_request.timeZone + "\" is no time zone that this system knows.");
       return kWrongArguments;
     }
-    const LogReading reading = readLogs(
-        m_shell.files, m_request.logs, [this](const std::string& sentence) { tell(sentence); }, m_shell.isInterrupted);
+    const auto tellThis = [this](const std::string& sentence) { tell(sentence); };
+    if (m_request.isContinued())
+      return runFollowing(
+          m_request, m_shell, [this](const Activity& activity) { return scopeFor(activity); }, tellThis);
+    const LogReading reading = readLogs(m_shell.files, {m_request.logs, m_request.isSet, m_request.withSiblings},
+                                        tellThis, m_shell.isInterrupted);
     if (reading.isInterrupted) return fail("Interrupted; nothing was written.");
     if (reading.activity.logs.empty()) return kFailed;
     const int status = answerFrom(reading);

@@ -94,6 +94,7 @@ class RequestParser {
     if (auto mistake = takeScope()) return WrongArguments{sentence(*mistake)};
     if (auto mistake = takeAlerts()) return WrongArguments{sentence(*mistake)};
     if (auto mistake = takeBy()) return WrongArguments{sentence(*mistake)};
+    if (auto mistake = takeFollowing()) return WrongArguments{sentence(*mistake)};
     if (auto mistake = takeOutput()) return WrongArguments{sentence(*mistake)};
     return m_request;
   }
@@ -104,6 +105,9 @@ class RequestParser {
     command->callback([this, name] { m_request.command = name; });
     command->footer(std::string("Example:\n  ") + text.example);
     command->add_option("LOG", m_request.logs, "Logs to read, one after the other; - is standard input")->required();
+    command->add_flag("--set", m_request.isSet, "The logs, files or folders, are files of one log");
+    command->add_flag("--siblings", m_request.withSiblings, "Read each log with its rotated files as one");
+    addFollowing(*command, name);
     addScope(*command);
     addForm(*command, name);
     if (const auto keys = keysOf(name); !keys.empty()) {
@@ -118,8 +122,6 @@ class RequestParser {
     if (name == CommandName::Transfers) command->add_flag("--all", m_request.isAll, "Those that went over, too");
     if (name == CommandName::Logins || name == CommandName::Overview || name == CommandName::Digest)
       addThresholds(*command);
-    if (name == CommandName::Digest)
-      command->add_option("--state", m_request.state, "File that remembers what was told")->type_name("FILE");
     if (name == CommandName::Check)
       command
           ->add_option("--alert-set-aside", m_given.setAside,
@@ -134,6 +136,15 @@ class RequestParser {
           ->expected(1)
           ->allow_extra_args(false)
           ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  }
+
+  void addFollowing(CLI::App& command, CommandName name) {
+    if (name == CommandName::Overview || name == CommandName::Traffic) return;
+    if (name != CommandName::Digest)
+      command.add_flag("--follow", m_request.isFollowing, "Go on with what is written to the log, until interrupted");
+    if (name != CommandName::Check)
+      command.add_option("--state", m_request.state, "File that remembers what was told: only what is new is written")
+          ->type_name("FILE");
   }
 
   void addScope(CLI::App& command) {
@@ -237,6 +248,28 @@ class RequestParser {
       return std::string(isTraffic ? "--by takes one key or two" : "--by takes one key");
     if (m_request.by.size() == 2 && m_request.by[0] == m_request.by[1])
       return std::string("--by takes two different keys");
+    return std::nullopt;
+  }
+
+  /// What is asked again and again writes rows as they come.
+  std::optional<std::string> takeFollowing() {
+    if (!m_request.isContinued()) return std::nullopt;
+    const std::string option = m_request.isFollowing ? "--follow" : "--state";
+    if (m_request.logs.size() != 1 || m_request.logs.front() == "-" || m_request.isSet)
+      return option + " takes one log, with --siblings its rotated files before it";
+    if (m_request.command == CommandName::Check && m_request.alerts.empty())
+      return option + " of check needs a rule: --alert RULE";
+    if (!m_request.alerts.empty() && !m_request.state.empty())
+      return std::string("--state does not remember alerts; digest does");
+    if (!m_request.by.empty() && m_request.by.front() != "attempt" && m_request.by.front() != "action")
+      return option + " writes rows as they come and cannot sum them up";
+    if (!m_request.sort.empty() || m_request.isReversed || m_request.limit)
+      return option + " writes rows as they come and cannot sort them";
+    if (m_given.format.empty() && m_request.command != CommandName::Export) m_given.format = "csv";
+    const bool isStream = m_request.command == CommandName::Export
+                              ? m_given.format == "ecs"
+                              : m_given.format == "csv" || m_given.format == "jsonl";
+    if (!isStream) return option + (m_request.command == CommandName::Export ? " writes ecs" : " writes csv or jsonl");
     return std::nullopt;
   }
 

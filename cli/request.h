@@ -41,6 +41,9 @@ enum class Format : std::uint8_t {
 struct Request {
   CommandName command = CommandName::Overview;
   std::vector<std::string> logs;  ///< as given; "-" is standard input
+  bool isSet = false;             ///< the logs are files of one log
+  bool withSiblings = false;      ///< so are those beside each that rotation made of it
+  bool isFollowing = false;       ///< what is written to the log later is answered too
   std::vector<ScopeWord> words;
   std::string from;  ///< as given, readable by parseWhen(); empty: none
   std::string to;
@@ -57,7 +60,10 @@ struct Request {
   Thresholds thresholds;
   std::vector<AlertRule> alerts;
   std::optional<AlertRule> setAside;  ///< of check: only the exit status tells that it holds
-  std::string state;                  ///< file of a digest; empty: none
+  std::string state;                  ///< file that remembers what was told; empty: none
+
+  /// Rows are written as they come, by this run or by those after it.
+  [[nodiscard]] bool isContinued() const { return isFollowing || (!state.empty() && command != CommandName::Digest); }
 };
 
 /// What else arguments can come to.

@@ -12,7 +12,7 @@ namespace {
 
 class FileSource final : public LogSource {
  public:
-  FileSource(std::unique_ptr<File> file, std::string name, std::uint64_t size, std::int64_t changed, std::string note)
+  FileSource(std::shared_ptr<File> file, std::string name, std::uint64_t size, std::int64_t changed, std::string note)
       : m_file(std::move(file)), m_name(std::move(name)), m_size(size), m_changed(changed), m_note(std::move(note)) {}
 
   [[nodiscard]] std::string name() const override { return m_name; }
@@ -31,7 +31,7 @@ class FileSource final : public LogSource {
   }
 
  private:
-  std::unique_ptr<File> m_file;
+  std::shared_ptr<File> m_file;
   std::string m_name;
   std::uint64_t m_size;
   std::int64_t m_changed;
@@ -47,60 +47,62 @@ std::int64_t changedTimeOf(FileSystem& files, const std::filesystem::path& path)
   return duration_cast<seconds>(file_clock::to_sys(stamp.value().changed).time_since_epoch()).count();
 }
 
-struct OpenedFile {
-  std::unique_ptr<File> file;
-  std::uint64_t size = 0;
-  bool isPacked = false;
-};
-
-Result<OpenedFile> openFile(FileSystem& files, const std::filesystem::path& path) {
-  auto file = files.open(path, OpenMode::Read);
-  if (!file.isOk()) return file.error();
-  const auto size = file.value()->size();
-  if (!size.isOk()) return size.error();
+Result<bool> isPackedFile(const File& file) {
   std::array<char, kPackedHead> head{};
-  const auto count = file.value()->readAt(0, head);
+  const auto count = file.readAt(0, head);
   if (!count.isOk()) return count.error();
-  return OpenedFile{std::move(file.value()), size.value(), isPacked({head.data(), count.value()})};
+  return isPacked({head.data(), count.value()});
 }
 
 }  // namespace
 
 Result<std::vector<std::unique_ptr<LogSource>>> openLogs(FileSystem& files, const std::filesystem::path& path,
                                                          const std::string& name, const UnpackPlace& place) {
-  auto opened = openFile(files, path);
-  if (!opened.isOk()) return opened.error();
-  const std::int64_t changed = changedTimeOf(files, path);
+  auto file = files.open(path, OpenMode::Read);
+  if (!file.isOk()) return file.error();
+  return openLogs(files, std::move(file.value()), name, place, changedTimeOf(files, path));
+}
+
+Result<std::vector<std::unique_ptr<LogSource>>> openLogs(FileSystem& files, std::shared_ptr<File> file,
+                                                         const std::string& name, const UnpackPlace& place,
+                                                         std::int64_t changedTime) {
+  const auto packed = isPackedFile(*file);
+  if (!packed.isOk()) return packed.error();
   std::vector<std::unique_ptr<LogSource>> logs;
-  if (!opened.value().isPacked) {
-    logs.push_back(
-        std::make_unique<FileSource>(std::move(opened.value().file), name, opened.value().size, changed, ""));
+  const auto add = [&](std::shared_ptr<File> log, const std::string& logName, std::string note) -> Status {
+    const auto size = log->size();
+    if (!size.isOk()) return size.error();
+    logs.push_back(std::make_unique<FileSource>(std::move(log), logName, size.value(), changedTime, std::move(note)));
+    return {};
+  };
+  if (!packed.value()) {
+    if (const Status added = add(std::move(file), name, ""); !added.isOk()) return added.error();
     return logs;
   }
-  auto stream = unpackedStream(std::move(opened.value().file), name, changed);
+  auto stream = unpackedStream(file, name, changedTime);
   if (!stream.isOk()) return stream.error();
   if (stream.value()) {
     logs.push_back(std::move(stream.value()));
     return logs;
   }
-  auto unpacked = openForLooking(files, path, name, place);
+  auto unpacked = unpackAll(files, std::move(file), name, place);
   if (!unpacked.isOk()) return unpacked.error();
   for (ReadableLog& log : unpacked.value()) {
-    const auto size = log.file->size();
-    if (!size.isOk()) return size.error();
-    logs.push_back(
-        std::make_unique<FileSource>(std::move(log.file), log.name, size.value(), changed, std::move(log.note)));
+    if (const Status added = add(std::move(log.file), log.name, std::move(log.note)); !added.isOk())
+      return added.error();
   }
   return logs;
 }
 
 Result<std::vector<ReadableLog>> openForLooking(FileSystem& files, const std::filesystem::path& path,
                                                 const std::string& name, const UnpackPlace& place) {
-  auto opened = openFile(files, path);
-  if (!opened.isOk()) return opened.error();
-  if (opened.value().isPacked) return unpackAll(files, std::move(opened.value().file), name, place);
+  auto file = files.open(path, OpenMode::Read);
+  if (!file.isOk()) return file.error();
+  const auto packed = isPackedFile(*file.value());
+  if (!packed.isOk()) return packed.error();
+  if (packed.value()) return unpackAll(files, std::move(file.value()), name, place);
   std::vector<ReadableLog> logs;
-  logs.push_back({name, std::move(opened.value().file), {}});
+  logs.push_back({name, std::move(file.value()), {}});
   return logs;
 }
 

@@ -45,6 +45,12 @@ struct UnpackPlace {
                                                                        const std::string& name,
                                                                        const UnpackPlace& place);
 
+/// The logs in an open file that has no name of its own: standard input, put by.
+[[nodiscard]] Result<std::vector<std::unique_ptr<LogSource>>> openLogs(FileSystem& files, std::shared_ptr<File> file,
+                                                                       const std::string& name,
+                                                                       const UnpackPlace& place,
+                                                                       std::int64_t changedTime = 0);
+
 /// The same logs to be looked at anywhere: their bytes, unpacked where they are packed.
 struct ReadableLog {
   std::string name;  ///< as given, and the log's own in an archive: "logs.zip/ftp.log"; UTF-8

@@ -165,7 +165,7 @@ class Unpacking {
     m_room = error ? ~std::uint64_t{0} : space.available - space.available / 20;
   }
 
-  Status unpack(std::unique_ptr<File> packed, const std::string& name, int depth) {
+  Status unpack(std::shared_ptr<File> packed, const std::string& name, int depth) {
     Archive archive(std::move(packed));
     while (m_goOn && m_logs.size() < kMostLogs && archive.next()) {
       const std::string logName = archive.isAlone() ? name : name + "/" + validUtf8(archive.entry());
@@ -241,7 +241,7 @@ std::string unpackerVersion() {
   return ARCHIVE_VERSION_STRING;
 }
 
-Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File> packed, std::string name,
+Result<std::unique_ptr<LogSource>> unpackedStream(std::shared_ptr<File> packed, std::string name,
                                                   std::int64_t changedTime) {
   auto archive = std::make_unique<Archive>(std::move(packed));
   if (!archive->next()) {
@@ -253,7 +253,7 @@ Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File> packed, 
   return std::unique_ptr<LogSource>(std::make_unique<UnpackedStream>(std::move(archive), std::move(name), changedTime));
 }
 
-Result<std::vector<ReadableLog>> unpackAll(FileSystem& files, std::unique_ptr<File> packed, const std::string& name,
+Result<std::vector<ReadableLog>> unpackAll(FileSystem& files, std::shared_ptr<File> packed, const std::string& name,
                                            const UnpackPlace& place) {
   Unpacking unpacking(files, place);
   if (const Status status = unpacking.unpack(std::move(packed), name, 1); !status.isOk()) return status.error();

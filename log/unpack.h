@@ -23,12 +23,12 @@ inline constexpr std::size_t kPackedHead = 512;
 
 /// A log that was packed alone as a stream: nothing is kept, and nothing is unpacked ahead of the reading. Null for
 /// an archive. packed is read while the source lives; changedTime is the packed file's.
-[[nodiscard]] Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File> packed, std::string name,
+[[nodiscard]] Result<std::unique_ptr<LogSource>> unpackedStream(std::shared_ptr<File> packed, std::string name,
                                                                 std::int64_t changedTime);
 
 /// Unpacks everything there is, packed files in an archive too. Stops with an error that names the file where more
 /// than 95 % of the room free at the beginning would be filled.
-[[nodiscard]] Result<std::vector<ReadableLog>> unpackAll(FileSystem& files, std::unique_ptr<File> packed,
+[[nodiscard]] Result<std::vector<ReadableLog>> unpackAll(FileSystem& files, std::shared_ptr<File> packed,
                                                          const std::string& name, const UnpackPlace& place);
 
 }  // namespace quorvel

@@ -10,11 +10,11 @@ std::string unpackerVersion() {
   return {};
 }
 
-Result<std::unique_ptr<LogSource>> unpackedStream(std::unique_ptr<File>, std::string, std::int64_t) {
+Result<std::unique_ptr<LogSource>> unpackedStream(std::shared_ptr<File>, std::string, std::int64_t) {
   return std::unique_ptr<LogSource>();
 }
 
-Result<std::vector<ReadableLog>> unpackAll(FileSystem&, std::unique_ptr<File>, const std::string&, const UnpackPlace&) {
+Result<std::vector<ReadableLog>> unpackAll(FileSystem&, std::shared_ptr<File>, const std::string&, const UnpackPlace&) {
   return std::vector<ReadableLog>();
 }
 

@@ -32,9 +32,9 @@ void appendCell(std::string& record, const Cell& cell, const CsvOptions& options
 
 Status writeCsv(const Table& table, const CsvOptions& options, Output& output) {
   const std::size_t columns = table.columns().size();
-  for (std::size_t column = 0; column < columns; ++column)
+  for (std::size_t column = 0; options.hasHeader && column < columns; ++column)
     output.record().append(column > 0 ? "," : "").append(table.columns()[column].name);
-  output.record() += "\r\n";
+  if (options.hasHeader) output.record() += "\r\n";
   const std::size_t rows = table.rowCount() - table.totalRows();
   for (std::size_t row = 0; row < rows; ++row) {
     std::string& record = output.record();

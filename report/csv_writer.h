@@ -10,6 +10,7 @@ struct CsvOptions {
   /// Texts are written as they are. Otherwise a ' stands in front of those that a spreadsheet would take for a formula:
   /// they begin with = + - @, a tab or a CR.
   bool isRaw = false;
+  bool hasHeader = true;  ///< rows that go on with a file have none
 };
 
 /// Sums at the table's end are left out.

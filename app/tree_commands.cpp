@@ -138,6 +138,19 @@ std::optional<UserAct> readSessionOfNode(CommandContext& context, std::int32_t n
   return record != nullptr ? std::optional(*record) : std::nullopt;
 }
 
+std::int32_t nodeOfPosition(CommandContext& context, std::int64_t position) {
+  constexpr std::int64_t kLongestFront = 64;  // of a line, with its session number
+  auto users = UsersFile::open(context.files, context.state.usersFilePath());
+  if (!users.isOk()) return 0;
+  for (std::int32_t n = 1; n <= users.value().recordCount(); ++n) {
+    const UserAct* const record = users.value().read(n);
+    if (record == nullptr) return 0;
+    if (record->Position < position || record->Position >= position + kLongestFront) continue;
+    return users.value().treeIndex(n).value_or(0);
+  }
+  return 0;
+}
+
 void clickNode(CommandContext& context, std::int32_t node) {
   const CommandGuard guard(context);
   if (!guard) return;

@@ -26,6 +26,8 @@ void askForTreeUpdate(CommandContext& context);
 
 /// The session a click on the node shows; empty without a users file or records.
 [[nodiscard]] std::optional<UserAct> readSessionOfNode(CommandContext& context, std::int32_t node);
+/// The node of the session whose first line begins at a position of the log; 0 where the tree has none.
+[[nodiscard]] std::int32_t nodeOfPosition(CommandContext& context, std::int64_t position);
 
 // The commands below do nothing while another one runs, save for the check boxes.
 

@@ -1,4 +1,4 @@
-// Takes pictures of the real window and of every dialog: quorvel_screenshots LOG FOLDER [dark]
+// Takes pictures of the real window and of every dialog: quorvel_screenshots LOG FOLDER [dark] [large]
 #include <QContextMenuEvent>
 #include <QDeadlineTimer>
 #include <QDialog>
@@ -23,6 +23,9 @@
 #include "tests/support/program_window.h"
 #include "ui/qt/about_dialog.h"
 #include "ui/qt/computer_ip_dialog.h"
+#include "ui/qt/pages/answer_page.h"
+#include "ui/qt/pages/pages.h"
+#include "ui/qt/pages/table_box.h"
 #include "ui/qt/print_pages.h"
 #include "ui/qt/readable_colours.h"
 #include "ui/qt/session_tree_box.h"
@@ -33,6 +36,8 @@
 
 namespace quorvel::test {
 namespace {
+
+constexpr int kLargePoints = 22;
 
 QPalette darkPalette() {
   QPalette palette(QColor(0x35, 0x38, 0x3c));
@@ -86,6 +91,14 @@ void wait(std::chrono::milliseconds time) {
     QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
 }
 
+constexpr std::pair<PageName, const char*> kPagePictures[] = {{PageName::Overview, "overview"},
+                                                              {PageName::Sessions, "sessions"},
+                                                              {PageName::Logins, "logins"},
+                                                              {PageName::Files, "files"},
+                                                              {PageName::Transfers, "transfers"},
+                                                              {PageName::Traffic, "traffic"},
+                                                              {PageName::Log, "log"}};
+
 /// A window on a copy of the log that takes pictures of itself.
 class Photographer : private ProgramWindow {
  public:
@@ -113,15 +126,52 @@ class Photographer : private ProgramWindow {
     takeSaving();
     takePrinting();
     takeLostFile();
+    takePages();
     takeScan();
   }
 
  private:
+  /// Every page that answers a question, at a usual size and at the smallest.
+  void takePages() {
+    const QSize usual = window.size();
+    for (const auto& [size, suffix] : {std::pair(QSize(1120, 740), ""), {QSize(800, 600), "-800x600"}}) {
+      window.resize(size);
+      for (const auto& [page, name] : kPagePictures) {
+        window.pages().showPage(page);
+        settle();
+        chooseRow(page);
+        take(name + std::string(suffix));
+      }
+    }
+    window.pages().showPage(PageName::SessionTree);
+    window.resize(usual);
+  }
+
+  /// Chooses the row of a page's table that its picture is about.
+  void chooseRow(PageName page) {
+    if (page == PageName::Log) wait(std::chrono::milliseconds(300));
+    TableBox* const table = window.pages().answerPage(page).mainTable();
+    if (page == PageName::Overview || page == PageName::Log || table == nullptr) return;
+    table->setCurrentIndex(table->rows().index(std::min(2, table->rows().rowCount() - 1), 0));
+    table->setFocus();
+    wait(std::chrono::milliseconds(300));
+  }
+
+  void settle() {
+    const QDeadlineTimer enough(std::chrono::seconds(20));
+    do
+      wait(std::chrono::milliseconds(100));
+    while (!window.pages().isIdle() && !enough.hasExpired());
+  }
+
   void takeSplash() {
     frmSplash splash;
     save(splash.pixmap(), "start-up");
     save(windowIcon().pixmap(256), "icon");
     take("main-window-empty");
+    window.pages().showPage(PageName::Overview);
+    take("start");
+    window.pages().showPage(PageName::SessionTree);
   }
 
   void takeOpening() {
@@ -305,7 +355,12 @@ class Photographer : private ProgramWindow {
 };
 
 int run(const QStringList& arguments) {
-  if (arguments.size() < 3) return std::fputs("usage: quorvel_screenshots LOG FOLDER [dark]\n", stderr), 1;
+  if (arguments.size() < 3) return std::fputs("usage: quorvel_screenshots LOG FOLDER [dark] [large]\n", stderr), 1;
+  if (arguments.contains(QStringLiteral("large"))) {
+    QFont large = QApplication::font();
+    large.setPointSize(kLargePoints);
+    QApplication::setFont(large);
+  }
   if (arguments.contains(QStringLiteral("dark"))) QApplication::setPalette(darkPalette());
   useReadableColours();
   Photographer(toPath(arguments[1]), arguments[2]).takeAll();

@@ -12,6 +12,7 @@
 #include "ui/qt/file_dialogs.h"
 #include "ui/qt/main_window.h"
 #include "ui/qt/menus.h"
+#include "ui/qt/pages/pages.h"
 
 namespace quorvel::test {
 
@@ -39,6 +40,7 @@ class ProgramWindow {
     window.connectCommands(commands);
     commands.load();
     window.applyStoredPlacement();
+    window.pages().showPage(PageName::SessionTree);
     window.show();
     runEvents();
   }

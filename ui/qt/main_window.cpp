@@ -9,8 +9,10 @@
 
 #include "app/menu_commands.h"
 #include "app/program.h"
+#include "app/tree_commands.h"
 #include "ui/qt/menus.h"
 #include "ui/qt/one_line_label.h"
+#include "ui/qt/pages/pages.h"
 #include "ui/qt/progress_row.h"
 #include "ui/qt/session_tree_box.h"
 #include "ui/qt/session_tree_model.h"
@@ -31,19 +33,20 @@ MainWindow::MainWindow(FileDialogs& dialogs)
     : m_dialogs(dialogs),
       m_menus(new Menus(*menuBar())),
       m_sessionTreePage(new SessionTreePage),
+      m_pages(new Pages(m_sessionTreePage, dialogs)),
       m_stopShortcut(new QShortcut(Qt::Key_Escape, this)) {
   setObjectName(QStringLiteral("frmMain"));
   setWindowTitle(toTitle(kProgramName));
   setWindowIcon(windowIcon());
   setAcceptDrops(true);
-  setCentralWidget(m_sessionTreePage);
-  m_sessionTreePage->tree().setFocus();
+  setCentralWidget(m_pages);
   addStatusPanels();
   m_stopShortcut->setEnabled(false);
   connect(m_stopShortcut, &QShortcut::activated, this, [this] { onChosen(MenuItem::mnuStop); });
   connect(&m_sessionTreePage->progress(), &ProgressRow::stopRequested, this, [this] { onChosen(MenuItem::mnuStop); });
   connect(m_menus, &Menus::chosen, this, &MainWindow::onChosen);
   connectTree();
+  connectPages();
 }
 
 MainWindow::~MainWindow() {
@@ -67,6 +70,56 @@ void MainWindow::connectTree() {
   connect(&m_sessionTreePage->tree(), &SessionTreeBox::menuRequested, this, &MainWindow::onTreeMenuRequested);
 }
 
+void MainWindow::connectPages() {
+  addPageKeys();
+  connect(m_pages, &Pages::pageChanged, this, &MainWindow::onPageChanged);
+  connect(m_pages, &Pages::openAsked, this, [this] { onChosen(MenuItem::mnuOpenLogFile); });
+  connect(m_pages, &Pages::logAsked, this, [this](const QString& fileName) {
+    if (m_commands != nullptr && !commandRuns()) m_commands->openLogFile(toPath(fileName));
+  });
+  connect(m_pages, &Pages::treeAsked, this, &MainWindow::showInTree);
+  connect(m_pages, &Pages::addressAsked, this, [this](const QString& address) {
+    if (m_commands != nullptr) lookUp(*this, *m_commands, address.toStdString());
+  });
+}
+
+void MainWindow::addPageKeys() {
+  const auto add = [this](const QKeySequence& keys, void (Pages::*act)()) {
+    m_pageKeys += new QShortcut(keys, this);
+    connect(m_pageKeys.back(), &QShortcut::activated, m_pages, act);
+  };
+  add(Qt::CTRL | Qt::Key_F, &Pages::find);
+  add(Qt::Key_F3, &Pages::findNext);
+  add(Qt::SHIFT | Qt::Key_F3, &Pages::findPrevious);
+  add(Qt::CTRL | Qt::Key_S, &Pages::exportShown);
+  add(Qt::CTRL | Qt::Key_P, &Pages::printShown);
+  add(Qt::CTRL | Qt::Key_G, &Pages::goTo);
+  add(Qt::CTRL | Qt::Key_L, &Pages::focusWords);
+  for (int page = 0; page < kPageCount; ++page) {
+    const auto* const key = new QShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + page)), this);
+    connect(key, &QShortcut::activated, this, [this, page] { m_pages->showPage(static_cast<PageName>(page)); });
+  }
+}
+
+void MainWindow::onPageChanged() {
+  const bool isTree = m_pages->showsSessionTree();
+  m_menus->setTreeShown(isTree);
+  for (QShortcut* const key : m_pageKeys)
+    key->setEnabled(!isTree);
+  if (isTree) m_sessionTreePage->tree().setFocus();
+}
+
+void MainWindow::showInTree(quint64 position) {
+  if (m_commands == nullptr || commandRuns()) return;
+  m_pages->showPage(PageName::SessionTree);
+  if (m_commands->state().tree.nodeCount() == 0) m_commands->mnuFindUsers_Click();
+  if (m_commands == nullptr || m_treeModel == nullptr) return;  // closed meanwhile
+  const std::int32_t node = nodeOfPosition(m_commands->context(), static_cast<std::int64_t>(position));
+  if (node == 0) return;
+  m_sessionTreePage->tree().setCurrentIndex(m_treeModel->indexOf(node));
+  m_commands->TreeView1_NodeClick(node);
+}
+
 void MainWindow::connectCommands(frmMain& commands) {
   m_commands = &commands;
   m_treeModel = std::make_unique<SessionTreeModel>(commands.state().tree);
@@ -76,6 +129,7 @@ void MainWindow::connectCommands(frmMain& commands) {
   const auto settingsFile = commands.state().programFolder / "pages.ini";
   m_pageSettings = std::make_unique<QSettings>(toFileName(settingsFile), QSettings::IniFormat);
   m_sessionTreePage->restore(*m_pageSettings);
+  m_pages->start(commands.context().files, commands.state().programFolder, *m_pageSettings);
 }
 
 void MainWindow::disconnectCommands() {
@@ -95,6 +149,7 @@ QString MainWindow::statusText(StatusPanel panel) const {
 void MainWindow::onChosen(MenuItem item) {
   if (m_commands == nullptr) return;
   if (item == MenuItem::mnuExit) return closeWindow();
+  if (item == MenuItem::mnuFindUsers) m_pages->showPage(PageName::SessionTree);
   if (const Tool tool = toolFor(item)) return tool(*this, *m_commands);
   runMenuCommand(item, *m_commands);
 }
@@ -132,6 +187,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   if (m_commands != nullptr) {
     m_commands->unload(normalBounds(*this), isMaximized());
     m_sessionTreePage->save(*m_pageSettings);
+    m_pages->save();
     m_pageSettings->sync();
   }
   disconnectCommands();

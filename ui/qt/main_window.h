@@ -16,6 +16,7 @@ namespace quorvel {
 class FileDialogs;
 class SessionTreePage;
 class Menus;
+class Pages;
 class OneLineLabel;
 class SessionTreeModel;
 
@@ -35,6 +36,7 @@ class MainWindow final : public QMainWindow, public MainWindowView {
   void applyStoredPlacement();
 
   [[nodiscard]] SessionTreePage& sessionTreePage() { return *m_sessionTreePage; }
+  [[nodiscard]] Pages& pages() { return *m_pages; }
   [[nodiscard]] Menus& menus() { return *m_menus; }
   [[nodiscard]] QString statusText(StatusPanel panel) const;
   /// A close was asked for while a command runs; the window closes when the command has stopped.
@@ -92,6 +94,11 @@ class MainWindow final : public QMainWindow, public MainWindowView {
  private:
   void addStatusPanels();
   void connectTree();
+  void connectPages();
+  void addPageKeys();
+  void onPageChanged();
+  /// Finds the sessions where that was not done yet, and clicks the one that begins there.
+  void showInTree(quint64 position);
   void onChosen(MenuItem item);
   void onTreeMenuRequested(const QPoint& position);
   [[nodiscard]] bool commandRuns() const;
@@ -101,8 +108,10 @@ class MainWindow final : public QMainWindow, public MainWindowView {
   frmMain* m_commands = nullptr;
   Menus* m_menus;
   SessionTreePage* m_sessionTreePage;
+  Pages* m_pages;
   std::array<OneLineLabel*, 4> m_panels{};
-  QShortcut* m_stopShortcut;  // Esc, only while a command runs
+  QList<QShortcut*> m_pageKeys;  // that mean something else on the session tree
+  QShortcut* m_stopShortcut;     // Esc, only while a command runs
   std::unique_ptr<SessionTreeModel> m_treeModel;
   std::unique_ptr<QSettings> m_pageSettings;  // pages.ini: what the pages keep from one start to the next
   QPoint m_treeMenuPosition;

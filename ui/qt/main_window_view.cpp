@@ -11,6 +11,7 @@
 #include "ui/qt/main_window.h"
 #include "ui/qt/menus.h"
 #include "ui/qt/one_line_label.h"
+#include "ui/qt/pages/pages.h"
 #include "ui/qt/plain_message.h"
 #include "ui/qt/plain_text_box.h"
 #include "ui/qt/progress_row.h"
@@ -31,6 +32,7 @@ void MainWindow::showBusyPointer(bool busy) {
 
 void MainWindow::showLogName(std::string_view name) {
   setWindowTitle(toTitle(name) + QStringLiteral(" - ") + toTitle(kProgramName));
+  if (m_commands != nullptr) m_pages->openLog(m_commands->state().logPath);
 }
 
 void MainWindow::showProgress(bool visible) {
@@ -121,6 +123,7 @@ void MainWindow::popUpTreeMenu() {
 }
 
 void MainWindow::setCommandRunning(bool running) {
+  if (running && m_commands != nullptr && m_commands->state().batchFlag) m_pages->showPage(PageName::SessionTree);
   m_menus->setCommandRunning(running);
   m_stopShortcut->setEnabled(running);
   m_sessionTreePage->tree().letClicksWait(running);

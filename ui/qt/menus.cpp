@@ -1,6 +1,8 @@
 #include "ui/qt/menus.h"
 
 #include <QMenuBar>
+#include <algorithm>
+#include <array>
 
 #include "ui/qt/edit_actions.h"
 
@@ -9,6 +11,16 @@ namespace {
 
 QString latin(const char* text) {
   return QString::fromLatin1(text);
+}
+
+/// Find users brings the session tree to the front; the others open something of their own.
+bool worksOnEveryPage(MenuItem item) {
+  using enum MenuItem;
+  constexpr std::array kItems{mnuOpenLogFile,     mnuExit,        mnuStop,
+                              mnuFindUsers,       mnuOptions,     mnuGetComputersIP,
+                              mnuWebVisitWebsite, mnuAbout,       mnuHelpCommandLineReference,
+                              mnuWebSendEmail,    mnuWebReportBug};
+  return std::find(kItems.begin(), kItems.end(), item) != kItems.end();
 }
 
 }  // namespace
@@ -69,9 +81,16 @@ void Menus::setCommandRunning(bool running) {
     applyEnabled(static_cast<MenuItem>(i));
 }
 
+void Menus::setTreeShown(bool shown) {
+  m_isTreeShown = shown;
+  for (std::size_t i = 0; i < kItemCount; ++i)
+    applyEnabled(static_cast<MenuItem>(i));
+}
+
 void Menus::applyEnabled(MenuItem item) {
   const bool worksNow = item == MenuItem::mnuExit || m_commandRunning == (item == MenuItem::mnuStop);
-  action(item).setEnabled(worksNow && m_isEnabled[static_cast<std::size_t>(item)]);
+  const bool worksHere = m_isTreeShown || worksOnEveryPage(item);
+  action(item).setEnabled(worksNow && worksHere && m_isEnabled[static_cast<std::size_t>(item)]);
 }
 
 }  // namespace quorvel

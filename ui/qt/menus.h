@@ -30,6 +30,8 @@ class Menus : public QObject {
   void check(MenuItem item, bool checked);
   /// While a command runs only Stop and Exit can be chosen, else all but Stop.
   void setCommandRunning(bool running);
+  /// While another page than the session tree is shown, what works on the tree cannot be chosen.
+  void setTreeShown(bool shown);
 
  signals:
   /// An item that can be checked keeps its mark: the command sets it.
@@ -45,6 +47,7 @@ class Menus : public QObject {
   std::array<bool, kItemCount> m_isEnabled{};  // what the commands want, whether one runs or not
   QMenu* m_treePopup;
   bool m_commandRunning = false;
+  bool m_isTreeShown = true;
 };
 
 }  // namespace quorvel

@@ -9,6 +9,7 @@
 #include "app/program.h"
 #include "log/clock.h"
 #include "log/text.h"
+#include "ui/qt/busy_pointer.h"
 #include "ui/qt/plain_message.h"
 #include "ui/qt/print_pages.h"
 #include "ui/qt/text.h"
@@ -34,16 +35,12 @@ bool keepGoing(CommandContext& context) {
 
 }  // namespace
 
-void mnuPrint_Click(QWidget& window, frmMain& commands) {
-  CommandContext& context = commands.context();
-  const CommandGuard guard(context);
-  if (!guard) return;
+void printDocument(QWidget& window, const PrintedDocument& document, const std::function<bool()>& keepGoing) {
   QPrinter printer(QPrinter::HighResolution);
   if (!printer.isValid()) {
     showPlainMessage(&window, QStringLiteral("No printer is available."));
     return;
   }
-  const PrintedDocument document = makeDocument(context);
   const QString title = toOneLine(toQString(document.title));
   printer.setDocName(title);
   if (printer.outputFormat() == QPrinter::PdfFormat)  // there is no printer
@@ -53,13 +50,20 @@ void mnuPrint_Click(QWidget& window, frmMain& commands) {
                     QAbstractPrintDialog::PrintShowPageSize | QAbstractPrintDialog::PrintCollateCopies);
   const PlainMessages plainMessages;
   if (dialog.exec() != QDialog::Accepted) return;
-  context.state.stopFlag = false;
-  context.view.showBusyPointer(true);
-  const PrintOutcome outcome = printPages(printer, document, [&context] { return keepGoing(context); });
-  context.view.showBusyPointer(false);
-  context.state.stopFlag = false;
+  showBusyPointer(true);
+  const PrintOutcome outcome = printPages(printer, document, keepGoing);
+  showBusyPointer(false);
   if (outcome == PrintOutcome::Failed)
     showPlainMessage(&window, QStringLiteral("The printer does not take the pages. Nothing more is printed."));
+}
+
+void mnuPrint_Click(QWidget& window, frmMain& commands) {
+  CommandContext& context = commands.context();
+  const CommandGuard guard(context);
+  if (!guard) return;
+  context.state.stopFlag = false;
+  printDocument(window, makeDocument(context), [&context] { return keepGoing(context); });
+  context.state.stopFlag = false;
 }
 
 }  // namespace quorvel

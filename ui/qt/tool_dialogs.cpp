@@ -29,8 +29,7 @@ std::string shownAddress(CommandContext& context) {
 }
 
 void openComputerIP(QWidget& window, frmMain& commands) {
-  CommandContext& context = commands.context();
-  frmComputerIP(context.settings, shownAddress(context), openIcmpSocket, &window).exec();
+  lookUp(window, commands, shownAddress(commands.context()));
 }
 
 void openOptions(QWidget& window, frmMain& commands) {
@@ -67,6 +66,10 @@ constexpr std::array kTools = {
 };
 
 }  // namespace
+
+void lookUp(QWidget& window, frmMain& commands, std::string_view address) {
+  frmComputerIP(commands.context().settings, address, openIcmpSocket, &window).exec();
+}
 
 Tool toolFor(MenuItem item) {
   const auto* const line =

@@ -133,7 +133,16 @@ bool FollowReading::rotate(Change change, const std::function<bool()>& goesOn) {
   if (!opened.isOk()) return false;
   Piece next = std::move(opened.value());
   auto siblings = openSiblings(*next);
-  if (change == Change::Truncated) goOnInCopy(siblings);
+  if (change == Change::Truncated) {
+    bool isKept = goOnInCopy(siblings);
+    for (int i = 1; i < kMostListings && !isKept; ++i) {  // the copy may have been renamed while it was looked for
+      siblings = openSiblings(*next);
+      isKept = goOnInCopy(siblings);
+    }
+    if (!isKept)
+      m_current->addNote(m_name + " was emptied after " + std::to_string(m_current->place().offset) +
+                         " bytes of it were read; lines written to it since then may be lost.");
+  }
   endCurrent(goesOn);
   queueSiblings(std::move(siblings), std::move(next));
   m_current = std::move(m_queue.front());
@@ -142,7 +151,7 @@ bool FollowReading::rotate(Change change, const std::function<bool()>& goesOn) {
 }
 
 /// The longest file that begins like the one that was emptied tells what stood in it.
-void FollowReading::goOnInCopy(std::vector<std::unique_ptr<LogSource>>& siblings) {
+bool FollowReading::goOnInCopy(std::vector<std::unique_ptr<LogSource>>& siblings) {
   std::unique_ptr<LogSource>* longest = nullptr;
   std::uint64_t mostBytes = 0;
   for (auto& sibling : siblings) {
@@ -156,9 +165,7 @@ void FollowReading::goOnInCopy(std::vector<std::unique_ptr<LogSource>>& siblings
   const std::uint64_t read = m_current->place().offset;
   const bool isKept = longest != nullptr && mostBytes >= read && m_current->goOnIn(std::move(*longest));
   std::erase(siblings, nullptr);
-  if (isKept) return;
-  m_current->addNote(m_name + " was emptied after " + std::to_string(read) +
-                     " bytes of it were read; lines written to it since then may be lost.");
+  return isKept;
 }
 
 std::vector<std::unique_ptr<LogSource>> FollowReading::openSiblings(const FollowingSource& except) {

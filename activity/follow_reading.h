@@ -51,7 +51,7 @@ class FollowReading {
   void endCurrent(const std::function<bool()>& goesOn);
   /// False where nothing has the name for now.
   bool rotate(Change change, const std::function<bool()>& goesOn);
-  void goOnInCopy(std::vector<std::unique_ptr<LogSource>>& siblings);
+  [[nodiscard]] bool goOnInCopy(std::vector<std::unique_ptr<LogSource>>& siblings);
   [[nodiscard]] std::vector<std::unique_ptr<LogSource>> openSiblings(const FollowingSource& except);
   void queueSiblings(std::vector<std::unique_ptr<LogSource>> siblings, Piece next);
   [[nodiscard]] bool isKnown(std::string_view head) const;

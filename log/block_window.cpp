@@ -52,45 +52,6 @@ std::string_view BlockWindow::textElsewhere(LogPosition from, std::size_t count)
   return m_scratch;
 }
 
-LogPosition BlockWindow::find(char c, LogPosition from, LogPosition end) {
-  for (LogPosition at = from; at < end;) {
-    const LogBlock& block = blockAt(at);
-    const LogPosition pieceEnd = std::min(end, block.end());
-    if (pieceEnd <= at) break;
-    const char* const piece = block.data() + (at - block.first);
-    const void* const hit = std::memchr(piece, c, static_cast<std::size_t>(pieceEnd - at));
-    if (hit != nullptr) return at + (static_cast<const char*>(hit) - piece);
-    at = pieceEnd;
-  }
-  return end;
-}
-
-LogPosition BlockWindow::findLast(char c, LogPosition from, LogPosition end) {
-  while (end > from) {
-    const LogBlock& block = blockAt(end - 1);
-    const LogPosition pieceFrom = std::max(from, block.first);
-    const std::string_view piece(block.data() + (pieceFrom - block.first), static_cast<std::size_t>(end - pieceFrom));
-    if (const auto hit = piece.rfind(c); hit != std::string_view::npos) {
-      return pieceFrom + static_cast<LogPosition>(hit);
-    }
-    end = pieceFrom;
-  }
-  return from - 1;
-}
-
-void BlockWindow::prefetch(LogPosition position) const {
-#if defined(__GNUC__)
-  constexpr std::ptrdiff_t kCacheLine = 64;
-  const auto& block = m_blocks[static_cast<std::size_t>(position - 1) / m_blockSize % m_blocks.size()];
-  if (!block || !block->holds(position)) return;
-  const char* const text = block->data() + (position - block->first);
-  for (const std::ptrdiff_t offset : {-kCacheLine, std::ptrdiff_t{0}, kCacheLine})
-    __builtin_prefetch(text + offset);
-#else
-  (void)position;
-#endif
-}
-
 const LogBlock& BlockWindow::otherBlockAt(LogPosition position) {
   const std::size_t number = static_cast<std::size_t>(position - 1) / m_blockSize;
   auto& block = m_blocks[number % m_blocks.size()];

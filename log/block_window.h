@@ -33,16 +33,6 @@ class BlockWindow {
     return textElsewhere(from, count);
   }
 
-  /// Position of the first byte c at or after from; when there is none before end, end.
-  [[nodiscard]] LogPosition find(char c, LogPosition from, LogPosition end);
-
-  /// Position of the last byte c in [from, end); when there is none, from - 1.
-  [[nodiscard]] LogPosition findLast(char c, LogPosition from, LogPosition end);
-
-  /// Brings the text around position into the processor's cache, if the window holds it: lines of a session lie far
-  /// apart, and waiting for memory would cost more than all else that is done with them.
-  void prefetch(LogPosition position) const;
-
   /// What kept a block from being read again.
   [[nodiscard]] const Status& status() const { return m_status; }
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 
 #include "log/block_reader.h"
 #include "log/block_window.h"
@@ -15,23 +14,16 @@ class LogStream {
   /// Takes what the search found in the block read last; false ends the reading as if the log ended there.
   using Take = std::function<bool(const LogBlock& block)>;
 
-  /// Reads nothing yet. The log must outlive the stream.
+  /// The log must outlive the stream.
   LogStream(const LogFile& log, std::size_t blockSize, BlockReader::Search search, Take take);
 
-  /// Reads from the block that holds position on, whatever was read before.
-  void start(LogPosition position);
-  /// Reads one more block; false at the end of the log, after a failure and after stop().
+  /// Reads one more block; false at the end of the log and after a failure.
   bool readMore() { return !m_isAtEnd && readBlock(); }
-  /// No more is read until the next start().
-  void stop() { m_isAtEnd = true; }
   /// Whether readMore() would read nothing.
   [[nodiscard]] bool isAtEnd() const { return m_isAtEnd; }
 
   /// Position of the last byte read.
   [[nodiscard]] LogPosition readTo() const { return m_readTo; }
-  /// Position of the line end at or behind position, which was read already. Reads on to it, so that everything in
-  /// the line is known; where the log ends first, the position behind the last byte read.
-  [[nodiscard]] LogPosition endOfLine(LogPosition position);
 
   [[nodiscard]] BlockWindow& window() { return m_window; }
   /// What kept the log from being read.
@@ -40,13 +32,11 @@ class LogStream {
  private:
   bool readBlock();
 
-  const LogFile& m_log;
-  const BlockReader::Search m_search;
   const Take m_take;
   BlockWindow m_window;
-  std::unique_ptr<BlockReader> m_reader;
+  BlockReader m_reader;
   LogPosition m_readTo = 0;
-  bool m_isAtEnd = true;
+  bool m_isAtEnd = false;
   Status m_status;
 };
 

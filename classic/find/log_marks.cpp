@@ -90,8 +90,8 @@ class MarkWriter {
     const char* const loggedIn = m_names.loggedIn(0);
     const char* const lineEnd = m_names.lineEnd();
     add(at, MarkKind::User, id);
-    m_block.findings.push_back(lineEnd != nullptr ? m_names.hash(lineEnd) | (loggedIn != nullptr ? kHoldsLoggedIn : 0)
-                                                  : 0);
+    const bool holdsLoggedIn = loggedIn != nullptr && lineEnd != nullptr;
+    m_block.findings.push_back(holdsLoggedIn ? kHoldsLoggedIn : lineEnd != nullptr ? m_names.hash(lineEnd) : 0);
     if (loggedIn == nullptr || !hasDash(at)) return;
     add(at, MarkKind::LoggedIn, id);
     m_block.findings.push_back(m_names.hash(loggedIn));
@@ -108,55 +108,6 @@ class MarkWriter {
 
   LogBlock& m_block;
   NamesInLine m_names;
-};
-
-/// Writes the session numbers of one block, each with the extent of its line.
-class LineWriter {
- public:
-  LineWriter(LogBlock& block, const SessionIdSet& wanted, LastPlaces* places)
-      : m_block(block), m_wanted(wanted), m_places(places) {
-    if (block.first == 1 || block.data()[-1] == '\n') m_lineBegin = block.data();
-  }
-
-  void examine(const char* at) {
-    if (*at == '\n') {
-      endLine(at);
-    } else if (*at == '-') {
-      if (isServerStart(at)) addMark(m_block, at, MarkKind::ServerStart, 0);
-    } else {
-      examineNumber(at, sessionIdAt(at));
-    }
-  }
-
- private:
-  struct Number {
-    const char* at;
-    std::size_t detail;  ///< index in the findings
-  };
-
-  void examineNumber(const char* at, SessionId id) {
-    if (m_places != nullptr) m_places->note(id, m_block);
-    if (!m_wanted.contains(id)) return;
-    addMark(m_block, at, MarkKind::Line, id);
-    m_numbers.push_back({at, m_block.findings.size()});
-    m_block.findings.push_back(std::bit_cast<std::uint64_t>(LineExtent{}));
-  }
-
-  void endLine(const char* lineEnd) {
-    for (const Number& number : m_numbers) {
-      const auto before = m_lineBegin != nullptr ? number.at - m_lineBegin : 0;
-      m_block.findings[number.detail] = std::bit_cast<std::uint64_t>(
-          LineExtent{static_cast<std::uint32_t>(before), static_cast<std::uint32_t>(lineEnd - number.at)});
-    }
-    m_numbers.clear();
-    m_lineBegin = lineEnd + 1;
-  }
-
-  LogBlock& m_block;
-  const SessionIdSet& m_wanted;
-  LastPlaces* const m_places;
-  const char* m_lineBegin = nullptr;  ///< null while the line started before the block
-  std::vector<Number> m_numbers;      ///< of the line looked at
 };
 
 }  // namespace
@@ -186,36 +137,6 @@ void findMarks(LogBlock& block) {
   MarkWriter writer(block);
   for (const std::uint32_t offset : block.offsets)
     writer.examineEvent(block.data() + offset);
-}
-
-SessionIdSet::SessionIdSet() : m_digitIds(kDigitIds) {}
-
-void SessionIdSet::insert(SessionId id) {
-  if (id < kDigitIds) {
-    m_digitIds[static_cast<std::size_t>(id)] = true;
-  } else {
-    m_oddIds.insert(id);
-  }
-}
-
-void LastPlaces::note(SessionId id, const LogBlock& block) {
-  if (id >= kDigitIds) return;
-  auto& page = m_pages[static_cast<std::size_t>(id) / kNumbersPerPage];
-  if (!page) page = std::make_unique<Page>();
-  (*page)[static_cast<std::size_t>(id) % kNumbersPerPage] = static_cast<std::uint32_t>(block.end() / kUnit);
-}
-
-std::optional<LogPosition> LastPlaces::of(SessionId id) const {
-  if (id >= kDigitIds) return std::nullopt;
-  const auto& page = m_pages[static_cast<std::size_t>(id) / kNumbersPerPage];
-  return page ? (LogPosition{(*page)[static_cast<std::size_t>(id) % kNumbersPerPage]} + 1) * kUnit : 0;
-}
-
-void findSessionNumbers(LogBlock& block, const SessionIdSet& wanted, LastPlaces* places) {
-  scanBytes(ScanFor::SessionLines, block.data(), block.count, block.offsets);
-  LineWriter writer(block, wanted, places);
-  for (const std::uint32_t offset : block.offsets)
-    writer.examine(block.data() + offset);
 }
 
 LogMark takeMark(const std::vector<std::uint64_t>& findings, std::size_t& index) {

@@ -55,9 +55,7 @@ std::size_t lengthOf(const EventText& text) {
 LogSearch::LogSearch(const LogFile& log, Options options)
     : m_log(log),
       m_options(std::move(options)),
-      m_stream(log, m_options.blockSize, findMarks, [this](const LogBlock& block) { return takeMarks(block); }) {
-  m_stream.start(1);
-}
+      m_stream(log, m_options.blockSize, findMarks, [this](const LogBlock& block) { return takeMarks(block); }) {}
 
 bool LogSearch::FindForward(LogPosition start) {
   while (true) {
@@ -161,14 +159,16 @@ void LogSearch::expectLogon(MarkNumber user, const LogMark& mark, const char* na
     std::erase_if(m_longNames, [this](const auto& entry) { return entry.second.last < m_session.number; });
     m_purgeExpectedAt = std::max<std::size_t>(1024, 2 * (m_expected.size() + m_longNames.size()));
   }
-  MarkNumber& last = m_expected[logonKey(mark.id, mark.detail & ~kHoldsLoggedIn)];
+  std::uint64_t hash = mark.detail;
+  if (hash == kHoldsLoggedIn) {
+    names.lookAt(name);
+    hash = names.hash(names.lineEnd());
+    LongNames& alike = m_longNames[logonKey(mark.id, names.hash(names.loggedIn(0)))];
+    alike = {alike.counts | LongNames::bitOf(names.loggedInCount()), user};
+  }
+  MarkNumber& last = m_expected[logonKey(mark.id, hash)];
   m_marks.setDetail(user, last);
   last = user;
-  if ((mark.detail & kHoldsLoggedIn) == 0) return;
-
-  names.lookAt(name);
-  LongNames& alike = m_longNames[logonKey(mark.id, names.hash(names.loggedIn(0)))];
-  alike = {alike.counts | LongNames::bitOf(names.loggedInCount()), user};
 }
 
 /// Each " logged in" in the line may be the end of it: of a name that holds it n times, the one behind n others.

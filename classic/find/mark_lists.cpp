@@ -12,8 +12,6 @@ constexpr std::uint16_t bitOf(MarkKind kind) {
 /// The kinds that, once seen, make a later mark of this kind superfluous.
 constexpr std::uint16_t coveredBy(MarkKind kind) {
   switch (kind) {
-    case MarkKind::Line:
-      return 0;  // one line says nothing of another
     case MarkKind::Close:
       return bitOf(MarkKind::Close) | bitOf(MarkKind::CloseDash);
     case MarkKind::Other530:

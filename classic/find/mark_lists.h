@@ -9,6 +9,7 @@
 #include <unordered_map>
 
 #include "classic/find/log_marks.h"
+#include "log/seeded_hash.h"
 
 namespace quorvel {
 

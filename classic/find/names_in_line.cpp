@@ -60,7 +60,8 @@ std::uint64_t NamesInLine::hash(const char* end) {
   hashTo(end);
   const TextHash& before = m_hashes[static_cast<std::size_t>(m_name - m_hashedFrom)];
   const TextHash& all = m_hashes[static_cast<std::size_t>(end - m_hashedFrom)];
-  const TextHash moved = product(before, powersOfBases()[static_cast<std::size_t>(end - m_name)]);
+  TextHash moved;
+  if (m_name != m_hashedFrom) moved = product(before, powersOfBases()[static_cast<std::size_t>(end - m_name)]);
   const std::uint64_t first = (all.first + kPrime - moved.first) % kPrime;
   const std::uint64_t second = (all.second + kPrime - moved.second) % kPrime;
   return std::uint64_t{1} << 62 | first << 31 | second;
@@ -79,12 +80,15 @@ void NamesInLine::hashTo(const char* end) {
     m_hashedFrom = m_name;
     m_hashes.assign(1, {});
   }
+  const char* at = m_hashedFrom + m_hashes.size() - 1;
+  if (at >= end) return;
   const TextHash base = bases();
   TextHash hash = m_hashes.back();
-  for (const char* at = m_hashedFrom + m_hashes.size() - 1; at < end; ++at) {
+  m_hashes.resize(static_cast<std::size_t>(end - m_hashedFrom) + 1);
+  for (TextHash* to = &m_hashes.back() - (end - at); at < end; ++at) {
     const std::uint64_t byte = static_cast<unsigned char>(foldCase(*at)) + std::uint64_t{1};
     hash = {reduced(hash.first * base.first + byte), reduced(hash.second * base.second + byte)};
-    m_hashes.push_back(hash);
+    *++to = hash;
   }
 }
 

@@ -80,13 +80,16 @@ CountOutcome countTransfers(CommandContext& context, const LogFile& log, UsersFi
                              .showsFailures = context.settings.readFlag(kSection, "GetFilenameOnTransferError")};
   context.state.stopFlag = false;
   CountOutcome outcome;
-  if (users == nullptr) {
+  const auto sessions = users != nullptr ? command.sessions(*users) : nullptr;
+  if (context.state.logShape == LogShape::Current) {
+    outcome.read = countCurrentTransfers(log, sessions.get(), options, totals, progress);
+  } else if (sessions == nullptr) {
     outcome.read = CountAllTransfers(log, options, totals, progress);
   } else {
-    outcome.read = CountSessionTransfers(log, *command.sessions(*users), options, totals, progress,
-                                         {context.files, context.state.workingFolder});
-    if (outcome.read.isOk()) outcome.read = users->status();
+    outcome.read =
+        CountSessionTransfers(log, *sessions, options, totals, progress, {context.files, context.state.workingFolder});
   }
+  if (users != nullptr && outcome.read.isOk()) outcome.read = users->status();
   outcome.wasStopped = std::exchange(context.state.stopFlag, false) && progress.reached() < log.length();
   if (outcome.wasStopped)
     outcome.percent =

@@ -9,6 +9,7 @@
 
 #include "app/session_sources.h"
 #include "classic/filter/session_filter.h"
+#include "classic/lines/current_lines.h"
 #include "log/text.h"
 
 namespace quorvel {
@@ -22,14 +23,15 @@ constexpr std::array<std::string_view, 4> kCommandFilterKeys = {"FilterTransfers
                                                                 "filterMDTM"};
 
 /// The command filter when one of its options is 1, else null.
-std::unique_ptr<LineRule> makeCommandFilter(const Settings& settings, FilterHeader header) {
+std::unique_ptr<LineRule> makeCommandFilter(const CommandContext& context, FilterHeader header) {
   std::array<std::int32_t, kCommandFilterKeys.size()> values{};
   std::transform(kCommandFilterKeys.begin(), kCommandFilterKeys.end(), values.begin(),
-                 [&settings](std::string_view key) { return settings.readNumber("OPTION-FILTER", key); });
+                 [&context](std::string_view key) { return context.settings.readNumber("OPTION-FILTER", key); });
   if (std::find(values.begin(), values.end(), 1) == values.end()) return nullptr;
   const auto& [transfers, deletes, site, mdtm] = values;
-  return std::make_unique<CommandFilter>(CommandFilterOptions{transfers != 0, deletes != 0, site != 0, mdtm != 0},
-                                         header);
+  const bool isCurrent = context.state.logShape == LogShape::Current;
+  return std::make_unique<CommandFilter>(
+      CommandFilterOptions{transfers != 0, deletes != 0, site != 0, mdtm != 0, isCurrent}, header);
 }
 
 void deleteFilterFile(CommandContext& context) {
@@ -147,7 +149,8 @@ FilterOutcome runFilter(CommandContext& context, const LogFile& log, SessionList
                         FilterTarget& target, FilterRun& run) {
   if (sessions.size() > 0) context.view.setFilterText({});
   context.state.stopFlag = false;
-  Status read = readSessionLines(log, sessions, rule, run, {context.files, context.state.workingFolder});
+  const auto readLines = context.state.logShape == LogShape::Current ? readCurrentLines : readSessionLines;
+  Status read = readLines(log, sessions, rule, run, {context.files, context.state.workingFolder});
   target.flush();
   FilterOutcome outcome = run.outcome();
   outcome.read = std::move(read);
@@ -169,7 +172,7 @@ FilterOutcome filterIntoWindow(CommandContext& context, const LogFile& log, cons
     return {};
   }
   EntireSessionFilter entire(FilterHeader::None);
-  const auto commands = makeCommandFilter(context.settings, FilterHeader::None);
+  const auto commands = makeCommandFilter(context, FilterHeader::None);
   OneSession sessions(session);
   FilterRun run(context, sessions, window, false);
   FilterOutcome outcome =
@@ -184,7 +187,7 @@ FilterOutcome filterIntoWindow(CommandContext& context, const LogFile& log, cons
 
 FilterOutcome filterIntoFile(CommandContext& context, const LogFile& log, SessionList& sessions, ResultsFile& results) {
   EntireSessionFilter entire(FilterHeader::Block);
-  const auto commands = makeCommandFilter(context.settings, FilterHeader::Block);
+  const auto commands = makeCommandFilter(context, FilterHeader::Block);
   LineRule& rule = commands ? *commands : static_cast<LineRule&>(entire);
   FilterRun run(context, sessions, results, true);
   FilterOutcome outcome = runFilter(context, log, sessions, rule, results, run);

@@ -10,6 +10,7 @@
 #include "app/needed_files.h"
 #include "app/tree_commands.h"
 #include "app/web_commands.h"
+#include "classic/find/current_sessions.h"
 #include "classic/find/servu_find_user_info.h"
 #include "classic/find/users_file.h"
 #include "log/log_file.h"
@@ -155,8 +156,10 @@ class FindUsers {
     createUsersFile();
     m_context.view.setProgressRange(0, log.length() + 1);
     const FindOptions options{.trunkLongUsernames = m_context.settings.readFlag("MAIN", "TrunkLongUsernames")};
-    ScanRecorder recorder(m_context, m_errorLog, slotSizeFor(log.length()));
-    const auto end = ServuFindUserInfo(log, options, recorder);
+    const bool isCurrent = m_context.state.logShape == LogShape::Current;
+    ScanRecorder recorder(m_context, m_errorLog, isCurrent ? currentSlotSize(options) : slotSizeFor(log.length()));
+    const auto end =
+        isCurrent ? findCurrentSessions(log, options, recorder) : ServuFindUserInfo(log, options, recorder);
     recorder.finish();
     if (!end.isOk()) return end.error();
     finishScan(end.value());

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/filter_memory.h"
+#include "classic/find/log_shape.h"
 #include "classic/find/user_act.h"
 #include "classic/tree/session_tree.h"
 
@@ -26,7 +27,8 @@ struct MainWindowState {
   std::filesystem::path logPath;  ///< empty: no log chosen yet
   std::string logTitle;           ///< its name without folder
   LogType logType = LogType::None;
-  std::string logTypeName;  ///< what status panel 2 shows
+  std::string logTypeName;                ///< what status panel 2 shows
+  LogShape logShape = LogShape::Classic;  ///< as a command found it when it opened the log
 
   UserAct currentSession;         ///< the session clicked last, or the last one a command read
   std::int32_t selectedNode = 0;  ///< node of the tree clicked last; 0: none

@@ -1,15 +1,37 @@
 #include "app/needed_files.h"
 
+#include <string>
 #include <utility>
 
 #include "app/command_report.h"
+#include "log/text.h"
 
 namespace quorvel {
+namespace {
+
+void reportForeignLog(CommandContext& context, std::string_view server) {
+  reportFailure(context,
+                pathText(context.state.logPath)
+                    .append(": this is a log of ")
+                    .append(server)
+                    .append("; the session tree and its commands read logs of Serv-U, all others have the pages "
+                            "beside it and the commands with names (quorvel --help)."));
+}
+
+}  // namespace
 
 std::optional<LogFile> openNeededLog(CommandContext& context) {
   auto log = LogFile::open(context.files, context.state.logPath);
-  if (log.isOk()) return std::move(log.value());
-  reportFailure(context, log.error().sentence());
+  if (!log.isOk()) {
+    reportFailure(context, log.error().sentence());
+    return std::nullopt;
+  }
+  const bool isToldByContent = context.state.logType != LogType::WarFtpd;
+  const LogOrigin origin = isToldByContent ? originOf(log.value()) : LogOrigin();
+  context.state.logShape = origin.shape;
+  if (origin.shape != LogShape::Other) return std::move(log.value());
+  const bool wasTold = context.state.batchFlag && context.state.batchFailed;
+  if (!wasTold) reportForeignLog(context, origin.server);
   return std::nullopt;
 }
 

@@ -1,5 +1,6 @@
 #include "grammar/serv_u_words.h"
 
+#include <chrono>
 #include <optional>
 
 #include "grammar/civil_time.h"
@@ -172,6 +173,24 @@ bool readServUFront(std::string_view line, std::size_t bracketDigits, ServUFront
   front.key = digits;
   front.text = number.rest();
   return true;
+}
+
+std::string servUStamp(LogTime time) {
+  constexpr std::string_view kWeekdays = "SunMonTueWedThuFriSat";
+  constexpr std::string_view kMonths = "JanFebMarAprMayJunJulAugSepOctNovDec";
+  if (time == kNoTime) return {};
+  const std::chrono::sys_seconds moment{std::chrono::seconds{time}};
+  const auto day = std::chrono::floor<std::chrono::days>(moment);
+  const std::chrono::year_month_day date{day};
+  const std::chrono::hh_mm_ss clock{moment - day};
+  const auto twoDigits = [](auto number) { return std::to_string(100 + static_cast<int>(number) % 100).substr(1); };
+  std::string stamp(kWeekdays.substr(3 * std::chrono::weekday{day}.c_encoding(), 3));
+  stamp.append(" ").append(twoDigits(static_cast<unsigned>(date.day())));
+  stamp.append(kMonths.substr(3 * (static_cast<unsigned>(date.month()) - 1), 3));
+  stamp.append(twoDigits(static_cast<int>(date.year()))).append(" ");
+  stamp.append(twoDigits(clock.hours().count())).append(":");
+  stamp.append(twoDigits(clock.minutes().count())).append(":");
+  return stamp.append(twoDigits(clock.seconds().count()));
 }
 
 bool readServUSentence(std::string_view text, Event& event) {

@@ -1,6 +1,7 @@
 // What the logs of all Serv-U versions share: stamp, session number, and the server's sentences.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "grammar/event.h"
@@ -17,6 +18,9 @@ struct ServUFront {
 
 /// Reads a front whose bracket has that many digits; 0: without a bracket. False where the line has no such front.
 [[nodiscard]] bool readServUFront(std::string_view line, std::size_t bracketDigits, ServUFront& front);
+
+/// `Mon 06Jun05 08:03:11`, as all versions write it; empty for kNoTime.
+[[nodiscard]] std::string servUStamp(LogTime time);
 
 /// Reads a sentence of the server about a session: connected, logged in, sent and received files, closed, logged out.
 /// False where text is none; the event is as it was then.

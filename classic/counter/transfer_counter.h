@@ -38,4 +38,9 @@ Status CountSessionTransfers(const LogFile& log, SessionList& sessions, const Co
 Status CountAllTransfers(const LogFile& log, const CountOptions& options, TransferCount& totals,
                          CountObserver& observer, std::size_t blockSize = kDefaultBlockSize);
 
+/// The same for a log in the current shape: those of chosen sessions, or of all where sessions is null. Files are those
+/// of the activity tables; one of which the log does not tell how it went is not counted.
+Status countCurrentTransfers(const LogFile& log, SessionList* sessions, const CountOptions& options,
+                             TransferCount& totals, CountObserver& observer);
+
 }  // namespace quorvel

@@ -48,6 +48,10 @@ constexpr std::array kMarkTexts = {
     MarkText{" 553", kMdtmDone},
 };
 
+/// The replies that end a transfer.
+constexpr std::array<std::string_view, 8> kTransferReplies = {" 226", " 250", " 425", " 426",
+                                                              " 450", " 451", " 552", " 553"};
+
 /// What a command filter is in the middle of.
 enum State : std::uint8_t {
   InTransfer = 1u << 0,
@@ -125,6 +129,10 @@ std::uint32_t CommandFilter::marksOf(bool hasDash, std::string_view after) const
   std::uint32_t found = isClosing(hasDash, after) ? kClosing : 0u;
   for (const MarkText& mark : kMarkTexts) {
     if (startsWithFolded(after, mark.text)) found |= mark.marks;
+  }
+  if (m_options.repliesEndTransfers) {
+    for (const std::string_view reply : kTransferReplies)
+      if (after.starts_with(reply)) found |= kTransferDone;
   }
   return found;
 }

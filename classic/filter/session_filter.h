@@ -40,6 +40,7 @@ struct CommandFilterOptions {
   bool deletes = false;
   bool site = false;
   bool mdtm = false;
+  bool repliesEndTransfers = false;  ///< the server need not write a sentence about a file
 };
 
 /// Copies the chosen FTP commands with their replies, an empty line after each block.

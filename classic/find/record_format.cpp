@@ -57,7 +57,8 @@ Decoder decoderAtTreeIndex(std::string_view slot) {
 
 std::string encodeRecord(const UserAct& record, std::size_t slotSize) {
   const bool hasHighHalf = slotSize != kRecordSize;
-  std::size_t size = kRecordOverhead + (hasHighHalf ? 4 : 0);
+  const bool hasLast = hasHighHalf && record.LastPosition != 0;
+  std::size_t size = kRecordOverhead + (hasHighHalf ? 4 : 0) + (hasLast ? 8 : 0);
   for (const auto text : kTexts)
     size += (record.*text).size();
   std::string bytes(size, '\0');
@@ -69,6 +70,10 @@ std::string encodeRecord(const UserAct& record, std::size_t slotSize) {
   encoder.number(record.LogonNo);
   encoder.number(record.TreeIndex);
   if (hasHighHalf) encoder.highHalf(record.Position);
+  if (hasLast) {
+    encoder.lowHalf(record.LastPosition);
+    encoder.highHalf(record.LastPosition);
+  }
   return bytes;
 }
 
@@ -80,9 +85,14 @@ bool decodeRecord(std::string_view slot, UserAct& record, std::size_t slotSize) 
   record.LogonNo = static_cast<std::int32_t>(decoder.number(4));
   record.TreeIndex = static_cast<std::int32_t>(decoder.number(4));
   record.Position = static_cast<std::int32_t>(low);
+  record.LastPosition = 0;
   if (slotSize != kRecordSize) {
     const std::uint32_t high = decoder.bytesLeft() >= 4 ? decoder.number(4) : 0;
     record.Position = static_cast<std::int64_t>((std::uint64_t{high} << 32) | low);
+    if (decoder.bytesLeft() >= 8) {
+      const std::uint64_t lastLow = decoder.number(4);
+      record.LastPosition = static_cast<std::int64_t>((std::uint64_t{decoder.number(4)} << 32) | lastLow);
+    }
   }
   if (decoder.failed()) record = UserAct();
   return !decoder.failed();

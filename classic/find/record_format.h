@@ -15,10 +15,10 @@
 namespace quorvel {
 
 /// Bytes between the starts of two records, the same in the whole file. On disk, do not change. In the usual slots a
-/// position has 32 bits. In the others its high four bytes follow the record, and the last four bytes of the first slot
-/// tell the size: see kSlotMark.
+/// position has 32 bits. In the others its high four bytes follow the record, and LastPosition behind them where it is
+/// known; the last four bytes of the first slot tell the size: see kSlotMark.
 inline constexpr std::size_t kRecordSize = 128;
-inline constexpr std::size_t kLargeSlotSize = 512;     ///< for logs of 2 GiB and more
+inline constexpr std::size_t kLargeSlotSize = 512;     ///< for logs of 2 GiB and more, and of the current shape
 inline constexpr std::size_t kLargestSlotSize = 1024;  ///< for names and addresses of up to 255 bytes each
 
 /// Stands at the end of the first slot of all but the usual size. Read as the tree index of a record that fills a usual

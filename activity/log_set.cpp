@@ -185,8 +185,7 @@ std::vector<std::filesystem::path> sortedPlainFiles(const std::filesystem::path&
 }
 
 std::string nameOf(const std::filesystem::path& path) {
-  const auto name = path.filename().u8string();
-  return {name.begin(), name.end()};
+  return pathBytes(path.filename());
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "activity/ledger_keeper.h"
 #include "activity/log_start.h"
 #include "grammar/grammar.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {
@@ -22,7 +23,7 @@ constexpr std::uint64_t kSmallLog = 2 * BlockCutter::kBlockSize;
 constexpr std::uint64_t kProgressStep = 1024 * 1024;
 
 Error notReadable(const std::string& name, std::string_view why) {
-  return {ErrorCode::PathFileAccess, std::filesystem::path(std::u8string(name.begin(), name.end())), std::string(why)};
+  return {ErrorCode::PathFileAccess, pathFromBytes(name), std::string(why)};
 }
 
 std::uint8_t numberOf(const Grammar& grammar) {

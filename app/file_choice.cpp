@@ -25,11 +25,11 @@ std::optional<std::filesystem::path> chooseSavePath(CommandContext& context, con
 std::optional<std::filesystem::path> chooseSavePathInLastFolder(CommandContext& context, std::string_view filter) {
   FileRequest request;
   request.filter = filter;
-  request.folder = context.settings.ReadSetting("Main", "LastSavePath");
+  request.folder = pathFromBytes(context.settings.ReadSetting("Main", "LastSavePath"));
   if (request.folder.empty()) request.folder = context.state.programFolder;
   request.existing = ExistingFile::AskedToReplace;
   auto path = chooseSavePath(context, request);
-  if (path) context.settings.WriteSetting("Main", "LastSavePath", path->parent_path().string());
+  if (path) context.settings.WriteSetting("Main", "LastSavePath", pathBytes(path->parent_path()));
   return path;
 }
 

@@ -27,8 +27,8 @@ LogType lastLogType(const Settings& settings) {
 
 /// The full path less the file's title and the separator in front of it.
 std::string folderOf(const std::filesystem::path& path) {
-  std::string folder = path.string();
-  folder.resize(folder.size() - path.filename().string().size() - 1);
+  std::string folder = pathBytes(path);
+  folder.resize(folder.size() - pathBytes(path.filename()).size() - 1);
   return folder;
 }
 
@@ -66,7 +66,7 @@ FileRequest logRequest(const CommandContext& context) {
   FileRequest request;
   request.filter = kFilter;
   request.filterIndex = static_cast<int>(lastLogType(context.settings));
-  request.folder = context.settings.ReadSetting("MAIN", "LastOpenPath");
+  request.folder = pathFromBytes(context.settings.ReadSetting("MAIN", "LastOpenPath"));
   if (request.folder.empty()) request.folder = context.state.programFolder;
   request.fileMustExist = true;
   return request;

@@ -166,7 +166,7 @@ class BatchRun {
     }
   }
 
-  [[nodiscard]] std::filesystem::path outputFile() const { return m_arguments.rawArguments().back(); }
+  [[nodiscard]] std::filesystem::path outputFile() const { return pathFromBytes(m_arguments.rawArguments().back()); }
   [[nodiscard]] bool isInterrupted() const { return m_isInterrupted && m_isInterrupted(); }
 
   void fail(std::string text) {

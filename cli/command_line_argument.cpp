@@ -76,11 +76,11 @@ bool classCommandLineArgument::endsWithOutputFile() const {
 void classCommandLineArgument::fix_filenames_from_command_array(std::string_view name) {
   m_fileName = name;
   if (!isAbsoluteName(name)) {
-    m_fullPath = m_programFolder / m_fileName;
+    m_fullPath = m_programFolder / pathFromBytes(m_fileName);
     return;
   }
-  m_fullPath = m_fileName;
-  m_fileName = m_fullPath.filename().string();
+  m_fullPath = pathFromBytes(m_fileName);
+  m_fileName = pathBytes(m_fullPath.filename());
 }
 
 }  // namespace quorvel

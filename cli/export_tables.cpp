@@ -5,6 +5,7 @@
 
 #include "cli/standard_output.h"
 #include "cli/time_zone.h"
+#include "log/text.h"
 #include "report/csv_writer.h"
 #include "report/ecs_writer.h"
 #include "report/json_writer.h"
@@ -17,7 +18,7 @@ namespace {
 class TableExport {
  public:
   TableExport(const Request& request, FileSystem& files)
-      : m_request(request), m_files(files), m_folder(request.output) {}
+      : m_request(request), m_files(files), m_folder(pathFromBytes(request.output)) {}
 
   Status write(const Activity& activity, const Selection& selection) {
     std::error_code error;
@@ -48,7 +49,7 @@ class TableExport {
 Status writeEvents(const Request& request, FileSystem& files, const LogReading& reading, const Selection& selection) {
   const auto zone = TimeZone::named(request.timeZone);
   if (!zone) return Error{ErrorCode::PathNotFound, {}, "No such time zone is known"};
-  auto output = request.output.empty() ? standardOutput() : openOutput(files, request.output);
+  auto output = request.output.empty() ? standardOutput() : openOutput(files, pathFromBytes(request.output));
   if (!output.isOk()) return output.error();
   std::vector<std::string> names;
   for (const LogInfo& log : reading.activity.logs)
@@ -67,7 +68,7 @@ Status exportTables(const Request& request, FileSystem& files, const LogReading&
   const Selection selection = select(reading.activity, scope);
   switch (request.format) {
     case Format::Sqlite:
-      return writeSqlite(files, request.output, reading.activity, selection);
+      return writeSqlite(files, pathFromBytes(request.output), reading.activity, selection);
     case Format::Ecs:
       return writeEvents(request, files, reading, selection);
     default:

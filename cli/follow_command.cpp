@@ -14,6 +14,7 @@
 #include "activity/follow_reading.h"
 #include "cli/standard_output.h"
 #include "cli/time_zone.h"
+#include "log/text.h"
 #include "report/alerts.h"
 #include "report/csv_writer.h"
 #include "report/ecs_writer.h"
@@ -144,7 +145,7 @@ class GrowingOutput {
  public:
   GrowingOutput(const Request& request, FileSystem& files) : m_isFile(!request.output.empty()) {
     if (!m_isFile) return;
-    auto file = files.open(request.output, OpenMode::ReadWrite);
+    auto file = files.open(pathFromBytes(request.output), OpenMode::ReadWrite);
     if (file.isOk())
       m_file = std::move(file.value());
     else
@@ -187,7 +188,7 @@ class Following {
         m_scopeFor(scopeFor),
         m_tell(tell),
         m_output(request, shell.files),
-        m_reading(shell.files, request.logs.front(), nameOf(request.logs.front()), unpackPlace()) {}
+        m_reading(shell.files, pathFromBytes(request.logs.front()), nameOf(request.logs.front()), unpackPlace()) {}
 
   int run() {
     if (request().withSiblings) m_reading.beginWithSiblings();
@@ -215,10 +216,7 @@ class Following {
 
  private:
   [[nodiscard]] const Request& request() const { return m_request; }
-  static std::string nameOf(const std::string& log) {
-    const auto name = std::filesystem::path(log).filename().u8string();
-    return {name.begin(), name.end()};
-  }
+  static std::string nameOf(const std::string& log) { return pathBytes(pathFromBytes(log).filename()); }
   UnpackPlace unpackPlace() {
     std::error_code error;
     return {std::filesystem::temp_directory_path(error), [this](std::uint64_t) { return !isInterrupted(); }};
@@ -226,11 +224,12 @@ class Following {
 
   Status begin() {
     if (request().state.empty()) return m_output.keep(0);
-    const auto text = m_shell.files.readWhole(request().state);
+    const auto text = m_shell.files.readWhole(pathFromBytes(request().state));
     if (!text.isOk() && text.error().code != ErrorCode::FileNotFound) return text.error();
     const auto state = parseFollowState(text.isOk() ? text.value() : "");
     if (text.isOk() && !state)
-      return Error{ErrorCode::PathFileAccess, request().state, "This is no state of a log that is followed"};
+      return Error{ErrorCode::PathFileAccess, pathFromBytes(request().state),
+                   "This is no state of a log that is followed"};
     if (!state) return m_output.keep(0);
     m_isResuming = true;
     m_reading.resume(state->place, state->from);
@@ -319,7 +318,7 @@ class Following {
     if (m_placeBefore.head.empty() || activity.logs.empty()) return {};
     const LogNumber oldest = m_rows.oldestLog(activity, m_newestBefore);
     const FollowState state{m_placeBefore, activity.logs[oldest].ledger.first, m_output.length()};
-    return m_shell.files.replaceWhole(request().state, stateText(state));
+    return m_shell.files.replaceWhole(pathFromBytes(request().state), stateText(state));
   }
   void remember(const Activity& activity) {
     m_placeBefore = m_reading.place();

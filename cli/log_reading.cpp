@@ -10,6 +10,7 @@
 #include "activity/log_set.h"
 #include "activity/read_activity.h"
 #include "log/log_source.h"
+#include "log/text.h"
 #include "log/unpack.h"
 
 namespace quorvel {
@@ -72,9 +73,10 @@ class Reading {
   Sources open(const std::string& log) {
     if (log == "-") return openInput();
     std::error_code error;
-    if (m_choice.isSet && std::filesystem::is_directory(log, error)) return openAll(filesOfFolder(log));
-    if (m_choice.withSiblings) return openAll(rotatedSiblings(log));
-    return openFile(log, log);
+    const auto path = pathFromBytes(log);
+    if (m_choice.isSet && std::filesystem::is_directory(path, error)) return openAll(filesOfFolder(path));
+    if (m_choice.withSiblings) return openAll(rotatedSiblings(path));
+    return openFile(path, path);
   }
   Sources openAll(const std::vector<std::filesystem::path>& paths) {
     Sources all;
@@ -85,8 +87,8 @@ class Reading {
     return all;
   }
   Sources openFile(const std::filesystem::path& path, const std::filesystem::path& shown) {
-    const auto name = (m_choice.logs.size() == 1 ? shown.filename() : shown).u8string();
-    return take(openLogs(m_files, path, {name.begin(), name.end()}, m_unpack), {name.begin(), name.end()}, path);
+    const std::string name = pathBytes(m_choice.logs.size() == 1 ? shown.filename() : shown);
+    return take(openLogs(m_files, path, name, m_unpack), name, path);
   }
 
   /// What is packed is put by first: where it ends, its end tells.
@@ -122,9 +124,8 @@ class Reading {
       return {};
     }
     if (opened.value().empty()) fail(name + ": there is no log in it.");
-    const auto text = path.u8string();
     for (const auto& source : opened.value())
-      m_arguments[source.get()] = {text.begin(), text.end()};
+      m_arguments[source.get()] = pathBytes(path);
     return std::move(opened.value());
   }
 

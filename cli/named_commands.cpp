@@ -61,7 +61,7 @@ class NamedCommand {
 
   int run() {
     for (const std::string& log : m_request.logs) {
-      if (!m_request.output.empty() && log != "-" && isSameFile(m_request.output, log))
+      if (!m_request.output.empty() && log != "-" && isSameFile(pathFromBytes(m_request.output), pathFromBytes(log)))
         return fail(m_request.output + ": this is a log; results cannot be written into it.");
     }
     if (!m_request.timeZone.empty() && !TimeZone::named(m_request.timeZone)) {
@@ -161,7 +161,7 @@ class NamedCommand {
   }
 
   [[nodiscard]] Result<std::unique_ptr<Output>> open() const {
-    return m_request.output.empty() ? standardOutput() : openOutput(m_shell.files, m_request.output);
+    return m_request.output.empty() ? standardOutput() : openOutput(m_shell.files, pathFromBytes(m_request.output));
   }
 
   /// Puts the rows and columns asked for in the place of every table's usual ones; --sort, --limit and --columns are

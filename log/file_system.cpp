@@ -47,8 +47,13 @@ Status File::appendLines(std::string_view lines, std::string_view end) {
   if (written.isOk()) return {};
   const auto after = size();
   if (!after.isOk() || after.value() <= before.value()) return written;
-  const std::string_view part = lines.substr(0, static_cast<std::size_t>(after.value() - before.value()));
-  (void)resize(before.value() + part.rfind('\n') + 1);  // npos + 1 is 0: no line was written whole
+  const std::uint64_t added = after.value() - before.value();
+  if (added > lines.size() + end.size()) return written;  // others added to the file too: nothing of theirs is cut
+  std::string part(static_cast<std::size_t>(added), '\0');
+  const auto count = readAt(before.value(), part);
+  const std::string_view ours = std::string_view(part).substr(0, lines.size());
+  if (!count.isOk() || !lines.starts_with(ours) || !end.starts_with(part.substr(ours.size()))) return written;
+  (void)resize(before.value() + ours.rfind('\n') + 1);  // npos + 1 is 0: no line was written whole
   return written;
 }
 

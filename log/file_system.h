@@ -53,7 +53,7 @@ class File {
   /// so is one whose reader takes nothing once isInterrupted(). A terminal gets terminalText() of it.
   virtual Status append(std::string_view data, std::string_view end) = 0;
   /// The same for whole lines: on failure the file ends with the last of them that was written whole, as far as it can
-  /// be cut there. end is for lines that have no copy with their end.
+  /// be cut there: not where another process added to it meanwhile. end is for lines that have no copy with their end.
   Status appendLines(std::string_view lines, std::string_view end = {});
   /// Cuts the file, or fills it up with zero bytes, to length bytes.
   virtual Status resize(std::uint64_t length) = 0;

@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <limits>
 #include <string>
 #include <system_error>
 #include <utility>
 
 #include "log/file_system.h"
+#include "log/text.h"
 
 namespace quorvel {
 namespace {
@@ -29,6 +31,11 @@ ErrorCode codeOf(DWORD systemError) {
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
       return ErrorCode::DiskFull;
+    case ERROR_BROKEN_PIPE:
+    case ERROR_NO_DATA:
+    case ERROR_PIPE_BUSY:
+    case ERROR_PIPE_NOT_CONNECTED:
+      return ErrorCode::DeviceUnavailable;
     case ERROR_INVALID_NAME:
     case ERROR_FILENAME_EXCED_RANGE:
     case ERROR_TOO_MANY_OPEN_FILES:
@@ -60,10 +67,16 @@ OVERLAPPED at(std::uint64_t offset) {
 
 constexpr std::size_t kMostAtOnce = 1u << 30;
 
+/// As the offset of a write: wherever the file ends then, whoever else writes to it.
+constexpr std::uint64_t kEnd = std::numeric_limits<std::uint64_t>::max();
+
 class WindowsFile final : public File {
  public:
-  WindowsFile(HANDLE handle, std::filesystem::path path) : m_handle(handle), m_path(std::move(path)) {}
+  WindowsFile(HANDLE handle, std::filesystem::path path)
+      : m_handle(handle), m_isStream(::GetFileType(handle) != FILE_TYPE_DISK), m_path(std::move(path)) {}
   ~WindowsFile() override { ::CloseHandle(m_handle); }
+
+  [[nodiscard]] bool isStream() const { return m_isStream; }
 
   Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const override {
     std::size_t done = 0;
@@ -83,21 +96,22 @@ class WindowsFile final : public File {
 
   Status writeAt(std::uint64_t offset, std::string_view data) override {
     while (!data.empty()) {
-      OVERLAPPED position = at(offset);
+      OVERLAPPED position = at(offset);  // a stream takes no notice of it
       DWORD count = 0;
       const auto wanted = static_cast<DWORD>(std::min(data.size(), kMostAtOnce));
       if (!::WriteFile(m_handle, data.data(), wanted, &count, &position)) return failure();
-      offset += count;
+      if (offset != kEnd) offset += count;
       data.remove_prefix(count);
     }
     return {};
   }
 
   Status append(std::string_view data, std::string_view end) override {
-    const auto length = size();
-    if (!length.isOk()) return length.error();
-    Status written = writeAt(length.value(), data);
-    return written.isOk() ? writeAt(length.value() + data.size(), end) : written;
+    DWORD mode = 0;
+    const bool isConsole = m_isStream && ::GetConsoleMode(m_handle, &mode) != 0;
+    if (isConsole) return writeAt(kEnd, terminalText(std::string(data).append(end)));
+    Status written = writeAt(kEnd, data);
+    return written.isOk() ? writeAt(kEnd, end) : written;
   }
 
   Status resize(std::uint64_t length) override {
@@ -108,6 +122,7 @@ class WindowsFile final : public File {
   }
 
   Result<std::uint64_t> size() const override {
+    if (m_isStream) return std::uint64_t{0};
     LARGE_INTEGER length;
     if (!::GetFileSizeEx(m_handle, &length)) return failure();
     return static_cast<std::uint64_t>(length.QuadPart);
@@ -122,8 +137,21 @@ class WindowsFile final : public File {
   [[nodiscard]] Error failure() const { return {codeOf(::GetLastError()), m_path}; }
 
   HANDLE m_handle;
+  bool m_isStream;  ///< a pipe or a console: it has no positions
   std::filesystem::path m_path;
 };
+
+// The server goes on writing its log, and may rename or delete it, while it is open here.
+constexpr DWORD kSharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// A pipe or a console that can only be written to; nullptr where path is none.
+std::unique_ptr<WindowsFile> openStream(const std::filesystem::path& path) {
+  const HANDLE handle =
+      ::CreateFileW(path.c_str(), GENERIC_WRITE, kSharing, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return nullptr;
+  auto stream = std::make_unique<WindowsFile>(handle, path);
+  return stream->isStream() ? std::move(stream) : nullptr;
+}
 
 class WindowsFileSystem final : public FileSystem {
  public:
@@ -132,18 +160,19 @@ class WindowsFileSystem final : public FileSystem {
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
       return Error{ErrorCode::PathFileAccess, path};
     }
+    if (mode == OpenMode::Append && owner == Owner::User) {
+      if (auto stream = openStream(path)) return Result<std::unique_ptr<File>>(std::move(stream));
+    }
     const DWORD access = mode == OpenMode::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
-    // the server goes on writing its log, and may rename or delete it, while it is open here
-    const DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const HANDLE handle =
-        ::CreateFileW(path.c_str(), access, sharing, nullptr, dispositionOf(mode), FILE_ATTRIBUTE_NORMAL, nullptr);
+        ::CreateFileW(path.c_str(), access, kSharing, nullptr, dispositionOf(mode), FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
       const DWORD error = ::GetLastError();
       std::error_code ignored;
       return Error{std::filesystem::is_directory(path, ignored) ? ErrorCode::PathFileAccess : codeOf(error), path};
     }
     auto file = std::make_unique<WindowsFile>(handle, path);
-    if (::GetFileType(handle) != FILE_TYPE_DISK) return Error{ErrorCode::PathFileAccess, path};
+    if (file->isStream()) return Error{ErrorCode::PathFileAccess, path};
     return Result<std::unique_ptr<File>>(std::move(file));
   }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <type_traits>
 
 namespace quorvel {
 namespace {
@@ -214,8 +215,18 @@ std::string terminalText(std::string_view lines) {
 }
 
 std::string pathText(const std::filesystem::path& path) {
-  const auto utf8 = path.u8string();
-  return toWindows1252(std::string(utf8.begin(), utf8.end()));
+  return toWindows1252(pathBytes(path));
+}
+
+std::string pathBytes(const std::filesystem::path& path) {
+  const auto bytes = path.u8string();  // unchanged where names are bytes
+  return {bytes.begin(), bytes.end()};
+}
+
+std::filesystem::path pathFromBytes(std::string_view bytes) {
+  constexpr bool kNamesAreBytes = std::is_same_v<std::filesystem::path::value_type, char>;
+  const std::string name = kNamesAreBytes || isUtf8(bytes) ? std::string(bytes) : toUtf8(bytes);
+  return std::u8string(name.begin(), name.end());
 }
 
 }  // namespace quorvel

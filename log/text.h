@@ -63,4 +63,9 @@ void appendAtColumn(std::string& text, std::string_view label, std::size_t colum
 /// A file name as 8-bit text for messages and reports.
 [[nodiscard]] std::string pathText(const std::filesystem::path& path);
 
+/// A file name as the bytes that settings and arguments hold: its own where the system's names are bytes, else UTF-8.
+[[nodiscard]] std::string pathBytes(const std::filesystem::path& path);
+/// The way back. Bytes that are no UTF-8 stand for Windows-1252 where the system's names are no bytes.
+[[nodiscard]] std::filesystem::path pathFromBytes(std::string_view bytes);
+
 }  // namespace quorvel

@@ -249,7 +249,8 @@ void LogLines::open(LogNumber log) {
   m_window.clear();
   if (m_paths[log] == "-") return;
   std::error_code error;
-  auto opened = openForLooking(m_files, m_paths[log], m_names[log], {std::filesystem::temp_directory_path(error)});
+  auto opened =
+      openForLooking(m_files, pathFromBytes(m_paths[log]), m_names[log], {std::filesystem::temp_directory_path(error)});
   if (!opened.isOk()) return;
   auto& logs = opened.value();
   const auto named =

@@ -31,7 +31,7 @@ constexpr int kFailure = 1;
 
 /// What every way to run is given.
 struct Start {
-  int argc;
+  int argc;  ///< as main() was given them, for the window's library
   char** argv;
   std::filesystem::path programFolder;
   std::filesystem::path workingFolder;
@@ -40,10 +40,10 @@ struct Start {
   std::filesystem::path log;     ///< that the window opens at first, of "--open FILE"; empty: none
 };
 
-std::string joinedArguments(int argc, char** argv) {
+std::string joined(const std::vector<std::string>& arguments) {
   std::string text;
-  for (int i = 1; i < argc; ++i)
-    text.append(i > 1 ? " " : "").append(argv[i]);
+  for (std::size_t i = 0; i < arguments.size(); ++i)
+    text.append(i > 0 ? " " : "").append(arguments[i]);
   return text;
 }
 
@@ -88,8 +88,7 @@ int runWithWindow(const Start& start) {
 }
 #endif
 
-std::optional<int> runCommand(int argc, char** argv) {
-  const std::vector<std::string> arguments(argv + 1, argv + argc);
+std::optional<int> runCommand(const std::vector<std::string>& arguments) {
   if (arguments.empty() || !isNamedCommand(arguments.front())) return std::nullopt;
   catchInterrupts();
   return runNamedCommand(arguments,
@@ -97,14 +96,15 @@ std::optional<int> runCommand(int argc, char** argv) {
 }
 
 int run(int argc, char** argv) {
-  if (const auto status = runCommand(argc, argv)) return *status;
-  const std::string commandLine = joinedArguments(argc, argv);
+  const std::vector<std::string> arguments = programArguments(argc, argv);
+  if (const auto status = runCommand(arguments)) return *status;
+  const std::string commandLine = joined(arguments);
   if (commandLine == "--help" || commandLine == "--version") {
     std::cout << (commandLine == "--help" ? commandLineReference() : "quorvel " + std::string(kVersion) + "\n");
     return std::cout.flush() ? kSuccess : kFailure;
   }
-  const bool opensLog = argc > 1 && argv[1] == std::string_view("--open");
-  if (opensLog && argc > 3) {
+  const bool opensLog = !arguments.empty() && arguments.front() == "--open";
+  if (opensLog && arguments.size() > 2) {
     std::cerr << "quorvel: --open takes one log." << std::endl;
     return kFailure;
   }
@@ -121,7 +121,7 @@ int run(int argc, char** argv) {
                     workingFolder.path(),
                     settings,
                     takesArguments ? trimBlanks(commandLine) : "",
-                    opensLog && argc > 2 ? argv[2] : ""};
+                    opensLog && arguments.size() > 1 ? pathFromBytes(arguments[1]) : std::filesystem::path()};
   const bool endsByItself = settings.readNumber(kSection, "AutoExit") == 1;
   return !start.commandLine.empty() && endsByItself ? runUnattended(start) : runWithWindow(start);
 }

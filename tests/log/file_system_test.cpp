@@ -54,5 +54,39 @@ TEST(FileSystem, LinesAreAppendedToWholeLines) {
   }
 }
 
+/// Writes half of what is appended, lets somebody else write a line, and then finds the disk full.
+class FileOnFullDisk final : public File {
+ public:
+  FileOnFullDisk(const std::filesystem::path& path, std::string_view others)
+      : m_file(std::move(systemFiles().open(path, OpenMode::Append).value())), m_others(others) {}
+
+  Result<std::size_t> readAt(std::uint64_t offset, std::span<char> buffer) const override {
+    return m_file->readAt(offset, buffer);
+  }
+  Status writeAt(std::uint64_t offset, std::string_view data) override { return m_file->writeAt(offset, data); }
+  Status append(std::string_view data, std::string_view /*end*/) override {
+    (void)m_file->append(data.substr(0, data.size() / 2), m_others);
+    return Error{ErrorCode::DiskFull, {}};
+  }
+  Status resize(std::uint64_t length) override { return m_file->resize(length); }
+  Result<std::uint64_t> size() const override { return m_file->size(); }
+  Status sync() override { return m_file->sync(); }
+
+ private:
+  std::unique_ptr<File> m_file;
+  std::string_view m_others;
+};
+
+TEST(FileSystem, TornLinesAreCutButNothingOfOthers) {
+  const TempFolder folder;
+  const std::pair<std::string_view, const char*> cases[] = {
+      {"", "old\r\n1\r\n"}, {"!\r\n", "old\r\n1\r\n2!\r\n"}, {"somebody's\r\n", "old\r\n1\r\n2somebody's\r\n"}};
+  for (const auto& [others, after] : cases) {
+    const auto path = folder.write("error.log", "old\r\n");
+    EXPECT_FALSE(FileOnFullDisk(path, others).appendLines("1\r\n23456").isOk());
+    EXPECT_EQ(folder.read("error.log"), after);
+  }
+}
+
 }  // namespace
 }  // namespace quorvel::test

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 namespace quorvel {
 
@@ -15,9 +17,12 @@ namespace quorvel {
 /// Characters in a line of standard output where that is a terminal; else 0.
 [[nodiscard]] std::size_t outputWidth();
 
+/// The arguments behind the program's name: UTF-8 where the system has them as characters, else the bytes they are.
+[[nodiscard]] std::vector<std::string> programArguments(int argc, char** argv);
+
 /// First thing in main(): gives the standard streams that the caller closed to the null device, so that no file opened
 /// later takes their place, and lets a reader that has gone, or a file-size limit, be a failed write instead of the end
-/// of the program.
+/// of the program. A console that takes characters is told that it gets UTF-8.
 void prepareStandardStreams();
 
 }  // namespace quorvel

@@ -2,6 +2,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <string_view>
 
@@ -24,6 +25,10 @@ std::size_t outputWidth() {
   if (::isatty(STDOUT_FILENO) != 1) return 0;
   winsize size{};
   return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+}
+
+std::vector<std::string> programArguments(int argc, char** argv) {
+  return {argv + std::min(argc, 1), argv + argc};
 }
 
 void prepareStandardStreams() {

@@ -57,7 +57,7 @@ TEST(TextWriter, ColumnsAreAlignedAndCutToTheTerminal) {
             "alice                  0  10.0.0.5\n"
             "\xE6\xBC\xA2\xE5\xAD\x97                   0  a\xEF\xBF\xBD[31m\n"
             "a very long \xE2\x80\xA6          0  b\n");
-  for (const std::size_t width : {1, 5, 20}) {
+  for (const std::size_t width : {1u, 5u, 20u}) {
     const std::string text = textOf(table, {width, false});
     for (std::size_t begin = 0; begin < text.size(); begin = text.find('\n', begin) + 1)
       EXPECT_LE(displayWidth(std::string_view(text).substr(begin, text.find('\n', begin) - begin)), width);

@@ -35,9 +35,12 @@ std::string_view wordOf(LogonResult result) {
 class RecordMaker {
  public:
   RecordMaker(const Activity& activity, const FindOptions& options)
-      : m_activity(activity), m_options(options), m_refused(activity.sessions.size(), kNoTime) {
-    for (std::size_t i = 0; i < activity.logons.size(); ++i)
-      if (const LogonRow& logon = activity.logons[i]; !logon.isOk()) m_refused[logon.session] = logon.time;
+      : m_activity(activity), m_options(options), m_decided(activity.sessions.size(), kNoTime) {
+    for (std::size_t i = 0; i < activity.logons.size(); ++i) {
+      const LogonRow& logon = activity.logons[i];
+      LogTime& decided = m_decided[logon.session];
+      if (decided == kNoTime && logon.result == activity.sessions[logon.session].outcome) decided = logon.time;
+    }
   }
 
   [[nodiscard]] UserAct record(RowNumber number) const {
@@ -49,7 +52,7 @@ class RecordMaker {
     record.NumberInLog = numberOf(m_activity, session);
     record.IP = m_activity.text(session.address).substr(0, kLongestKept);
     record.ConnectTime = servUStamp(session.connected);
-    record.LogonTime = logonTime(session, m_refused[number]);
+    record.LogonTime = logonTime(session, m_decided[number]);
     record.LogoffTime = logoffTime(session);
     record.LogonNo = static_cast<std::int32_t>(number) + 1;
     return record;
@@ -85,7 +88,7 @@ class RecordMaker {
 
   const Activity& m_activity;
   const FindOptions m_options;
-  std::vector<LogTime> m_refused;  ///< by session: the last attempt to log on that was refused
+  std::vector<LogTime> m_decided;  ///< by session: the first attempt that ended as its outcome says, as in classic logs
 };
 
 }  // namespace

@@ -27,11 +27,15 @@ std::optional<LogFile> openNeededLog(CommandContext& context) {
     return std::nullopt;
   }
   const bool isToldByContent = context.state.logType != LogType::WarFtpd;
-  const LogOrigin origin = isToldByContent ? originOf(log.value()) : LogOrigin();
-  context.state.logShape = origin.shape;
-  if (origin.shape != LogShape::Other) return std::move(log.value());
+  const Result<LogOrigin> origin = isToldByContent ? originOf(log.value()) : LogOrigin();
+  if (!origin.isOk()) {
+    reportFailure(context, origin.error().sentence());
+    return std::nullopt;
+  }
+  context.state.logShape = origin.value().shape;
+  if (origin.value().shape != LogShape::Other) return std::move(log.value());
   const bool wasTold = context.state.batchFlag && context.state.batchFailed;
-  if (!wasTold) reportForeignLog(context, origin.server);
+  if (!wasTold) reportForeignLog(context, origin.value().server);
   return std::nullopt;
 }
 

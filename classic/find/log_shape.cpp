@@ -8,14 +8,15 @@
 
 namespace quorvel {
 
-LogOrigin originOf(const LogFile& log) {
+Result<LogOrigin> originOf(const LogFile& log) {
   std::string start(kLogStartBytes, '\0');
   const auto count = log.readAt(1, start);
-  start.resize(count.isOk() ? count.value() : 0);
+  if (!count.isOk()) return count.error();
+  start.resize(count.value());
   const std::vector<std::string_view> lines = startLines(start);
   const Grammar* const grammar = recogniseLog({lines}).grammar;
-  if (grammar == nullptr || grammar == &servUClassic()) return {};
-  return {grammar == &servU() ? LogShape::Current : LogShape::Other, grammar->title()};
+  if (grammar == nullptr || grammar == &servUClassic()) return LogOrigin();
+  return LogOrigin{grammar == &servU() ? LogShape::Current : LogShape::Other, grammar->title()};
 }
 
 }  // namespace quorvel

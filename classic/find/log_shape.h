@@ -19,7 +19,7 @@ struct LogOrigin {
   std::string_view server{};  ///< for people; of Other and Current
 };
 
-/// A log that cannot be read, or says nothing yet, is a classic one.
-[[nodiscard]] LogOrigin originOf(const LogFile& log);
+/// A log that says nothing yet is a classic one.
+[[nodiscard]] Result<LogOrigin> originOf(const LogFile& log);
 
 }  // namespace quorvel

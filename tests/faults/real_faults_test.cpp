@@ -131,16 +131,15 @@ TEST_F(Killed, SettingsAreTheOldOrTheNewOnes) {
 }
 
 TEST_F(Killed, AShortInfoTableKeepsWhatWasWritten) {
-  ProgramWorld(systemFiles(), home.path()).scan(home / "a.log");
   const auto saveTable = [this] {
     ProgramWorld child(systemFiles(), home.path());
-    child.window.useLog(home / "a.log", "a.log", LogType::ServU);
+    child.scan(home / "a.log");
     child.view.choose(work / "table.txt");
     child.window.mnuSaveShortInfo_Click();
   };
   saveTable();
   EXPECT_GT(work.read("table.txt").size(), home.read("users.qva").size());
-  killOften(50ms, [&](microseconds after) { return killDuring(saveTable, after); });
+  killOften(100ms, [&](microseconds after) { return killDuring(saveTable, after); });
 }
 
 TEST_F(Limits, AFileSizeLimitIsAFailedWrite) {

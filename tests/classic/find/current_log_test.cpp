@@ -98,7 +98,7 @@ TEST(CurrentLog, RecordsTellWhatBecameOfASession) {
   };
   for (const RecordCase& each : cases) {
     SCOPED_TRACE(each.log);
-    EXPECT_EQ(originOf(openLog(each.log)).shape, LogShape::Current);
+    EXPECT_EQ(originOf(openLog(each.log)).value().shape, LogShape::Current);
     std::string told;
     for (const UserAct& record : sessionsOf(each.log, false)) {
       told += (told.empty() ? "" : "\n") + record.NumberInLog + ' ' + record.Name + ' ' + record.IP + ' ' +
@@ -239,7 +239,7 @@ TEST(CurrentLog, OnlyWhatIsPositivelyAnothersIsNotClassic) {
       {"Sun Nov 22 01:03:39 2026 1 10.0.0.5 12345 /up.bin b _ i r alice ftp 0 * c\n", LogShape::Other},
   };
   for (const auto& [log, shape] : cases)
-    EXPECT_EQ(originOf(openLog(log)).shape, shape) << log;
+    EXPECT_EQ(originOf(openLog(log)).value().shape, shape) << log;
 }
 
 }  // namespace

@@ -112,6 +112,7 @@ OverviewPage::OverviewPage(QWidget* parent)
   auto* const whole = new QVBoxLayout(this);
   whole->setContentsMargins(0, 0, 0, 0);
   whole->addWidget(scroll);
+  arrange();  // which gives the parts their parents, shown or not
 }
 
 void OverviewPage::makeTiles() {

@@ -87,8 +87,9 @@ class RuleParser {
       if (factor > 1) m_rest.remove_prefix(1);
     }
     skipBlanks();
+    if (*number > INT64_MAX / factor) return false;
     m_rule.limit = *number * factor;
-    return *number <= INT64_MAX / factor;
+    return true;
   }
 
   /// `1%` or `0.25%`.

@@ -20,6 +20,7 @@
 #include "classic/find/users_file.h"
 #include "tests/support/program_run.h"
 #include "tests/support/program_world.h"
+#include "tests/support/sanitizers.h"
 
 namespace quorvel::test {
 namespace {
@@ -175,7 +176,7 @@ TEST_F(Limits, WithoutThreadsEverythingIsDoneOnOne) {
   EXPECT_EQ(work.read("found.txt"), work.read("expected.txt"));
 }
 
-#ifndef __SANITIZE_ADDRESS__  // which reserves more memory than any limit allows
+#ifndef QUORVEL_ADDRESS_SANITIZER  // which reserves more memory than any limit allows
 TEST_F(Limits, MemoryThatRunsOutIsTold) {
   const auto under = [this](int kilobytes, const std::string& arguments) {
     return run("ulimit -v " + std::to_string(kilobytes) + "; quorvel " + arguments);

@@ -63,8 +63,9 @@ class Grammar {
   [[nodiscard]] virtual std::string_view title() const = 0;
   [[nodiscard]] virtual GrammarTraits traits() const = 0;
 
-  /// How many of the lines this grammar reads as its own; settles the dialect when it reads any.
-  [[nodiscard]] virtual int recognise(const LogStart& start, Dialect& dialect) const = 0;
+  /// How many of the lines this grammar reads as its own; settles the dialect when it reads any. Where
+  /// nothing else says it, those that parse() knows, in the dialect as it is.
+  [[nodiscard]] virtual int recognise(const LogStart& start, Dialect& dialect) const;
   /// Whether lines of this format may change the dialect on the way; they begin with '#'.
   [[nodiscard]] virtual bool hasDirectives() const { return false; }
   /// Takes a line that begins with '#'.

@@ -147,16 +147,6 @@ class Vsftpd final : public Grammar {
                 "address, user and process number."};
   }
 
-  int recognise(const LogStart& start, Dialect& dialect) const override {
-    int lines = 0;
-    for (const std::string_view line : start.lines) {
-      Event event;
-      parse(line, dialect, event);
-      if (event.kind != EventKind::Unknown) ++lines;
-    }
-    return lines;
-  }
-
   void parse(std::string_view line, const Dialect&, Event& event) const override {
     LineFront front(line);
     const auto time = takeUnixDate(front);

@@ -52,16 +52,6 @@ class Xferlog final : public Grammar {
                 "and some servers write blanks in names as '_'."};
   }
 
-  int recognise(const LogStart& start, Dialect& dialect) const override {
-    int lines = 0;
-    for (const std::string_view line : start.lines) {
-      Event event;
-      parse(line, dialect, event);
-      if (event.kind != EventKind::Unknown) ++lines;
-    }
-    return lines;
-  }
-
   void parse(std::string_view line, const Dialect&, Event& event) const override {
     LineFront front(line);
     const auto time = takeUnixDate(front);
